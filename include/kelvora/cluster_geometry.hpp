@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <opencv2/core/types.hpp>
+
+#include "kelvora/export.hpp"
+
+namespace kelvora {
+
+/// The box around one cluster, as every generator reports it.
+///
+/// A plain value with public fields; no constructor checks what it is given.
+struct KELVORA_EXPORT ClusterGeometry {
+    float x;                   ///< Left edge, pixels.
+    float y;                   ///< Top edge, pixels.
+    unsigned long long z;      ///< Start along a third axis; the generators leave it 0.
+    float width;               ///< Pixels.
+    float height;              ///< Pixels.
+    unsigned long long depth;  ///< Extent along the third axis; the generators leave it 0.
+    int start_time = -1;  ///< Start in time (low 32 bits of the microseconds), -1 if not known.
+    int duration = 0;     ///< Length in time, microseconds.
+    unsigned long long timestamp =
+        0;  ///< What the caller passed to `generateClusters`, microseconds.
+
+    /// Sets `start_time`, `duration` and `timestamp` to their defaults.
+    /// \note The box stays uninitialised, also with `{}`: assign it before reading it.
+    ClusterGeometry();
+
+    /// A box in the image plane; `z` and `depth` are 0, the extent in time is not set.
+    ClusterGeometry(const cv::Rect_<float>& rect, unsigned long long timestamp);
+
+    /// A box with an extent in time, of which the low 32 bits are kept.
+    ClusterGeometry(const cv::Rect_<float>& rect, unsigned long long start_time,
+                    unsigned long long duration, unsigned long long timestamp);
+
+    /// A box in the image plane; `z` and `depth` are 0, the extent in time is not set.
+    ClusterGeometry(float x, float y, float width, float height, unsigned long long timestamp);
+
+    /// A box with an extent in time; `z` and `depth` are 0.
+    ClusterGeometry(float x, float y, float width, float height, int start_time, int duration,
+                    unsigned long long timestamp);
+
+    /// Every field as given.
+    ClusterGeometry(float x, float y, unsigned long long z, float width, float height,
+                    unsigned long long depth, int start_time, int duration,
+                    unsigned long long timestamp);
+
+    ClusterGeometry(const ClusterGeometry&) = default;
+    ClusterGeometry(ClusterGeometry&&) = default;
+    ClusterGeometry& operator=(const ClusterGeometry& other);
+    ClusterGeometry& operator=(ClusterGeometry&& other) noexcept;
+    ~ClusterGeometry() = default;
+
+    /// The box in the image plane.
+    // The const return type is part of the interface.
+    // NOLINTNEXTLINE(readability-const-return-type)
+    const cv::Rect_<float> get2DBoundingBox() const;
+
+    /// Width times height, square pixels.
+    float getArea() const;
+
+    /// Width over height.
+    /// \note Not guarded: infinite for a height of 0, NaN for an empty box.
+    float getAspectRatio() const;
+
+    /// Centre of the box, pixels.
+    cv::Point_<float> getCenter() const;
+};
+
+}  // namespace kelvora

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "kelvora/cluster_geometry.hpp"
+
+namespace kelvora {
+
+/// What the implementations of all generators have in common: the sensor, and the two operations
+/// that work on what was accumulated. Intake is not among them, since it is a template over the
+/// event type.
+class ClusterGeneratorBase {
+public:
+    ClusterGeneratorBase(int sensor_width_, int sensor_height_)
+        : sensor_width(sensor_width_), sensor_height(sensor_height_) {}
+
+    ClusterGeneratorBase(const ClusterGeneratorBase&) = delete;
+    ClusterGeneratorBase& operator=(const ClusterGeneratorBase&) = delete;
+
+    virtual ~ClusterGeneratorBase() = default;
+
+    virtual void generateClusters(std::size_t timestamp,
+                                  std::vector<ClusterGeometry>& clusters) = 0;
+
+    virtual void reset() = 0;
+
+protected:
+    std::int32_t sensor_width;   ///< Pixels.
+    std::int32_t sensor_height;  ///< Pixels.
+    std::uint64_t base_counter =
+        0;  ///< Free for the implementations to use; the grid generator does not.
+};
+
+}  // namespace kelvora

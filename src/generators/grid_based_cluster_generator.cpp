@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: MIT
+#include "kelvora/grid_based_cluster_generator.hpp"
+
+#include <algorithm>
+#include <cassert>
+#include <cstdint>
+#include <limits>
+#include <stdexcept>
+
+#include "events/rejected_polarity.hpp"
+#include "generators/active_cells.hpp"
+#include "generators/cluster_generator_base.hpp"
+
+namespace kelvora {
+
+namespace {
+
+/// Where the counters of a cell lie: one per cell, or one per polarity side by side.
+///
+/// The choice is made once per generator and expressed in numbers: with one counter, the positive
+/// one is the negative one, `positive_offset` 0 away. So counting needs neither a branch nor an
+/// indirect call per event, which would cost several times the arithmetic.
+struct CellCounters {
+    std::uint16_t* counts = nullptr;
+    std::size_t cols = 0;
+    std::size_t per_cell = 1;
+    std::size_t positive_offset = 0;
+
+    std::uint16_t* of(std::size_t row, std::size_t col) const {
+        return counts + per_cell * (row * cols + col);
+    }
+};
+
+/// Counts an event in the cell (row, col).
+struct AddToCell {
+    CellCounters counters;
+
+    void operator()(std::size_t row, std::size_t col, bool positive) const {
+        ++counters.of(row, col)[positive ? counters.positive_offset : 0];
+    }
+};
+
+/// Tells whether all counters of the cell (row, col) have reached the threshold.
+struct IsCellActive {
+    CellCounters counters;
+    std::uint16_t activation_threshold = 0;
+
+    bool operator()(std::size_t row, std::size_t col) const {
+        const std::uint16_t* const cell = counters.of(row, col);
+        return cell[0] >= activation_threshold &&
+               cell[counters.positive_offset] >= activation_threshold;
+    }
+};
+
+/// Number of cells of `cell_size` that cover `sensor_size` pixels; not positive if one of the sizes
+/// is not.
+int cellCount(int sensor_size, int cell_size) {
+    if (cell_size < 1) {
+        return 0;
+    }
+    // In 64 bits, as the sum may exceed an int.
+    return static_cast<int>((std::int64_t{sensor_size} + cell_size - 1) / cell_size);
+}
+
+std::size_t product(int a, int b) {
+    return static_cast<std::size_t>(a) * static_cast<std::size_t>(b);
+}
+
+/// The cell of each pixel along one axis, so that intake does not divide.
+std::vector<std::uint16_t> cellOfPixel(int sensor_size, int cell_size) {
+    std::vector<std::uint16_t> cells(static_cast<std::size_t>(sensor_size));
+    for (int pixel = 0; pixel < sensor_size; ++pixel) {
+        cells[static_cast<std::size_t>(pixel)] = static_cast<std::uint16_t>(pixel / cell_size);
+    }
+    return cells;
+}
+
+}  // namespace
+
+class GridBasedClusterGenerator::Impl : public ClusterGeneratorBase {
+public:
+    Impl(int sensor_width_, int sensor_height_, int cell_width_, int cell_height_,
+         int max_cluster_size_, int min_cluster_size_, EventFilterType filter_type_,
+         bool count_pixel_once_, unsigned short activation_threshold_);
+
+    template <class Event>
+    void processEvent(const Event& event);
+
+    void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters) override;
+
+    void reset() override;
+
+    cv::Mat activeMap() { return {sensor_height, sensor_width, CV_8UC1, pixel_counts.data()}; }
+
+private:
+    void reportRegion(const CellRegion& region, std::size_t timestamp,
+                      std::vector<ClusterGeometry>& clusters) const;
+
+    int cell_width;
+    int cell_height;
+    int cell_rows;
+    int cell_cols;
+    int max_cluster_size;
+    int min_cluster_size;
+    EventFilterType filter_type;
+    bool count_pixel_once;
+    std::uint16_t activation_threshold;
+    std::vector<std::uint16_t> cell_counts;  ///< One or two counters per cell; they wrap.
+    std::vector<std::uint8_t> pixel_counts;  ///< One counter per pixel; they saturate.
+    ActiveCells active_cells;
+    std::vector<std::uint16_t> column_to_cell;
+    std::vector<std::uint16_t> row_to_cell;
+    IsCellActive is_cell_active;
+    AddToCell add_to_cell;
+    std::vector<CellRegion> regions;  ///< Scratch of `generateClusters`, kept for its storage.
+};
+
+GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int cell_width_,
+                                      int cell_height_, int max_cluster_size_,
+                                      int min_cluster_size_, EventFilterType filter_type_,
+                                      bool count_pixel_once_, unsigned short activation_threshold_)
+    : ClusterGeneratorBase(sensor_width_, sensor_height_),
+      cell_width(cell_width_),
+      cell_height(cell_height_),
+      cell_rows(cellCount(sensor_height, cell_height)),
+      cell_cols(cellCount(sensor_width, cell_width)),
+      max_cluster_size(max_cluster_size_),
+      min_cluster_size(min_cluster_size_),
+      filter_type(filter_type_),
+      count_pixel_once(count_pixel_once_),
+      activation_threshold(activation_threshold_) {
+    if (cell_rows < 1 || cell_cols < 1) {
+        throw std::invalid_argument("Invalid cell size or sensor size");
+    }
+    const std::size_t per_cell = filter_type == POLARITY_SEPARATE ? 2 : 1;
+    pixel_counts.resize(product(sensor_width, sensor_height));
+    cell_counts.resize(per_cell * product(cell_rows, cell_cols));
+    const CellCounters counters = {cell_counts.data(), static_cast<std::size_t>(cell_cols),
+                                   per_cell, per_cell - 1};
+    is_cell_active = {counters, activation_threshold};
+    add_to_cell = {counters};
+    active_cells = ActiveCells(cell_rows, cell_cols);
+    column_to_cell = cellOfPixel(sensor_width, cell_width);
+    row_to_cell = cellOfPixel(sensor_height, cell_height);
+}
+
+template <class Event>
+void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
+    // Deliberately one value per event type for the whole process: see the note in the header.
+    static const std::uint8_t rejected_polarity = rejectedPolarity(filter_type);
+    const auto polarity = static_cast<std::uint8_t>(event.polarity);
+    if (polarity == rejected_polarity) {
+        return;
+    }
+    assert(event.x < sensor_width && event.y < sensor_height);
+    const std::size_t row = row_to_cell[event.y];
+    const std::size_t col = column_to_cell[event.x];
+    std::uint8_t& pixel = pixel_counts[event.y * static_cast<std::size_t>(sensor_width) + event.x];
+    if (count_pixel_once && pixel != 0) {
+        return;
+    }
+    if (pixel != std::numeric_limits<std::uint8_t>::max()) {
+        ++pixel;
+    }
+    add_to_cell(row, col, polarity != 0);
+    if (is_cell_active(row, col)) {
+        active_cells.markBlock(row, col);
+    }
+}
+
+void GridBasedClusterGenerator::Impl::generateClusters(std::size_t timestamp,
+                                                       std::vector<ClusterGeometry>& clusters) {
+    clusters.clear();
+    active_cells.takeRegions(regions);
+    for (const CellRegion& region : regions) {
+        reportRegion(region, timestamp, clusters);
+    }
+    reset();
+}
+
+/// Appends the box around a region, clipped to the sensor, unless it is too small or too large
+/// before clipping.
+void GridBasedClusterGenerator::Impl::reportRegion(const CellRegion& region, std::size_t timestamp,
+                                                   std::vector<ClusterGeometry>& clusters) const {
+    const int x = region.min_col * cell_width;
+    const int y = region.min_row * cell_height;
+    // In 64 bits, as the last cell may reach beyond the largest int.
+    const std::int64_t width = std::int64_t{region.cols_spanned} * cell_width;
+    const std::int64_t height = std::int64_t{region.rows_spanned} * cell_height;
+    const auto [smallest, largest] = std::minmax(width, height);
+    if (smallest < min_cluster_size || largest > max_cluster_size) {
+        return;
+    }
+    clusters.emplace_back(static_cast<float>(x), static_cast<float>(y),
+                          static_cast<float>(std::min<std::int64_t>(width, sensor_width - x)),
+                          static_cast<float>(std::min<std::int64_t>(height, sensor_height - y)),
+                          timestamp);
+}
+
+void GridBasedClusterGenerator::Impl::reset() {
+    std::fill(pixel_counts.begin(), pixel_counts.end(), std::uint8_t{0});
+    std::fill(cell_counts.begin(), cell_counts.end(), std::uint16_t{0});
+}
+
+GridBasedClusterGenerator::GridBasedClusterGenerator(int sensor_width, int sensor_height,
+                                                     int cell_width, int cell_height,
+                                                     int max_cluster_size, int min_cluster_size,
+                                                     EventFilterType filter_type,
+                                                     bool count_pixel_once,
+                                                     unsigned short activation_threshold)
+    : impl(std::make_unique<Impl>(sensor_width, sensor_height, cell_width, cell_height,
+                                  max_cluster_size, min_cluster_size, filter_type, count_pixel_once,
+                                  activation_threshold)) {}
+
+GridBasedClusterGenerator::~GridBasedClusterGenerator() = default;
+
+template <class Event>
+void GridBasedClusterGenerator::processEvent(const Event* event) {
+    assert(event != nullptr);
+    impl->processEvent(*event);
+}
+
+void GridBasedClusterGenerator::generateClusters(std::size_t timestamp,
+                                                 std::vector<ClusterGeometry>& clusters) {
+    impl->generateClusters(timestamp, clusters);
+}
+
+void GridBasedClusterGenerator::reset() {
+    impl->reset();
+}
+
+void GridBasedClusterGenerator::getActiveMap(cv::Mat& map) {
+    map = impl->activeMap();
+}
+
+template void GridBasedClusterGenerator::processEvent(const Event2D*);
+template void GridBasedClusterGenerator::processEvent(const Event2DFrequency*);
+template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<int>*);
+template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<unsigned int>*);
+template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<float>*);
+template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<double>*);
+template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<long long>*);
+template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<unsigned long long>*);
+
+}  // namespace kelvora
