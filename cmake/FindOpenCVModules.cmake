@@ -54,7 +54,7 @@ else()
                     INTERFACE_INCLUDE_DIRECTORIES
                         "${OpenCVModules_INCLUDE_DIR};${OpenCVModules_CONFIG_INCLUDE_DIR}")
             endif()
-        else()
+        elseif(OpenCVModules_VERSION)
             string(APPEND OpenCVModules_STATUS ", without module ${module}")
         endif()
     endforeach()
@@ -64,4 +64,5 @@ include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(OpenCVModules
     REQUIRED_VARS OpenCVModules_VERSION
     VERSION_VAR OpenCVModules_VERSION
-    HANDLE_COMPONENTS)
+    HANDLE_COMPONENTS
+    REASON_FAILURE_MESSAGE "${OpenCVModules_STATUS}")

@@ -19,8 +19,7 @@ struct KELVORA_EXPORT ClusterGeometry {
     unsigned long long depth;  ///< Extent along the third axis; the generators leave it 0.
     int start_time = -1;  ///< Start in time (low 32 bits of the microseconds), -1 if not known.
     int duration = 0;     ///< Length in time, microseconds.
-    unsigned long long timestamp =
-        0;  ///< What the caller passed to `generateClusters`, microseconds.
+    unsigned long long timestamp = 0;  ///< As passed to `generateClusters`, microseconds.
 
     /// Sets `start_time`, `duration` and `timestamp` to their defaults.
     /// \note The box stays uninitialised, also with `{}`: assign it before reading it.

@@ -8,8 +8,7 @@
 
 #include "kelvora/export.hpp"
 
-/// \file
-/// The records in which a caller hands events to the library, and the polarity filter of the
+/// \file The records in which a caller hands events to the library, and the polarity filter of the
 /// generators.
 ///
 /// All records are standard-layout values with public fields, copied and moved field by field.

@@ -27,22 +27,18 @@ namespace kelvora {
 class KELVORA_EXPORT GridBasedClusterGenerator {
 public:
     /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
-    /// \param cell_width,cell_height      Size of a cell, pixels, at least 1. Cells at the right
-    /// and lower edge
-    ///                                    may reach beyond the sensor.
-    /// \param max_cluster_size            Largest accepted width and height of a cluster, pixels.
-    /// \param min_cluster_size            Smallest accepted width and height of a cluster, pixels.
-    /// Sizes are whole
-    ///                                    cells, measured before the box is clipped to the sensor.
-    /// \param filter_type                 Events to ignore. `POLARITY_SEPARATE` counts the
-    /// polarities apart: a cell
-    ///                                    is active when each of the two has reached the threshold.
-    ///                                    Not validated: an unknown value makes the first
-    ///                                    `processEvent` throw.
-    /// \param count_pixel_once            Count at most one event per pixel between two
-    /// `generateClusters`. \param activation_threshold        Events that make a cell active; with
-    /// 0, one event is enough. \throws std::invalid_argument      if a cell or the sensor has a
-    /// size below 1. \note The largest size comes before the smallest.
+    /// \param cell_width,cell_height  Size of a cell, pixels, at least 1. Cells at the right and
+    ///     lower edge may reach beyond the sensor.
+    /// \param max_cluster_size  Largest accepted width and height of a cluster, pixels.
+    /// \param min_cluster_size  Smallest accepted width and height of a cluster, pixels. Sizes are
+    ///     whole cells, measured before the box is clipped to the sensor.
+    /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` ignores none and counts the
+    ///     polarities apart: a cell is active when each of the two has reached the threshold. Not
+    ///     validated: an unknown value makes the first `processEvent` throw.
+    /// \param count_pixel_once  Count at most one event per pixel between two `generateClusters`.
+    /// \param activation_threshold  Events that make a cell active; with 0, one event is enough.
+    /// \throws std::invalid_argument  if a cell or the sensor has a size below 1.
+    /// \note The largest size comes before the smallest.
     GridBasedClusterGenerator(int sensor_width, int sensor_height, int cell_width, int cell_height,
                               int max_cluster_size, int min_cluster_size,
                               EventFilterType filter_type, bool count_pixel_once,
@@ -53,13 +49,11 @@ public:
     /// Counts one event, unless the filter ignores it. Constant time, no allocation.
     ///
     /// \tparam Event  `Event2D`, `Event2DFrequency`, or `Event2DPeriod` of `int`, `unsigned int`,
-    /// `float`, `double`,
-    ///                `long long` or `unsigned long long`.
-    /// \param event   Not null, and on the sensor: neither is checked (debug builds assert both).
-    /// Any polarity but
-    ///                0 counts as positive.
-    /// \throws std::out_of_range  "invalid unordered_map<K, T> key" if the filter type is not one
-    /// of the four.
+    ///     `float`, `double`, `long long` or `unsigned long long`.
+    /// \param event  Not null, and on the sensor: neither is checked (debug builds assert both). Any
+    ///     polarity but 0 counts as positive.
+    /// \throws std::out_of_range  "invalid unordered_map<K, T> key" if the filter type is not one of
+    ///     the four.
     ///
     /// \note The ignored polarity is looked up once per event type and process, by the first grid
     /// generator that gets an event of that type; every later grid generator uses it for this event
@@ -72,9 +66,8 @@ public:
     /// Reports the clusters of the events since the last call, and starts counting afresh.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
-    /// \param clusters   Emptied first. Ordered by the first cell of each cluster, rows from top to
-    /// bottom and
-    ///                   columns from left to right.
+    /// \param clusters  Emptied first. Ordered by the first cell of each cluster, rows from top to
+    ///     bottom and columns from left to right.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Sets all counters to 0.
@@ -84,9 +77,8 @@ public:
 
     /// Makes `map` a view of the events counted per pixel since the last `generateClusters`.
     ///
-    /// \param map  Becomes a `CV_8UC1` matrix of sensor size; counts stop at 255. It owns no data:
-    /// it changes with
-    ///             every event, and must not be used after the generator is gone.
+    /// \param map  Becomes a `CV_8UC1` matrix of sensor size; counts stop at 255. It owns no data: it
+    ///     changes with every event, and must not be used after the generator is gone.
     void getActiveMap(cv::Mat& map);
 
 private:
