@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+#include "recording/event_writer.hpp"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "recording/recording_error.hpp"
+#include "recording_support.hpp"
+
+namespace kelvora::recording {
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr SensorSize kSensorSize{2048, 2048};
+
+// Long enough for the time of EVT3 to wrap around many times, and sometimes in one pause.
+constexpr std::uint64_t kLongestPause = 40'000'000;
+
+void writeRecording(const std::filesystem::path& path, Format format,
+                    const std::vector<Event2D>& events) {
+    const auto writer = createRecording(path, format, kSensorSize);
+    writer->write(events);
+    writer->close();
+}
+
+std::string errorOfWriting(const std::filesystem::path& path, Format format,
+                           const std::vector<Event2D>& events) {
+    try {
+        writeRecording(path, format, events);
+    } catch (const RecordingError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+std::string contentOf(const std::filesystem::path& path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
+
+class EventWriterTest : public ::testing::TestWithParam<Format> {
+protected:
+    TemporaryDirectory directory;
+    const std::filesystem::path path = directory.file("recording");
+};
+
+TEST_P(EventWriterTest, WritesWhatAReaderReadsBack) {
+    for (const unsigned seed : {1U, 2U, 3U}) {
+        const std::vector<Event2D> events = randomRecording(seed, 20'000, kLongestPause);
+        ASSERT_GT(events.back().timestamp, std::uint64_t{1} << 24);
+        writeRecording(path, GetParam(), events);
+        const Outcome outcome = readRecording(path);
+        EXPECT_THAT(outcome.error, IsEmpty());
+        EXPECT_TRUE(outcome.events == events) << "seed " << seed;
+    }
+}
+
+TEST_P(EventWriterTest, WritesTheSameInChunksOfAnySize) {
+    const std::vector<Event2D> events = randomRecording(4, 1000, kLongestPause);
+    const auto writer = createRecording(path, GetParam(), kSensorSize);
+    for (std::size_t first = 0; first < events.size(); first += 7) {
+        const std::size_t last = std::min(first + 7, events.size());
+        writer->write({events.begin() + static_cast<std::ptrdiff_t>(first),
+                       events.begin() + static_cast<std::ptrdiff_t>(last)});
+    }
+    writer->close();
+    EXPECT_TRUE(readRecording(path).events == events);
+}
+
+TEST_P(EventWriterTest, WritesMoreThanItsBufferHolds) {
+    const std::vector<Event2D> events = randomRecording(5, 200'000, 1000);
+    writeRecording(path, GetParam(), events);
+    EXPECT_TRUE(readRecording(path).events == events);
+}
+
+TEST_P(EventWriterTest, NotesFormatAndSensorSize) {
+    writeRecording(path, GetParam(), {eventAt(1, 2, 3, 1)});
+    const auto reader = openRecording(path);
+    EXPECT_EQ(reader->format(), GetParam());
+    if (GetParam() == Format::Records) {
+        EXPECT_FALSE(reader->sensorSize());
+    } else {
+        EXPECT_EQ(reader->sensorSize(), kSensorSize);
+    }
+}
+
+TEST_P(EventWriterTest, ClosesARecordingThatGoesOutOfScope) {
+    createRecording(path, GetParam(), kSensorSize)->write({eventAt(1, 2, 3, 1)});
+    EXPECT_EQ(readRecording(path).events.size(), 1U);
+}
+
+TEST_P(EventWriterTest, RefusesOtherPolarities) {
+    EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(17, 2, 3, 2)}),
+                EndsWith("recording: cannot hold the polarity 2, event at 17 us, write polarities "
+                         "of 0 and 1 only"));
+}
+
+TEST_P(EventWriterTest, ReportsThatTheDiskIsFullOnceOnly) {
+    if (!std::filesystem::exists("/dev/full")) {
+        GTEST_SKIP() << "the system has no /dev/full";
+    }
+    const auto writer = createRecording("/dev/full", GetParam(), kSensorSize);
+    writer->write({eventAt(1, 2, 3, 1)});
+    try {
+        writer->close();
+        FAIL();
+    } catch (const RecordingError& error) {
+        EXPECT_STREQ(error.what(),
+                     "/dev/full: cannot be written (No space left on device), check the free space "
+                     "of the disk");
+    }
+    EXPECT_NO_THROW(writer->close());
+}
+
+TEST_P(EventWriterTest, RefusesPathsWhereNothingCanBeCreated) {
+    EXPECT_THAT(
+        errorOfWriting(directory.file("no/such/directory"), GetParam(), {}),
+        HasSubstr("directory: cannot be created (No such file or directory), check the path"));
+}
+
+INSTANTIATE_TEST_SUITE_P(AllFormats, EventWriterTest,
+                         ::testing::Values(Format::Records, Format::Text, Format::Evt2,
+                                           Format::Evt3),
+                         [](const auto& tested) { return toString(tested.param); });
+
+class EvtWriterTest : public EventWriterTest {};
+
+TEST_P(EvtWriterTest, WritesTheHeaderInFull) {
+    writeRecording(path, GetParam(), {});
+    const std::string version = GetParam() == Format::Evt2 ? "2" : "3";
+    EXPECT_EQ(contentOf(path), "% evt " + version + ".0\n% format EVT" + version +
+                                   ";height=2048;width=2048\n% geometry 2048x2048\n% end\n");
+}
+
+TEST_P(EvtWriterTest, KeepsTimesAcrossAllPausesItAccepts) {
+    const std::uint64_t longest = std::uint64_t{1} << 40;
+    std::vector<Event2D> events;
+    std::uint64_t time = 0;
+    for (std::uint64_t pause = 1; pause <= longest; pause *= 2) {
+        time += pause;
+        events.push_back(eventAt(time, 1, 2, 1));
+        events.push_back(eventAt(time + pause / 2, 1, 2, 1));
+        time += pause / 2;
+    }
+    writeRecording(path, GetParam(), events);
+    EXPECT_EQ(readRecording(path).events, events);
+    EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(longest + 1, 1, 2, 1)}),
+                HasSubstr("a pause of more than 12 days, event 0, let times begin near 0"));
+}
+
+TEST_P(EvtWriterTest, RefusesPixelsBeyondElevenBits) {
+    EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(0, 1, 1, 1), eventAt(0, 2048, 3, 1)}),
+                HasSubstr("cannot hold the pixel (2048, 3), as EVT ends at 2047, event 1, write "
+                          "records or text"));
+    EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(0, 3, 2048, 1)}), HasSubstr("(3, 2048)"));
+}
+
+TEST_P(EvtWriterTest, RefusesTimesThatGoBack) {
+    EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(5, 1, 1, 1), eventAt(4, 1, 1, 1)}),
+                HasSubstr("cannot hold the time 4 us after 5 us, event 1, sort the events"));
+}
+
+INSTANTIATE_TEST_SUITE_P(EvtFormats, EvtWriterTest, ::testing::Values(Format::Evt2, Format::Evt3),
+                         [](const auto& tested) { return toString(tested.param); });
+
+TEST(TextWriter, WritesSizeAndSecondsWithSixDecimals) {
+    const TemporaryDirectory directory;
+    const auto path = directory.file("a.txt");
+    writeRecording(path, Format::Text,
+                   {eventAt(5, 2, 3, 1), eventAt(1615211683123456, 65535, 0, 0)});
+    EXPECT_EQ(contentOf(path), "2048 2048\n0.000005 2 3 1\n1615211683.123456 65535 0 0\n");
+}
+
+TEST(RecordsWriter, HoldsAnyEvent) {
+    const TemporaryDirectory directory;
+    const auto path = directory.file("a.bin");
+    const std::vector<Event2D> events = {eventAt(kLatestTime, 65535, 65535, 1),
+                                         eventAt(0, 0, 0, 0)};
+    writeRecording(path, Format::Records, events);
+    EXPECT_EQ(readRecording(path).events, events);
+}
+
+}  // namespace
+}  // namespace kelvora::recording

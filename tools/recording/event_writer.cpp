@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "recording/event_writer.hpp"
+
+#include <fmt/format.h>
+
+#include <string>
+
+#include "recording/event_encoder.hpp"
+#include "recording/evt2_encoder.hpp"
+#include "recording/evt3_encoder.hpp"
+#include "recording/output_file.hpp"
+#include "recording/recording_error.hpp"
+#include "recording/records_encoder.hpp"
+#include "recording/text_encoder.hpp"
+
+namespace kelvora::recording {
+namespace {
+
+constexpr std::size_t kBufferBytes = 256 * 1024;
+
+std::unique_ptr<EventEncoder> createEncoder(Format format, const std::string& file,
+                                            const SensorSize& sensor_size) {
+    switch (format) {
+        case Format::Text:
+            return std::make_unique<TextEncoder>(sensor_size);
+        case Format::Evt2:
+            return std::make_unique<Evt2Encoder>(file, sensor_size);
+        case Format::Evt3:
+            return std::make_unique<Evt3Encoder>(file, sensor_size);
+        default:
+            return std::make_unique<RecordsEncoder>();
+    }
+}
+
+class FileEventWriter : public EventWriter {
+public:
+    FileEventWriter(const std::filesystem::path& path, Format format, const SensorSize& sensor_size)
+        : file(path), encoder(createEncoder(format, file.name(), sensor_size)) {
+        encoder->encodeHeader(buffer);
+    }
+
+    ~FileEventWriter() override {
+        try {
+            close();
+        } catch (
+            const RecordingError&) {  // NOLINT(bugprone-empty-catch): close() is there to be told
+        }
+    }
+
+    FileEventWriter(const FileEventWriter&) = delete;
+    FileEventWriter& operator=(const FileEventWriter&) = delete;
+
+    void write(const std::vector<Event2D>& events) override {
+        for (const Event2D& event : events) {
+            checkPolarity(event);
+        }
+        encoder->encode(events, buffer);
+        if (buffer.size() >= kBufferBytes) {
+            flush();
+        }
+    }
+
+    void close() override {
+        flush();
+        file.close();
+    }
+
+private:
+    void checkPolarity(const Event2D& event) const {
+        if (event.polarity > 1) {
+            throw RecordingError(
+                file.name(),
+                fmt::format("cannot hold the polarity {}", static_cast<unsigned>(event.polarity)),
+                fmt::format("event at {} us", event.timestamp), "write polarities of 0 and 1 only");
+        }
+    }
+
+    void flush() {
+        // Emptied first: after a failure, closing must not write the same bytes again.
+        const std::string bytes = std::move(buffer);
+        buffer.clear();
+        file.write(bytes);
+    }
+
+    OutputFile file;
+    std::unique_ptr<EventEncoder> encoder;
+    std::string buffer;
+};
+
+}  // namespace
+
+std::unique_ptr<EventWriter> createRecording(const std::filesystem::path& path, Format format,
+                                             const SensorSize& sensor_size) {
+    return std::make_unique<FileEventWriter>(path, format, sensor_size);
+}
+
+}  // namespace kelvora::recording

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "recording/event_encoder.hpp"
+#include "recording/evt_event_check.hpp"
+#include "recording/sensor_size.hpp"
+
+namespace kelvora::recording {
+
+/// Encodes `Format::Evt2`. `EvtEventCheck` tells which events it can hold.
+class Evt2Encoder : public EventEncoder {
+public:
+    Evt2Encoder(const std::string& file, const SensorSize& sensor_size);
+
+    void encodeHeader(std::string& bytes) const override;
+    void encode(const std::vector<Event2D>& events, std::string& bytes) override;
+
+private:
+    void encodeTimeHigh(std::uint64_t new_time_high, std::string& bytes);
+
+    SensorSize sensor_size;
+    EvtEventCheck event_check;
+    std::uint64_t time_high = 0;  // as written last, but with all its bits
+    bool has_time = false;
+};
+
+}  // namespace kelvora::recording

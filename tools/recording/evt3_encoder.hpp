@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "recording/event_encoder.hpp"
+#include "recording/evt_event_check.hpp"
+#include "recording/sensor_size.hpp"
+
+namespace kelvora::recording {
+
+/// Encodes `Format::Evt3`. `EvtEventCheck` tells which events it can hold.
+///
+/// Neighbouring events of one time, row and polarity are written as vectors if their columns ascend and this takes
+/// fewer words. The order of events is always kept.
+class Evt3Encoder : public EventEncoder {
+public:
+    Evt3Encoder(const std::string& file, const SensorSize& sensor_size);
+
+    void encodeHeader(std::string& bytes) const override;
+    void encode(const std::vector<Event2D>& events, std::string& bytes) override;
+
+private:
+    void encodeTime(std::uint64_t time, std::string& bytes);
+    void encodeRow(std::uint16_t y, std::string& bytes);
+
+    SensorSize sensor_size;
+    EvtEventCheck event_check;
+    std::optional<std::uint64_t>
+        last_time;                // as written last; time and row hold for the events that follow
+    std::uint64_t time_high = 0;  // as written last, but with all its bits
+    std::optional<std::uint16_t> row;
+};
+
+}  // namespace kelvora::recording

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#include "recording/records_encoder.hpp"
+
+#include <cstdint>
+
+#include "recording/bytes.hpp"
+
+namespace kelvora::recording {
+
+void RecordsEncoder::encodeHeader(std::string& /*bytes*/) const {}
+
+void RecordsEncoder::encode(const std::vector<Event2D>& events, std::string& bytes) {
+    for (const Event2D& event : events) {
+        appendLittleEndian<std::uint64_t>(bytes, event.timestamp);
+        appendLittleEndian<std::uint16_t>(bytes, event.x);
+        appendLittleEndian<std::uint16_t>(bytes, event.y);
+        appendLittleEndian<std::uint32_t>(bytes, event.polarity);  // and the padding
+    }
+}
+
+}  // namespace kelvora::recording

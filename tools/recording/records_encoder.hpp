@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "recording/event_encoder.hpp"
+
+namespace kelvora::recording {
+
+/// Encodes `Format::Records`, which can hold any event.
+class RecordsEncoder : public EventEncoder {
+public:
+    void encodeHeader(std::string& bytes) const override;
+    void encode(const std::vector<Event2D>& events, std::string& bytes) override;
+};
+
+}  // namespace kelvora::recording

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace kelvora::recording {
+
+/// Extent of a sensor in pixels. Its pixels are x = 0 to width - 1 and y = 0 to height - 1.
+struct SensorSize {
+    int width;
+    int height;
+};
+
+inline bool operator==(const SensorSize& left, const SensorSize& right) {
+    return left.width == right.width && left.height == right.height;
+}
+
+inline bool operator!=(const SensorSize& left, const SensorSize& right) {
+    return !(left == right);
+}
+
+/// Largest width and height: coordinates of events have 16 bits.
+inline constexpr int kLargestSensorSide = 65536;
+
+/// Whether both sides are from 1 to `kLargestSensorSide`.
+bool isValid(const SensorSize& size);
+
+/// Reads a size written as `640x480`; nothing if the text is anything else or the size is not valid.
+std::optional<SensorSize> sensorSizeFromString(std::string_view text);
+
+}  // namespace kelvora::recording

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace kelvora::recording {
+
+/// Unit in which a text recording gives its times.
+enum class TimeUnit { Seconds, Milliseconds, Microseconds, Nanoseconds };
+
+/// Meaning of a column of a text recording.
+enum class TextColumn { Time, X, Y, Polarity };
+
+/// Order of the columns. Each occurs once.
+using TextColumns = std::array<TextColumn, 4>;
+
+/// The order `t x y p`, unless a recording or the user names another.
+inline constexpr TextColumns kDefaultTextColumns = {TextColumn::Time, TextColumn::X, TextColumn::Y,
+                                                    TextColumn::Polarity};
+
+/// How a text recording is laid out: one event per line, in four columns separated by blanks, tabs, commas or
+/// semicolons. Polarity is 1 or 0 (-1 is the same as 0). Lines that are blank or begin with `#` are skipped.
+///
+/// What is not set here is found out from the recording:
+/// - The order of the columns is taken from a first line that names them, such as `x,y,p,t`, or is `t x y p`.
+/// - The unit may be part of the name of the column, as in `t_us`. Else the first event decides: a time with
+///   a decimal point or exponent is in seconds, a whole number in microseconds.
+///
+/// A first line of two whole numbers is the width and height of the sensor.
+struct TextLayout {
+    std::optional<TextColumns> columns;
+    std::optional<TimeUnit> time_unit;
+};
+
+/// Reads an order of columns written as `xypt` or `x,y,p,t`; nothing if the text is not one.
+std::optional<TextColumns> textColumnsFromString(std::string_view text);
+
+/// Reads a unit of time, one of "s", "ms", "us" and "ns"; nothing if the text is none of them.
+std::optional<TimeUnit> timeUnitFromString(std::string_view text);
+
+}  // namespace kelvora::recording
