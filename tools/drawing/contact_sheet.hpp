@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <opencv2/core/mat.hpp>
+#include <string>
+#include <vector>
+
+#include "drawing/event_raster.hpp"
+#include "kelvora/cluster_geometry.hpp"
+
+namespace kelvora::drawing {
+
+/// An overview of a recording: thumbnails of evenly spaced windows, made while the windows stream
+/// by.
+///
+/// How many windows will come need not be known. All are kept at first; whenever there are twice as
+/// many as wanted, every other one is dropped and from then on half as many are taken. Memory is
+/// bounded: at most 2 * `tile_count` windows of at most 1920 by 1200 bytes each, and their
+/// clusters.
+class ContactSheet {
+public:
+    /// \param sensor      Size of the sensor, pixels.
+    /// \param tile_count  At least so many windows are shown, if there are as many, and less than
+    ///     twice as many.
+    /// \throws std::invalid_argument  if any of them is below 1.
+    explicit ContactSheet(cv::Size sensor, std::size_t tile_count = 12);
+
+    /// Adds the next window; those that the sheet does not need cost nothing.
+    ///
+    /// \param caption  One line below the thumbnail, such as `windowCaption`.
+    void add(EventSpan events, const std::vector<ClusterGeometry>& clusters,
+             const std::string& caption);
+
+    /// Whether the sheet would keep the next window. One that it does not want may be added without
+    /// its events.
+    bool wantsNext() const { return added % stride == 0; }
+
+    /// Which of the added windows the sheet shows, counted from 0: the multiples of a power of two.
+    std::vector<std::uint64_t> shownWindows() const;
+
+    /// The thumbnails row by row, in a picture of about 16:10 and at most 1920 by 1200 pixels.
+    ///
+    /// \returns `CV_8UC3` in the order blue, green, red; empty if no window was added.
+    cv::Mat compose() const;
+
+private:
+    struct Tile {
+        cv::Mat raster;
+        std::vector<ClusterGeometry> clusters;
+        std::string caption;
+    };
+
+    void dropEveryOther();
+
+    cv::Size sensor;
+    std::size_t tile_count;
+    std::uint64_t added = 0;
+    std::uint64_t stride = 1;
+    std::vector<Tile> tiles;
+};
+
+}  // namespace kelvora::drawing

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "drawing/event_raster.hpp"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "drawing/palette.hpp"
+
+namespace kelvora::drawing {
+
+namespace {
+
+// Element i is where pixel i of `from` pixels begins when they are brought to `to` pixels; one more
+// marks the end.
+std::vector<int> scaledEdges(int from, int to) {
+    std::vector<int> edges(static_cast<std::size_t>(from) + 1);
+    for (std::size_t i = 0; i < edges.size(); ++i) {
+        edges[i] = static_cast<int>(static_cast<std::int64_t>(i) * to / from);
+    }
+    return edges;
+}
+
+int lengthBetween(const std::vector<int>& edges, std::size_t i, int shortest) {
+    return std::max(shortest, edges[i + 1] - edges[i]);
+}
+
+}  // namespace
+
+cv::Mat rasterize(EventSpan events, cv::Size sensor, cv::Size raster) {
+    const std::vector<int> columns = scaledEdges(sensor.width, raster.width);
+    const std::vector<int> rows = scaledEdges(sensor.height, raster.height);
+    cv::Mat result(raster, CV_8UC1, cv::Scalar::all(kNoEvent));
+    for (const Event2D& event : events) {
+        if (event.x < sensor.width && event.y < sensor.height) {
+            result.at<unsigned char>(rows[event.y], columns[event.x]) =
+                event.polarity != 0 ? kOn : kOff;
+        }
+    }
+    return result;
+}
+
+cv::Mat colourRaster(const cv::Mat& raster, cv::Size picture) {
+    const std::vector<int> columns = scaledEdges(raster.cols, picture.width);
+    const std::vector<int> rows = scaledEdges(raster.rows, picture.height);
+    const int dot = columns.back() < raster.cols || rows.back() < raster.rows ? 2 : 1;
+    const cv::Rect whole{{0, 0}, picture};
+    cv::Mat result(picture, CV_8UC3, cv::Scalar(kBackgroundColour));
+    for (std::size_t y = 0; y + 1 < rows.size(); ++y) {
+        const auto* values = raster.ptr<unsigned char>(static_cast<int>(y));
+        for (std::size_t x = 0; x + 1 < columns.size(); ++x) {
+            if (values[x] != kNoEvent) {
+                const cv::Rect area{columns[x], rows[y], lengthBetween(columns, x, dot),
+                                    lengthBetween(rows, y, dot)};
+                result(area & whole).setTo(cv::Scalar(values[x] == kOn ? kOnColour : kOffColour));
+            }
+        }
+    }
+    return result;
+}
+
+}  // namespace kelvora::drawing

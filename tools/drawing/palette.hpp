@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <opencv2/core/matx.hpp>
+
+namespace kelvora::drawing {
+
+/// Colours of the pictures, in the order blue, green, red.
+///
+/// Events have colours that people with any common colour blindness can tell apart. The background
+/// is nearly black, on which a single lit pixel is easiest to see.
+inline const cv::Vec3b kBackgroundColour{20, 16, 16};
+inline const cv::Vec3b kOnColour{0, 159, 230};    ///< Orange: brighter pixels.
+inline const cv::Vec3b kOffColour{233, 180, 86};  ///< Sky blue: darker pixels.
+inline const cv::Vec3b kBoxColour{255, 255, 255};
+/// Behind captions, and between the tiles of a sheet.
+inline const cv::Vec3b kStripColour{44, 38, 38};
+inline const cv::Vec3b kTextColour{235, 230, 230};
+
+/// A colour for the cluster or track number `id`. Eight colours that are easily told apart, then
+/// the same again.
+cv::Vec3b idColour(std::size_t id);
+
+}  // namespace kelvora::drawing
