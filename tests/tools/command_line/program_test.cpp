@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+// Runs the program as its users do.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace kelvora::tool {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Outcome {
+    int status;
+    std::string output;
+    std::string errors;
+};
+
+std::string contents(const std::filesystem::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+class Program : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = testing::TempDir() + "kelvora_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        folder = pattern;
+    }
+
+    void TearDown() override { std::filesystem::remove_all(folder); }
+
+    std::string path(const std::string& name) const { return (folder / name).string(); }
+
+    Outcome run(const std::string& arguments) const {
+        const std::string command =
+            std::string(KELVORA_PROGRAM) + " " + arguments + " 2>" + path("errors");
+        std::FILE* const pipe = popen(command.c_str(), "r");
+        EXPECT_NE(pipe, nullptr);
+        Outcome outcome{};
+        std::array<char, 4096> buffer{};
+        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
+            outcome.output.append(buffer.data(), count);
+        }
+        outcome.status = WEXITSTATUS(pclose(pipe));
+        outcome.errors = contents(path("errors"));
+        return outcome;
+    }
+
+    /// A short scene on a small sensor.
+    std::string simulate(const std::string& name, const std::string& options = "") const {
+        const Outcome outcome =
+            run("simulate -o " + path(name) + " --sensor 160x120 --duration 100ms " + options);
+        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        return path(name);
+    }
+
+private:
+    std::filesystem::path folder;
+};
+
+TEST_F(Program, StatesItsVersionAndThoseOfItsDependencies) {
+    const Outcome outcome = run("--version");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, StartsWith("kelvora 0."));
+    EXPECT_THAT(outcome.output, HasSubstr("OpenCV"));
+    EXPECT_THAT(outcome.output, HasSubstr("nanoflann 1."));
+}
+
+TEST_F(Program, ExitsWith2ForWrongUsage) {
+    EXPECT_EQ(run("").status, 2);
+    EXPECT_EQ(run("unknown").status, 2);
+    EXPECT_EQ(run("cluster").status, 2);
+    EXPECT_EQ(run("cluster x --window 10").status, 2);
+    EXPECT_EQ(run("cluster x --window 0ms").status, 2);
+    EXPECT_EQ(run("cluster x --from 2s --to 1s").status, 2);
+    EXPECT_EQ(run("cluster x --cell-width 0").status, 2);
+    EXPECT_EQ(run("cluster x --sensor 640").status, 2);
+    EXPECT_EQ(run("cluster x --columns x,x,y,t").status, 2);
+}
+
+TEST_F(Program, ExitsWith1ForAFileThatIsMissing) {
+    const Outcome outcome = run("cluster " + path("missing.raw"));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, StartsWith("kelvora: " + path("missing.raw") + ": "));
+}
+
+TEST_F(Program, SimulatesTheSameBytesForTheSameSeed) {
+    EXPECT_EQ(contents(simulate("a.raw", "--seed 3")), contents(simulate("b.raw", "--seed 3")));
+    EXPECT_NE(contents(simulate("a.raw", "--seed 3")), contents(simulate("b.raw", "--seed 4")));
+}
+
+TEST_F(Program, WritesTheTruthOfASimulation) {
+    simulate("scene.raw", "--truth " + path("truth.csv"));
+    EXPECT_THAT(contents(path("truth.csv")), StartsWith("timestamp_us,id,kind,x,y,width,height"));
+}
+
+TEST_F(Program, RefusesAnImpossibleScene) {
+    const Outcome outcome = run("simulate -o " + path("scene.raw") + " --lights 1000");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("lights"));
+}
+
+TEST_F(Program, FindsTheSameClustersInEveryFormat) {
+    const std::string from_evt3 = run("cluster " + simulate("scene.evt3.raw")).output;
+    EXPECT_GT(from_evt3.size(), 1000U);
+    EXPECT_EQ(run("cluster " + simulate("scene.evt2.raw")).output, from_evt3);
+    EXPECT_EQ(run("cluster " + simulate("scene.txt")).output, from_evt3);
+    EXPECT_EQ(run("cluster --sensor 160x120 " + simulate("scene.bin")).output, from_evt3);
+    EXPECT_EQ(run("cluster --sensor 160x120 - < " + simulate("scene.bin")).status, 1);
+    EXPECT_EQ(run("cluster --sensor 160x120 /dev/stdin < " + simulate("scene.bin")).output,
+              from_evt3);
+}
+
+TEST_F(Program, WritesTheSameRowsToAFileAsToStandardOutput) {
+    const std::string scene = simulate("scene.raw");
+    EXPECT_EQ(run("cluster " + scene + " -o " + path("clusters.csv")).output, "");
+    EXPECT_EQ(run("cluster " + scene + " -o -").output, contents(path("clusters.csv")));
+}
+
+TEST_F(Program, AsksForTheSensorSizeOfARecordingThatDoesNotStateIt) {
+    const Outcome outcome = run("cluster " + simulate("scene.bin"));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("--sensor WIDTHxHEIGHT"));
+}
+
+TEST_F(Program, WritesTheClustersBeforeADefectAndThenReportsIt) {
+    const std::string scene = simulate("scene.bin");
+    const std::string all = run("cluster --sensor 160x120 " + scene).output;
+    std::filesystem::resize_file(scene, std::filesystem::file_size(scene) / 32 * 16 + 5);
+    const Outcome outcome = run("cluster --sensor 160x120 " + scene);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("ends in the middle of a record"));
+    EXPECT_GT(outcome.output.size(), all.size() / 4);
+    // The last window is cut off, too.
+    const std::string but_the_last = outcome.output.substr(0, outcome.output.size() / 2);
+    EXPECT_EQ(all.substr(0, but_the_last.size()), but_the_last);
+}
+
+TEST_F(Program, CountsWhatItDropsAndCorrects) {
+    std::ofstream(path("bad.txt")) << "10 10\n"
+                                   << "0.001 1 1 1\n0.002 20 1 1\n0.0015 2 2 0\n0.003 3 3 1\n";
+    const Outcome outcome = run("cluster " + path("bad.txt"));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr("dropped 1 events off the sensor"));
+    EXPECT_THAT(outcome.errors, HasSubstr("corrected 0 times out of order"));
+}
+
+TEST_F(Program, ClustersOnlyTheEventsAskedFor) {
+    const std::string scene = simulate("scene.raw");
+    const std::string all = run("cluster " + scene).output;
+    const std::string part = run("cluster " + scene + " --to 50ms").output;
+    EXPECT_LT(part.size(), all.size());
+    EXPECT_NE(run("cluster " + scene + " --polarity on").output,
+              run("cluster " + scene + " --polarity off").output);
+    EXPECT_NE(run("cluster " + scene + " --polarity separate").output, all);
+}
+
+TEST_F(Program, DrawsAFramePerWindowAndAnOverview) {
+    const Outcome outcome = run("cluster " + simulate("scene.raw") + " --frames " + path("frames") +
+                                " --overview " + path("overview.png"));
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_TRUE(std::filesystem::exists(path("frames/frame_000001.png")));
+    EXPECT_TRUE(std::filesystem::exists(path("frames/frame_000010.png")));
+    EXPECT_FALSE(std::filesystem::exists(path("frames/frame_000011.png")));
+    EXPECT_THAT(contents(path("overview.png")), StartsWith("\x89PNG"));
+}
+
+TEST_F(Program, TellsWhatIsInARecording) {
+    const std::string scene = simulate("scene.raw");
+    EXPECT_THAT(run("info " + scene).output, HasSubstr("sensor         160 x 120 pixels"));
+    EXPECT_THAT(run("info --json " + scene).output, HasSubstr("\"format\": \"evt3\""));
+}
+
+TEST_F(Program, IsSilentIfAskedTo) {
+    EXPECT_EQ(run("cluster --quiet " + simulate("scene.raw")).errors, "");
+}
+
+TEST_F(Program, ExitsWith130AfterCtrlCOnceTheRowInHandIsWritten) {
+    // Long enough that the signal arrives in the middle, whatever the machine.
+    const std::string scene = path("long.bin");
+    ASSERT_EQ(run("simulate -o " + scene + " --sensor 64x48 --duration 4s").status, 0);
+    const Outcome outcome = run("cluster --sensor 64x48 --window 1ms --frames " + path("frames") +
+                                " " + scene + " & sleep 0.3; kill -INT $!; wait $!");
+    EXPECT_EQ(outcome.status, 130);
+    ASSERT_FALSE(outcome.output.empty());
+    EXPECT_EQ(outcome.output.back(), '\n');
+}
+
+}  // namespace
+}  // namespace kelvora::tool

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/cluster_command.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <map>
+#include <string>
+
+#include "command_line/clustering_method.hpp"
+#include "command_line/interrupt.hpp"
+#include "command_line/progress_line.hpp"
+#include "command_line/time_range.hpp"
+#include "recording/event_cleaner.hpp"
+#include "recording/event_reader.hpp"
+#include "recording/recording_error.hpp"
+#include "recording/window_slicer.hpp"
+
+namespace kelvora::tool {
+
+namespace {
+
+const std::map<std::string, Polarity> kPolarities = {{"all", Polarity::All},
+                                                     {"on", Polarity::On},
+                                                     {"off", Polarity::Off},
+                                                     {"separate", Polarity::Separate}};
+
+const std::map<std::string, ClusterFormat> kFormats = {{"csv", ClusterFormat::Csv},
+                                                       {"jsonl", ClusterFormat::JsonLines}};
+
+/// Clusters window after window, and hands the results to whoever wants them.
+class WindowPipeline {
+public:
+    WindowPipeline(ClusteringMethod& method_, ClusterWriter& writer_, Pictures& pictures_)
+        : method(method_), writer(writer_), pictures(pictures_) {}
+
+    /// Takes all windows that are complete, up to an interrupt.
+    void process(recording::WindowSlicer& slicer) {
+        recording::Window window;
+        while (!isInterrupted() && slicer.next(window)) {
+            method.cluster(window, clusters);
+            writer.write(clusters);
+            pictures.add(window, clusters);
+            ++window_count;
+            cluster_count += clusters.size();
+        }
+    }
+
+    std::uint64_t windowCount() const { return window_count; }
+    std::uint64_t clusterCount() const { return cluster_count; }
+
+private:
+    ClusteringMethod& method;
+    ClusterWriter& writer;
+    Pictures& pictures;
+    std::vector<ClusterGeometry> clusters;
+    std::uint64_t window_count = 0;
+    std::uint64_t cluster_count = 0;
+};
+
+void printSummary(const WindowPipeline& pipeline, const recording::EventReader& reader,
+                  const recording::EventCleaner& cleaner) {
+    fmt::print(stderr,
+               "kelvora: {} clusters in {} windows with events; dropped {} events off the sensor, "
+               "corrected {} times out of order",
+               pipeline.clusterCount(), pipeline.windowCount(), cleaner.droppedOffSensor(),
+               cleaner.clampedTimes());
+    if (reader.skippedWords() > 0) {
+        fmt::print(stderr, ", skipped {} unknown words", reader.skippedWords());
+    }
+    fmt::print(stderr, "\n");
+}
+
+}  // namespace
+
+ClusterCommand::ClusterCommand(CLI::App& program)
+    : command(
+          program.add_subcommand("cluster", "Find the clusters of a recording, window by window")) {
+    declareOptions();
+    command->parse_complete_callback([this] { checkOptions(); });
+}
+
+void ClusterCommand::declareOptions() {
+    tool::declareOptions(*command, recording);
+    command
+        ->add_option(
+            "--window", window,
+            "Length of a window of event time, with its unit: us, ms or s. Windows begin at "
+            "multiples of it")
+        ->option_text("TIME [" + toString(window) + "]");
+    command
+        ->add_option("--from", from,
+                     "Leave out events before this time after the first one, with unit")
+        ->option_text("TIME [0s]");
+    command
+        ->add_option("--to", to,
+                     "Leave out events from this time after the first one on, with unit")
+        ->option_text("TIME");
+    command
+        ->add_option("--polarity", polarity,
+                     "Events to cluster; 'separate' takes all, but wants both polarities in a cell")
+        ->transform(CLI::CheckedTransformer(kPolarities).description(""))
+        ->option_text("all|on|off|separate [all]");
+    command->add_option("--method", method_name, "How to find clusters")
+        ->check(CLI::IsMember({"grid"}).description(""))
+        ->option_text("grid [grid]");
+    tool::declareOptions(*command, grid);
+    const char* const output_group = "Output";
+    command
+        ->add_option("-o,--output", output,
+                     "File for the clusters, one row each; - is standard output")
+        ->option_text("FILE [-]")
+        ->group(output_group);
+    command->add_option("--format", format, "Format of the clusters")
+        ->transform(CLI::CheckedTransformer(kFormats).description(""))
+        ->option_text("csv|jsonl [csv]")
+        ->group(output_group);
+    command
+        ->add_option("--frames", pictures.frames_dir,
+                     "Directory for a picture (PNG) of each window")
+        ->option_text("DIR")
+        ->group(output_group);
+    command->add_option("--overview", pictures.overview, "File for a sheet of some windows (PNG)")
+        ->option_text("FILE")
+        ->group(output_group);
+    command->add_flag("-q,--quiet", is_quiet, "No closing line and no progress")
+        ->group(output_group);
+}
+
+void ClusterCommand::checkOptions() const {
+    if (window.microseconds == 0) {
+        throw CLI::ValidationError("--window", "must be longer than 0");
+    }
+    if (to && to->microseconds <= from.microseconds) {
+        throw CLI::ValidationError("--to", "must be later than --from");
+    }
+}
+
+int ClusterCommand::run() const {
+    const auto reader = recording::openRecording(recording.path, recording.read);
+    const recording::SensorSize sensor = requireSensorSize(*reader, recording);
+    GridMethod method(sensor, polarity, grid);
+    ClusterWriter writer(output, format);
+    Pictures drawn(pictures, sensor);
+    WindowPipeline pipeline(method, writer, drawn);
+    recording::EventCleaner cleaner(sensor);
+    TimeRange range(from, to);
+    recording::WindowSlicer slicer(window.microseconds);
+    ProgressLine progress(recording.path.string(), !is_quiet);
+
+    // A defect does not undo what was read before it: it is reported when all of that is written.
+    std::exception_ptr defect;
+    try {
+        std::vector<Event2D> events;
+        while (!isInterrupted() && !range.isOver() && reader->read(events)) {
+            cleaner.clean(events);
+            range.keepInside(events);
+            keepPolarity(events, polarity);
+            slicer.add(events);
+            pipeline.process(slicer);
+            progress.update(reader->bytesRead(), reader->fileSize());
+        }
+    } catch (const recording::RecordingError&) {
+        defect = std::current_exception();
+    }
+    slicer.finish();
+    pipeline.process(slicer);
+    drawn.finish();
+    progress.clear();
+
+    if (!is_quiet) {
+        printSummary(pipeline, *reader, cleaner);
+    }
+    if (defect) {
+        std::rethrow_exception(defect);
+    }
+    return isInterrupted() ? kExitInterrupted : 0;
+}
+
+}  // namespace kelvora::tool

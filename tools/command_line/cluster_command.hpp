@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/App.hpp>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "command_line/cluster_writer.hpp"
+#include "command_line/grid_method.hpp"
+#include "command_line/pictures.hpp"
+#include "command_line/polarity.hpp"
+#include "command_line/quantities.hpp"
+#include "command_line/recording_options.hpp"
+
+namespace kelvora::tool {
+
+/// `kelvora cluster`: finds the clusters of a recording, window by window.
+class ClusterCommand {
+public:
+    /// Adds the command and its options to the program.
+    explicit ClusterCommand(CLI::App& program);
+
+    /// Whether the user asked for this command.
+    bool isChosen() const { return command->parsed(); }
+
+    /// \returns the exit status of the program.
+    /// \throws std::runtime_error  for bad input or output, once all that could be computed is written.
+    int run() const;
+
+private:
+    void declareOptions();
+    void checkOptions() const;
+
+    CLI::App* command;
+    RecordingOptions recording;
+    Duration window{10'000};
+    Duration from;
+    std::optional<Duration> to;
+    Polarity polarity = Polarity::All;
+    std::string method_name = "grid";
+    GridOptions grid;
+    std::filesystem::path output = "-";
+    ClusterFormat format = ClusterFormat::Csv;
+    PictureOptions pictures;
+    bool is_quiet = false;
+};
+
+}  // namespace kelvora::tool

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+#include <fmt/format.h>
+#include <png.h>
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <nanoflann.hpp>
+#include <nlohmann/json.hpp>
+#include <opencv2/core/version.hpp>
+#include <string>
+
+#include "command_line/cluster_command.hpp"
+#include "command_line/info_command.hpp"
+#include "command_line/interrupt.hpp"
+#include "command_line/simulate_command.hpp"
+#include "kelvora/version.hpp"
+
+namespace {
+
+constexpr int kExitBadInput = 1;
+constexpr int kExitWrongUsage = 2;
+
+std::string versionText() {
+    return fmt::format(
+        "kelvora {}\nOpenCV {}, nanoflann {}.{}.{}, CLI11 {}, {{fmt}} {}.{}.{}, libpng {}, "
+        "nlohmann-json {}.{}.{}",
+        KELVORA_VERSION, CV_VERSION, NANOFLANN_VERSION >> 8, (NANOFLANN_VERSION >> 4) & 0xF,
+        NANOFLANN_VERSION & 0xF, CLI11_VERSION, FMT_VERSION / 10000, FMT_VERSION / 100 % 100,
+        FMT_VERSION % 100, PNG_LIBPNG_VER_STRING, NLOHMANN_JSON_VERSION_MAJOR,
+        NLOHMANN_JSON_VERSION_MINOR, NLOHMANN_JSON_VERSION_PATCH);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App program("Finds clusters of activity in the recordings of event cameras.", "kelvora");
+    program.set_version_flag("--version", versionText());
+    program.require_subcommand(1);
+    const kelvora::tool::InfoCommand info(program);
+    const kelvora::tool::ClusterCommand cluster(program);
+    kelvora::tool::SimulateCommand simulate(program);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? 0 : kExitWrongUsage;
+    }
+
+    kelvora::tool::catchInterrupts();
+    try {
+        if (info.isChosen()) {
+            return info.run();
+        }
+        return cluster.isChosen() ? cluster.run() : simulate.run();
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "kelvora: {}\n", error.what());
+        return kExitBadInput;
+    }
+}

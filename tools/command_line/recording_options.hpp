@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/App.hpp>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "recording/event_reader.hpp"
+#include "recording/sensor_size.hpp"
+
+namespace kelvora::tool {
+
+/// How to read a recording: its path, and what its content does not say.
+struct RecordingOptions {
+    std::filesystem::path path;
+    recording::ReadOptions read;
+};
+
+/// Adds the recording and the options that describe it.
+void declareOptions(CLI::App& command, RecordingOptions& options);
+
+/// The sensor size of a recording that is about to be clustered.
+/// \throws recording::RecordingError  if neither the recording nor an option states it.
+recording::SensorSize requireSensorSize(const recording::EventReader& reader,
+                                        const RecordingOptions& options);
+
+}  // namespace kelvora::tool

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/simulate_command.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "command_line/interrupt.hpp"
+#include "command_line/progress_line.hpp"
+#include "recording/event_writer.hpp"
+#include "recording/output_file.hpp"
+#include "simulation/event_simulator.hpp"
+#include "simulation/ground_truth.hpp"
+
+namespace kelvora::tool {
+
+namespace {
+
+/// Writes where the objects truly are, if the user wants to know.
+class TruthWriter {
+public:
+    explicit TruthWriter(const std::filesystem::path& path) {
+        if (!path.empty()) {
+            file.emplace(path);
+            file->write(simulation::groundTruthCsvHeader() + '\n');
+        }
+    }
+
+    void write(const std::vector<simulation::GroundTruth>& truth) {
+        if (!file) {
+            return;
+        }
+        std::string rows;
+        for (const simulation::GroundTruth& row : truth) {
+            rows += simulation::toCsv(row) + '\n';
+        }
+        file->write(rows);
+    }
+
+    void close() {
+        if (file) {
+            file->close();
+        }
+    }
+
+private:
+    std::optional<recording::OutputFile> file;
+};
+
+}  // namespace
+
+SimulateCommand::SimulateCommand(CLI::App& program)
+    : command(program.add_subcommand("simulate",
+                                     "Make a recording of a scene whose objects are known")) {
+    declareOutput();
+    declareScene();
+}
+
+void SimulateCommand::declareOutput() {
+    command->add_option("-o,--output", output, "File for the events")
+        ->required()
+        ->option_text("FILE REQUIRED");
+    command->add_option("--format", format, "Format of the events [by the name of the file]")
+        ->option_text("records|text|evt2|evt3");
+    command->add_option("--truth", truth, "File for the true box of each object (CSV)")
+        ->option_text("FILE");
+    command
+        ->add_option("--truth-interval", truth_interval,
+                     "Time between two rows of an object, with unit")
+        ->option_text("TIME [" + toString(truth_interval) + "]");
+}
+
+void SimulateCommand::declareScene() {
+    command->add_option("--sensor", sensor, "Size of the sensor, pixels")
+        ->option_text("WIDTHxHEIGHT [640x480]");
+    command->add_option("--duration", duration, "Length of the recording, with unit")
+        ->option_text("TIME [" + toString(duration) + "]");
+    command->add_option("--seed", scene.seed, "Chooses the scene: same seed, same events")
+        ->capture_default_str();
+    const char* const group = "Scene";
+    command->add_option("--discs", scene.discs, "Number of discs [3]")->group(group);
+    command->add_option("--bars", scene.bars, "Number of bars [2]")->group(group);
+    command->add_option("--polygons", scene.polygons, "Number of polygons [3]")->group(group);
+    const auto add = [this, group](const char* name, auto& value, const char* description) {
+        command->add_option(name, value, description)->capture_default_str()->group(group);
+    };
+    add("--lights", scene.lights, "Number of flickering lights");
+    add("--light-frequency", scene.light_frequency_hz, "Periods of a light per second");
+    add("--noise-rate", scene.noise_rate_hz, "Background noise, events per pixel and second");
+    add("--hot-pixels", scene.hot_pixels, "Number of hot pixels");
+    add("--hot-pixel-rate", scene.hot_pixel_rate_hz, "Events per hot pixel and second");
+    add("--contrast-threshold", scene.contrast_threshold,
+        "Change of the logarithm of the brightness that makes an event");
+    add("--threshold-spread", scene.threshold_spread,
+        "Standard deviation of the threshold among pixels, relative");
+}
+
+int SimulateCommand::run() {
+    scene.width = sensor.width;
+    scene.height = sensor.height;
+    scene.duration_us = duration.microseconds;
+    scene.truth_interval_us = truth_interval.microseconds;
+    simulation::EventSimulator simulator(scene);
+    const auto writer = recording::createRecording(
+        output, format ? *format : recording::formatFromExtension(output), sensor);
+    TruthWriter truth_writer(truth);
+    ProgressLine progress(output.string(), true);
+
+    std::vector<Event2D> events;
+    std::vector<simulation::GroundTruth> rows;
+    std::uint64_t simulated_us = 0;
+    while (!isInterrupted() && simulator.step(events, rows)) {
+        writer->write(events);
+        truth_writer.write(rows);
+        events.clear();
+        rows.clear();
+        simulated_us += scene.truth_interval_us;
+        progress.update(simulated_us, scene.duration_us);
+    }
+    writer->close();
+    truth_writer.close();
+    return isInterrupted() ? kExitInterrupted : 0;
+}
+
+}  // namespace kelvora::tool

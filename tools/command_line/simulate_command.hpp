@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/App.hpp>
+#include <filesystem>
+#include <optional>
+
+#include "command_line/quantities.hpp"
+#include "recording/format.hpp"
+#include "recording/sensor_size.hpp"
+#include "simulation/scene_options.hpp"
+
+namespace kelvora::tool {
+
+/// `kelvora simulate`: makes a recording of a scene whose objects are known.
+class SimulateCommand {
+public:
+    /// Adds the command and its options to the program.
+    explicit SimulateCommand(CLI::App& program);
+
+    /// Whether the user asked for this command.
+    bool isChosen() const { return command->parsed(); }
+
+    /// \returns the exit status of the program.
+    /// \throws std::runtime_error  if a file cannot be written.
+    int run();
+
+private:
+    void declareOutput();
+    void declareScene();
+
+    CLI::App* command;
+    std::filesystem::path output;
+    std::filesystem::path truth;
+    std::optional<recording::Format> format;
+    recording::SensorSize sensor{640, 480};
+    Duration duration{2'000'000};
+    Duration truth_interval{10'000};
+    simulation::SceneOptions scene;
+};
+
+}  // namespace kelvora::tool
