@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: MIT
+# Installs the built library: cmake -DBUILD_DIR=... -DCONFIG=... -DSOURCE_DIR=... -DPREFIX=... -P install_library.cmake
+
+# Moved after the installation, as a package has to work wherever it lies.
+set(first_prefix "${PREFIX}-before-move")
+file(REMOVE_RECURSE "${PREFIX}" "${first_prefix}")
+foreach(component kelvora_runtime kelvora_development)
+    execute_process(
+        COMMAND "${CMAKE_COMMAND}" --install "${BUILD_DIR}" --config "${CONFIG}"
+            --prefix "${first_prefix}" --component ${component}
+        COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
+file(RENAME "${first_prefix}" "${PREFIX}")
+
+file(GLOB wanted RELATIVE "${SOURCE_DIR}/include/kelvora" "${SOURCE_DIR}/include/kelvora/*")
+list(APPEND wanted export.hpp version.hpp)
+list(SORT wanted)
+file(GLOB installed RELATIVE "${PREFIX}/include/kelvora" "${PREFIX}/include/kelvora/*")
+if(NOT installed STREQUAL wanted)
+    message(FATAL_ERROR "Installed headers: ${installed}\nPublic headers: ${wanted}")
+endif()
+
+file(GLOB_RECURSE package_files "${PREFIX}/*.cmake")
+foreach(package_file IN LISTS package_files)
+    file(READ "${package_file}" text)
+    foreach(directory "${SOURCE_DIR}" "${BUILD_DIR}")
+        string(FIND "${text}" "${directory}/" position)
+        if(NOT position EQUAL -1)
+            message(FATAL_ERROR "${package_file} mentions ${directory}, which is not there where it will be used")
+        endif()
+    endforeach()
+endforeach()

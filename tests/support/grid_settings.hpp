@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <iosfwd>
+
+#include "kelvora/grid_based_cluster_generator.hpp"
+
+namespace kelvora::test {
+
+/// What a grid generator is constructed with, by name.
+///
+/// The defaults make a grid of 10 x 10 cells in which one event is enough and no cluster is too
+/// small or too large.
+struct GridSettings {
+    int sensor_width = 40;
+    int sensor_height = 40;
+    int cell_width = 4;
+    int cell_height = 4;
+    int max_cluster_size = 1'000'000;
+    int min_cluster_size = 0;
+    EventFilterType filter_type = POLARITY_FREE;
+    bool count_pixel_once = false;
+    unsigned short activation_threshold = 1;
+
+    GridSettings& sensor(int width, int height);
+    GridSettings& cells(int width, int height);
+    GridSettings& clusterSizes(int smallest, int largest);
+    GridSettings& filter(EventFilterType type);
+    GridSettings& countPixelOnce();
+    GridSettings& threshold(unsigned short events);
+
+    GridBasedClusterGenerator build() const;
+};
+
+std::ostream& operator<<(std::ostream& out, const GridSettings& settings);
+
+}  // namespace kelvora::test

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "support/random_grid_case.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <sstream>
+
+#include <opencv2/core/mat.hpp>
+
+#include "support/brute_force_grid_model.hpp"
+#include "support/event_builders.hpp"
+
+namespace kelvora::test {
+
+namespace {
+
+bool oneIn(Random& random, int n) {
+    return randomInt(random, 1, n) == 1;
+}
+
+/// Mostly some cells and a rest; now and then a single line of pixels, or many cells in a row.
+int randomSensorSize(Random& random, int cell_size) {
+    if (oneIn(random, 12)) {
+        return 1;
+    }
+    if (oneIn(random, 12)) {
+        return cell_size * randomInt(random, 60, 70);
+    }
+    return cell_size * randomInt(random, 1, 24) + randomInt(random, 0, cell_size - 1);
+}
+
+GridSettings randomSettings(Random& random) {
+    GridSettings settings;
+    settings.cells(randomInt(random, 1, 7), randomInt(random, 1, 7));
+    settings.sensor(randomSensorSize(random, settings.cell_width),
+                    randomSensorSize(random, settings.cell_height));
+    settings.threshold(static_cast<unsigned short>(randomInt(random, 0, randomInt(random, 0, 8))));
+    constexpr std::array<EventFilterType, 4> kFilters = {POLARITY_FREE, POSITIVE_FREE,
+                                                         NEGATIVE_FREE, POLARITY_SEPARATE};
+    settings.filter(kFilters[static_cast<std::size_t>(randomInt(random, 0, 3))]);
+    settings.count_pixel_once = oneIn(random, 2);
+    if (oneIn(random, 2)) {
+        // Whole cells, as clusters are, so that they often are just as large as allowed.
+        const int smallest = settings.cell_width * randomInt(random, 0, 3);
+        const int largest = settings.cell_height * randomInt(random, 2, 7);
+        settings.clusterSizes(smallest, largest);
+    }
+    return settings;
+}
+
+template <class Event>
+void feedAs(GridBasedClusterGenerator& generator, const Event2D& event) {
+    const auto typed_event = makeEvent<Event>(event.x, event.y, event.polarity);
+    generator.processEvent(&typed_event);
+}
+
+/// Each filter has an event type of its own here, since the first generator to see a type decides
+/// on the filter for that type.
+void feedByFilter(GridBasedClusterGenerator& generator, EventFilterType filter,
+                  const std::vector<Event2D>& events) {
+    for (const Event2D& event : events) {
+        switch (filter) {
+            case POSITIVE_FREE:
+                feedAs<Event2DPeriod<int>>(generator, event);
+                break;
+            case NEGATIVE_FREE:
+                feedAs<Event2DPeriod<float>>(generator, event);
+                break;
+            default:
+                feedAs<Event2D>(generator, event);
+        }
+    }
+}
+
+void feedModel(BruteForceGridModel& model, const std::vector<Event2D>& events) {
+    for (const Event2D& event : events) {
+        model.processEvent(event);
+    }
+}
+
+std::optional<std::string> comparePixels(GridBasedClusterGenerator& generator,
+                                         const BruteForceGridModel& model) {
+    cv::Mat map;
+    generator.getActiveMap(map);
+    for (const auto& [pixel, count] : model.pixelCounts()) {
+        if (map.at<unsigned char>(pixel.second, pixel.first) != count) {
+            std::ostringstream text;
+            text << "pixel (" << pixel.first << ", " << pixel.second << ") counts wrongly";
+            return text.str();
+        }
+    }
+    const auto zeros = std::count(map.datastart, map.dataend, 0);
+    if (map.total() - static_cast<std::size_t>(zeros) != model.pixelCounts().size()) {
+        return "pixels without events count some";
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+GridCase randomGridCase(std::uint64_t seed) {
+    Random random(seed);
+    GridCase grid_case;
+    grid_case.settings = randomSettings(random);
+    const auto make_events = [&](int most) {
+        return randomEvents(random, grid_case.settings.sensor_width,
+                            grid_case.settings.sensor_height,
+                            static_cast<std::size_t>(randomInt(random, 0, most)));
+    };
+    grid_case.batches.resize(static_cast<std::size_t>(randomInt(random, 1, 4)));
+    for (GridCase::Batch& batch : grid_case.batches) {
+        batch.reset = oneIn(random, 3);
+        if (batch.reset) {
+            batch.before_reset = make_events(60);
+        }
+        batch.events = make_events(oneIn(random, 2) ? 50 : 400);
+    }
+    return grid_case;
+}
+
+std::optional<std::string> compareWithModel(const GridCase& grid_case,
+                                            const GridSettings& settings) {
+    auto generator = settings.build();
+    BruteForceGridModel model(grid_case.settings);
+    std::size_t timestamp = 1000;
+    for (const GridCase::Batch& batch : grid_case.batches) {
+        if (batch.reset) {
+            feedByFilter(generator, settings.filter_type, batch.before_reset);
+            feedModel(model, batch.before_reset);
+            generator.reset();
+            model.reset();
+        }
+        feedByFilter(generator, settings.filter_type, batch.events);
+        feedModel(model, batch.events);
+        auto difference = comparePixels(generator, model);
+        if (!difference) {
+            difference =
+                firstDifference(generate(generator, timestamp), model.generateClusters(timestamp));
+        }
+        if (difference) {
+            return difference;
+        }
+        ++timestamp;
+    }
+    return std::nullopt;
+}
+
+}  // namespace kelvora::test
