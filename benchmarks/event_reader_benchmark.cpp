@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How fast recordings of each format are read, the file being in the page cache: `openRecording` to the last event.
+// How fast recordings of each format are read, the file being in the page cache: `openRecording` to
+// the last event.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -37,7 +38,8 @@ std::vector<Event2D> scatteredEvents() {
     return events;
 }
 
-// Rows read out at once, as edges make them: runs of up to 40 neighbouring pixels, which EVT3 packs.
+// Rows read out at once, as edges make them: runs of up to 40 neighbouring pixels, which EVT3
+// packs.
 std::vector<Event2D> rowsOfEvents() {
     std::mt19937_64 random(2);
     std::vector<Event2D> events;

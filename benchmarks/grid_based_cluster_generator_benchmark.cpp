@@ -11,8 +11,8 @@
 #include "support/literal_grid_model.hpp"
 #include "support/workloads.hpp"
 
-// Every benchmark runs with the library and with the literal model, one after the other; what counts
-// is the ratio of the two. Before anything is timed, both have to give the same clusters.
+// Every benchmark runs with the library and with the literal model, one after the other; what
+// counts is the ratio of the two. Before anything is timed, both have to give the same clusters.
 
 namespace kelvora::benchmarks {
 namespace {

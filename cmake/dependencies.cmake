@@ -18,3 +18,5 @@ if(NOT nanoflann_FOUND)
         "kelvora needs nanoflann 1.5 or later (${found}). On Debian: libnanoflann-dev 1.5 or later, which "
         "scripts/install_dependencies also installs on Debian 12, whose own package is too old")
 endif()
+
+find_package(Threads REQUIRED)

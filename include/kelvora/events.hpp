@@ -4,11 +4,13 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 
 #include "kelvora/export.hpp"
 
-/// \file The records in which a caller hands events to the library, and the polarity filter of the
+/// \file
+/// The records in which a caller hands events to the library, and the polarity filter of the
 /// generators.
 ///
 /// All records are standard-layout values with public fields, copied and moved field by field.
@@ -57,15 +59,20 @@ struct KELVORA_EXPORT Event2DFrequency {
 
 /// An event together with the period at which its pixel flickers.
 ///
-/// The generators accept `T` of `int`, `unsigned int`, `float`, `double`, `long long` and `unsigned
-/// long long`.
+/// An aggregate: build it as `Event2DPeriod<int>{x, y, polarity, timestamp, period}`.
 ///
-/// \note An aggregate: build it as `Event2DPeriod<int>{x, y, polarity, timestamp, period}`. It
-/// declares no member function, since a constructor would make it something else than an aggregate,
-/// a move assignment would take away its copy constructor, and a copy assignment would make copying
-/// it a deprecated operation.
+/// \tparam T  `int`, `unsigned int`, `float`, `double`, `long long` or `unsigned long long`.
+// No member function is declared: a constructor would make it something else than an aggregate, a
+// move assignment would take away its copy constructor, and a copy assignment would make copying it
+// a deprecated operation.
 template <typename T>
 struct Event2DPeriod {
+    static_assert(
+        std::disjunction_v<std::is_same<T, int>, std::is_same<T, unsigned int>,
+                           std::is_same<T, float>, std::is_same<T, double>,
+                           std::is_same<T, long long>, std::is_same<T, unsigned long long>>,
+        "periods are int, unsigned int, float, double, long long or unsigned long long");
+
     unsigned short x;              ///< Pixel column.
     unsigned short y;              ///< Pixel row.
     unsigned char polarity;        ///< 1: the pixel became brighter, 0: darker.

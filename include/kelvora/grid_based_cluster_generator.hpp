@@ -50,10 +50,11 @@ public:
     ///
     /// \tparam Event  `Event2D`, `Event2DFrequency`, or `Event2DPeriod` of `int`, `unsigned int`,
     ///     `float`, `double`, `long long` or `unsigned long long`.
-    /// \param event  Not null, and on the sensor: neither is checked (debug builds assert both). Any
-    ///     polarity but 0 counts as positive.
-    /// \throws std::out_of_range  "invalid unordered_map<K, T> key" if the filter type is not one of
-    ///     the four.
+    /// \param event  Not null, and on the sensor: neither is checked (debug builds assert both).
+    ///     Polarities other than 0 and 1 count as positive, but for 2: with a filter that ignores
+    ///     nothing, that one is ignored.
+    /// \throws std::out_of_range  "invalid unordered_map<K, T> key" if the filter type is not one
+    ///     of the four, and no polarity is remembered yet for this event type (see the note).
     ///
     /// \note The ignored polarity is looked up once per event type and process, by the first grid
     /// generator that gets an event of that type; every later grid generator uses it for this event
@@ -77,8 +78,8 @@ public:
 
     /// Makes `map` a view of the events counted per pixel since the last `generateClusters`.
     ///
-    /// \param map  Becomes a `CV_8UC1` matrix of sensor size; counts stop at 255. It owns no data: it
-    ///     changes with every event, and must not be used after the generator is gone.
+    /// \param map  Becomes a `CV_8UC1` matrix of sensor size; counts stop at 255. It owns no data:
+    ///     it changes with every event, and must not be used after the generator is gone.
     void getActiveMap(cv::Mat& map);
 
 private:

@@ -5,36 +5,23 @@
 
 namespace kelvora {
 
-namespace {
-
-/// The first set bit of a row at or after `col`, or `cols` if there is none.
-std::size_t findSet(const std::uint64_t* row, std::size_t col, std::size_t cols,
-                    std::uint64_t inverted) {
-    while (col < cols) {
-        const std::uint64_t rest = (row[col / 64] ^ inverted) >> (col % 64);
-        if (rest != 0) {
-            return std::min(cols, col + static_cast<std::size_t>(__builtin_ctzll(rest)));
-        }
-        col = (col / 64 + 1) * 64;
-    }
-    return cols;
-}
-
-std::size_t findActive(const std::uint64_t* row, std::size_t col, std::size_t cols) {
-    return findSet(row, col, cols, 0);
-}
-
-std::size_t findInactive(const std::uint64_t* row, std::size_t col, std::size_t cols) {
-    return findSet(row, col, cols, ~std::uint64_t{0});
-}
-
-}  // namespace
-
 ActiveCells::ActiveCells(int rows_, int cols_)
     : rows(static_cast<std::size_t>(rows_)),
       cols(static_cast<std::size_t>(cols_)),
       words_per_row(cols / kBits + 1),
       words((rows + 1) * words_per_row, 0) {}
+
+void ActiveCells::markBlock(std::size_t row, std::size_t col) noexcept {
+    std::uint64_t* const upper = &words[row * words_per_row + col / kBits];
+    std::uint64_t* const lower = upper + words_per_row;
+    const std::uint64_t both = std::uint64_t{3} << (col % kBits);
+    *upper |= both;
+    *lower |= both;
+    if (col % kBits == kBits - 1) {
+        upper[1] |= 1;
+        lower[1] |= 1;
+    }
+}
 
 void ActiveCells::takeRegions(std::vector<CellRegion>& regions) {
     runs.clear();
@@ -49,13 +36,27 @@ void ActiveCells::takeRegions(std::vector<CellRegion>& regions) {
     std::fill(words.begin(), words.end(), 0);
 }
 
+/// Appends the runs of a row.
+///
+/// Takes the edges of the runs, where a cell differs from the one before it, rather than the cells:
+/// the first edge begins a run, the second ends it, and so on. The padding ends the last one.
 void ActiveCells::findRuns(std::size_t row) {
     const std::uint64_t* const bits = &words[row * words_per_row];
-    std::size_t begin = findActive(bits, 0, cols);
-    while (begin < cols) {
-        const std::size_t end = findInactive(bits, begin, cols);
-        runs.push_back({row, begin, end, runs.size()});
-        begin = findActive(bits, end, cols);
+    const std::size_t last = words_per_row - 1;
+    std::uint64_t before = 0;
+    edges.clear();
+    for (std::size_t i = 0; i < words_per_row; ++i) {
+        const std::uint64_t word =
+            i < last ? bits[i] : bits[i] & ((std::uint64_t{1} << (cols % kBits)) - 1);
+        for (std::uint64_t rest = word ^ (word << 1 | before); rest != 0; rest &= rest - 1) {
+            edges.push_back(static_cast<std::uint32_t>(i * kBits) +
+                            static_cast<std::uint32_t>(__builtin_ctzll(rest)));
+        }
+        before = word >> (kBits - 1);
+    }
+    for (std::size_t i = 0; i < edges.size(); i += 2) {
+        runs.push_back({static_cast<std::uint32_t>(row), edges[i], edges[i + 1],
+                        static_cast<std::uint32_t>(runs.size())});
     }
 }
 
@@ -63,21 +64,25 @@ void ActiveCells::findRuns(std::size_t row) {
 /// share a column with.
 void ActiveCells::joinRuns(std::size_t above, std::size_t row_begin) {
     std::size_t upper = above;
-    for (std::size_t lower = row_begin; lower < runs.size(); ++lower) {
-        while (upper < row_begin && runs[upper].end <= runs[lower].begin) {
-            ++upper;
-        }
-        for (std::size_t i = upper; i < row_begin && runs[i].begin < runs[lower].end; ++i) {
-            const std::size_t first = findRoot(i);
-            const std::size_t second = findRoot(lower);
+    std::size_t lower = row_begin;
+    const std::size_t end = runs.size();
+    while (upper < row_begin && lower < end) {
+        const Run& a = runs[upper];
+        const Run& b = runs[lower];
+        const bool upper_ends_first = a.end < b.end;
+        if (a.begin < b.end && b.begin < a.end) {
+            const std::uint32_t first = findRoot(static_cast<std::uint32_t>(upper));
+            const std::uint32_t second = findRoot(static_cast<std::uint32_t>(lower));
             // The earlier run becomes the root: a region's root is then the run that holds its
             // first cell.
             runs[std::max(first, second)].parent = std::min(first, second);
         }
+        upper += upper_ends_first ? 1 : 0;
+        lower += upper_ends_first ? 0 : 1;
     }
 }
 
-std::size_t ActiveCells::findRoot(std::size_t run) {
+std::uint32_t ActiveCells::findRoot(std::uint32_t run) {
     while (runs[run].parent != run) {
         runs[run].parent = runs[runs[run].parent].parent;
         run = runs[run].parent;
@@ -93,7 +98,7 @@ void ActiveCells::collectRegions(std::vector<CellRegion>& regions) {
         const auto begin = static_cast<int>(run.begin);
         const auto end = static_cast<int>(run.end);
         if (run.parent == i) {
-            run.parent = regions.size();
+            run.parent = static_cast<std::uint32_t>(regions.size());
             regions.push_back({row, begin, 1, end - begin});
             continue;
         }

@@ -32,17 +32,7 @@ public:
     ///
     /// The block reaches to the right and downward only, so that cells which touch at a corner are
     /// joined, at the price of regions that are up to one cell too wide and too high.
-    void markBlock(std::size_t row, std::size_t col) noexcept {
-        std::uint64_t* const upper = &words[row * words_per_row + col / kBits];
-        std::uint64_t* const lower = upper + words_per_row;
-        const std::uint64_t both = std::uint64_t{3} << (col % kBits);
-        *upper |= both;
-        *lower |= both;
-        if (col % kBits == kBits - 1) {
-            upper[1] |= 1;
-            lower[1] |= 1;
-        }
-    }
+    void markBlock(std::size_t row, std::size_t col) noexcept;
 
     /// Finds the bounding rectangles of all 4-connected regions, in the order of their first cells
     /// (rows from top to bottom, columns from left to right), and clears all cells.
@@ -59,23 +49,24 @@ private:
 
     /// Neighbouring active cells of one row, [begin, end).
     struct Run {
-        std::size_t row;
-        std::size_t begin;
-        std::size_t end;
-        std::size_t parent;  ///< An earlier run of the same region, or itself; later the index of
-                             ///< the region.
+        std::uint32_t row;
+        std::uint32_t begin;
+        std::uint32_t end;
+        std::uint32_t parent;  ///< An earlier run of the same region, or itself; later the index of
+                               ///< the region.
     };
 
     void findRuns(std::size_t row);
     void joinRuns(std::size_t above, std::size_t row_begin);
-    std::size_t findRoot(std::size_t run);
+    std::uint32_t findRoot(std::uint32_t run);
     void collectRegions(std::vector<CellRegion>& regions);
 
     std::size_t rows = 0;
     std::size_t cols = 0;
     std::size_t words_per_row = 0;
     std::vector<std::uint64_t> words;
-    std::vector<Run> runs;  ///< Scratch, kept for its storage.
+    std::vector<std::uint32_t> edges;  ///< Scratch, kept for its storage.
+    std::vector<Run> runs;             ///< Scratch, kept for its storage.
 };
 
 }  // namespace kelvora

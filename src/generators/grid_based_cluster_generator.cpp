@@ -2,9 +2,9 @@
 #include "kelvora/grid_based_cluster_generator.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 #include <cstdint>
-#include <limits>
 #include <stdexcept>
 
 #include "events/rejected_polarity.hpp"
@@ -15,11 +15,14 @@ namespace kelvora {
 
 namespace {
 
+/// Stands for no polarity that a filter type rejects.
+constexpr std::uint8_t kUndecided = 255;
+
 /// Where the counters of a cell lie: one per cell, or one per polarity side by side.
 ///
 /// The choice is made once per generator and expressed in numbers: with one counter, the positive
-/// one is the negative one, `positive_offset` 0 away. So counting needs neither a branch nor an
-/// indirect call per event, which would cost several times the arithmetic.
+/// one is the negative one, `positive_offset` 0 away. So counting needs neither an indirect call
+/// nor a branch on the polarity, which is wrongly predicted every other time.
 struct CellCounters {
     std::uint16_t* counts = nullptr;
     std::size_t cols = 0;
@@ -31,12 +34,19 @@ struct CellCounters {
     }
 };
 
-/// Counts an event in the cell (row, col).
+/// Counts `events` (0 or 1) of one polarity in the cell (row, col).
 struct AddToCell {
     CellCounters counters;
+    std::uint16_t arrival = 1;  ///< The activation threshold, but at least 1.
 
-    void operator()(std::size_t row, std::size_t col, bool positive) const {
-        ++counters.of(row, col)[positive ? counters.positive_offset : 0];
+    /// Returns whether this event made the counter arrive at the threshold.
+    bool operator()(std::size_t row, std::size_t col, bool positive, unsigned events) const {
+        // A product, as compilers make a branch of a choice.
+        const std::size_t offset = counters.positive_offset * std::size_t{positive};
+        std::uint16_t& count = counters.of(row, col)[offset];
+        count = static_cast<std::uint16_t>(count + events);
+        // Without an event the left side has all bits set, and no counter arrives there.
+        return (count | (events - 1)) == arrival;
     }
 };
 
@@ -93,6 +103,10 @@ public:
     cv::Mat activeMap() { return {sensor_height, sensor_width, CV_8UC1, pixel_counts.data()}; }
 
 private:
+    template <class Event>
+    [[gnu::noinline]] void processFirstEvent(const Event& event,
+                                             std::atomic<std::uint8_t>& rejected_polarity);
+
     void reportRegion(const CellRegion& region, std::size_t timestamp,
                       std::vector<ClusterGeometry>& clusters) const;
 
@@ -105,6 +119,8 @@ private:
     EventFilterType filter_type;
     bool count_pixel_once;
     std::uint16_t activation_threshold;
+    std::uint16_t counted_per_pixel;   ///< Events of a pixel that its cell counts: one, or all.
+    std::uint8_t largest_pixel_count;  ///< Where the counter of a pixel stops.
     std::vector<std::uint16_t> cell_counts;  ///< One or two counters per cell; they wrap.
     std::vector<std::uint8_t> pixel_counts;  ///< One counter per pixel; they saturate.
     ActiveCells active_cells;
@@ -128,7 +144,9 @@ GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int
       min_cluster_size(min_cluster_size_),
       filter_type(filter_type_),
       count_pixel_once(count_pixel_once_),
-      activation_threshold(activation_threshold_) {
+      activation_threshold(activation_threshold_),
+      counted_per_pixel(count_pixel_once ? 1 : 256),
+      largest_pixel_count(count_pixel_once ? 1 : 255) {
     if (cell_rows < 1 || cell_cols < 1) {
         throw std::invalid_argument("Invalid cell size or sensor size");
     }
@@ -138,7 +156,7 @@ GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int
     const CellCounters counters = {cell_counts.data(), static_cast<std::size_t>(cell_cols),
                                    per_cell, per_cell - 1};
     is_cell_active = {counters, activation_threshold};
-    add_to_cell = {counters};
+    add_to_cell = {counters, std::max<std::uint16_t>(activation_threshold, 1)};
     active_cells = ActiveCells(cell_rows, cell_cols);
     column_to_cell = cellOfPixel(sensor_width, cell_width);
     row_to_cell = cellOfPixel(sensor_height, cell_height);
@@ -147,35 +165,52 @@ GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int
 template <class Event>
 void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
     // Deliberately one value per event type for the whole process: see the note in the header.
-    static const std::uint8_t rejected_polarity = rejectedPolarity(filter_type);
+    // Initialising it here from `filter_type` would cost every event a fifth of its time, for the
+    // registers that the call needs.
+    static std::atomic<std::uint8_t> rejected_polarity{kUndecided};
+    const std::uint8_t rejected = rejected_polarity.load(std::memory_order_relaxed);
     const auto polarity = static_cast<std::uint8_t>(event.polarity);
-    if (polarity == rejected_polarity) {
+    if (rejected == kUndecided) {
+        return processFirstEvent(event, rejected_polarity);
+    }
+    if (polarity == rejected) {
         return;
     }
     assert(event.x < sensor_width && event.y < sensor_height);
     const std::size_t row = row_to_cell[event.y];
     const std::size_t col = column_to_cell[event.x];
     std::uint8_t& pixel = pixel_counts[event.y * static_cast<std::size_t>(sensor_width) + event.x];
-    if (count_pixel_once && pixel != 0) {
-        return;
-    }
-    if (pixel != std::numeric_limits<std::uint8_t>::max()) {
-        ++pixel;
-    }
-    add_to_cell(row, col, polarity != 0);
-    if (is_cell_active(row, col)) {
+    // No branches here, as whether a pixel has events already is hard to predict.
+    const std::uint8_t seen = pixel;
+    const bool arrived = add_to_cell(row, col, polarity != 0, seen < counted_per_pixel ? 1 : 0);
+    pixel = static_cast<std::uint8_t>(seen + (seen < largest_pixel_count ? 1 : 0));
+    // A cell can become active only when a counter arrives at the threshold: rarely, so that this
+    // branch is well predicted. One that stays active needs no second mark, since marks are cleared
+    // only together with the counters.
+    if (arrived && is_cell_active(row, col)) {
         active_cells.markBlock(row, col);
     }
+}
+
+/// Decides on the rejected polarity for all events of this type, unless another thread has just
+/// done so.
+template <class Event>
+void GridBasedClusterGenerator::Impl::processFirstEvent(
+    const Event& event, std::atomic<std::uint8_t>& rejected_polarity) {
+    std::uint8_t undecided = kUndecided;
+    rejected_polarity.compare_exchange_strong(undecided, rejectedPolarity(filter_type));
+    processEvent(event);
 }
 
 void GridBasedClusterGenerator::Impl::generateClusters(std::size_t timestamp,
                                                        std::vector<ClusterGeometry>& clusters) {
     clusters.clear();
     active_cells.takeRegions(regions);
+    // Before the results are stored, which may fail: marks must not be gone with the counters kept.
+    reset();
     for (const CellRegion& region : regions) {
         reportRegion(region, timestamp, clusters);
     }
-    reset();
 }
 
 /// Appends the box around a region, clipped to the sensor, unless it is too small or too large

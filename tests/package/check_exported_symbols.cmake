@@ -24,8 +24,6 @@ endforeach()
 
 # Names follow their length; operators have none.
 set(own "^[A-Zu] _Z(T[ISV])?NK?7kelvora(([0-9]+)([A-Za-z0-9_]+))?")
-# Templates of the standard library are visible wherever they are instantiated; weak, so that they do no harm.
-set(standard "^[WVu] _Z(T[ISV])?(N?K?S[absiotd]|NK?St|NK?9__gnu_cxx)")
 set(by_the_linker "^[A-Z] (__bss_start|_edata|_end|_init|_fini)$")
 
 set(own_count 0)
@@ -39,10 +37,10 @@ foreach(symbol IN LISTS symbols)
                 list(APPEND unwanted "${symbol}")
             endif()
         endif()
-    elseif(NOT symbol MATCHES "${standard}" AND NOT symbol MATCHES "${by_the_linker}")
+    elseif(NOT symbol MATCHES "${by_the_linker}")
         list(APPEND unwanted "${symbol}")
     endif()
-    if(symbol MATCHES "4Impl|9nanoflann")
+    if(symbol MATCHES "4Impl|__KDPointAdaptor")
         list(APPEND unwanted "${symbol}")
     endif()
 endforeach()

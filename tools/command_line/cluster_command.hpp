@@ -25,7 +25,8 @@ public:
     bool isChosen() const { return command->parsed(); }
 
     /// \returns the exit status of the program.
-    /// \throws std::runtime_error  for bad input or output, once all that could be computed is written.
+    /// \throws std::runtime_error  for bad input or output, once all that could be computed is
+    ///     written.
     int run() const;
 
 private:

@@ -16,8 +16,8 @@ public:
     ClusteringMethod& operator=(const ClusteringMethod&) = delete;
     virtual ~ClusteringMethod() = default;
 
-    /// \param window  Events on the sensor and of the wanted polarity. Its end becomes the timestamp
-    ///     of the clusters.
+    /// \param window  Events on the sensor and of the wanted polarity. Its end becomes the
+    ///     timestamp of the clusters.
     /// \param clusters  Emptied first.
     virtual void cluster(const recording::Window& window,
                          std::vector<ClusterGeometry>& clusters) = 0;

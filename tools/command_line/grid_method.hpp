@@ -11,8 +11,8 @@
 namespace kelvora::tool {
 
 /// Parameters of the grid method. The defaults suit windows of about 10 ms: the edge of a moving
-/// object crosses several pixels of a cell, noise and hot pixels hardly ever do, and cells are large
-/// enough to bridge the gaps where an outline is parallel to its motion.
+/// object crosses several pixels of a cell, noise and hot pixels hardly ever do, and cells are
+/// large enough to bridge the gaps where an outline is parallel to its motion.
 struct GridOptions {
     int cell_width = 5;
     int cell_height = 5;

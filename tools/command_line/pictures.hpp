@@ -20,11 +20,13 @@ struct PictureOptions {
     std::filesystem::path overview;
 };
 
-/// Draws the windows of a recording with their clusters: each into a file of its own, and some on one sheet.
+/// Draws the windows of a recording with their clusters: each into a file of its own, and some on
+/// one sheet.
 class Pictures {
 public:
     /// Makes the directory of frames if it is missing.
-    /// \throws std::runtime_error  if a file or directory cannot be written; likewise the other operations.
+    /// \throws std::runtime_error  if a file or directory cannot be written; likewise the other
+    ///     operations.
     Pictures(const PictureOptions& options_, recording::SensorSize sensor);
 
     void add(const recording::Window& window, const std::vector<ClusterGeometry>& clusters);

@@ -12,7 +12,8 @@ enum class Polarity { All, On, Off, Separate };
 
 /// Removes the events of the polarity that is not wanted.
 ///
-/// The generators could do so themselves, but the grid generators of a process share one filter per event type.
+/// The generators could do so themselves, but the grid generators of a process share one filter per
+/// event type.
 void keepPolarity(std::vector<Event2D>& events, Polarity wanted);
 
 }  // namespace kelvora::tool

@@ -10,7 +10,8 @@ namespace kelvora::recording {
 /// Bytes of a file, text or not.
 using Bytes = std::string_view;
 
-/// The unsigned number whose bytes lie at `bytes`, the lowest first, whatever the byte order of the machine.
+/// The unsigned number whose bytes lie at `bytes`, the lowest first, whatever the byte order of the
+/// machine.
 template <typename Unsigned>
 Unsigned loadLittleEndian(const char* bytes) {
     Unsigned value = 0;

@@ -14,17 +14,19 @@ namespace kelvora::recording {
 ///
 /// - Events off the sensor are dropped.
 /// - A time that goes back is raised to that of the event before.
-/// - A single time that is more than a second ahead of its neighbours on both sides is damaged, and is lowered to
-///   that of the event before (or after, for the first). Else all that follows would be raised to it. The next event
-///   of the same chunk is looked at: the last event of a chunk is believed.
+/// - A single time that is more than a second ahead of its neighbours on both sides is damaged, and
+///   is lowered to that of the event before (or after, for the first). Else all that follows would
+///   be raised to it. The next event of the same chunk is looked at: the last event of a chunk is
+///   believed.
 ///
-/// Of damage that affects several events in a row nothing is repaired; `clampedTimes` tells how many times were
-/// changed.
+/// Of damage that affects several events in a row nothing is repaired; `clampedTimes` tells how
+/// many times were changed.
 class EventCleaner {
 public:
     explicit EventCleaner(const SensorSize& sensor_size);
 
-    /// Cleans the next chunk in place. The times of `events` then never decrease, nor from call to call.
+    /// Cleans the next chunk in place. The times of `events` then never decrease, nor from call to
+    /// call.
     void clean(std::vector<Event2D>& events);
 
     /// Number of events dropped since the start.

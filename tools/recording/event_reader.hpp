@@ -14,10 +14,11 @@
 
 namespace kelvora::recording {
 
-/// Reads a recording from front to back, chunk by chunk. Memory does not grow with the length of the recording.
+/// Reads a recording from front to back, chunk by chunk. Memory does not grow with the length of
+/// the recording.
 ///
-/// Events are given exactly as recorded: off the sensor or back in time if the recording has such. `EventCleaner`
-/// puts that right.
+/// Events are given exactly as recorded: off the sensor or back in time if the recording has such.
+/// `EventCleaner` puts that right.
 ///
 ///     const auto reader = openRecording("street.raw");
 ///     std::vector<kelvora::Event2D> events;
@@ -33,8 +34,8 @@ public:
     /// From a pipe, a chunk is what has arrived.
     ///
     /// \return False at the end, with `events` empty.
-    /// \throws RecordingError  at a defect. The events before it have all been given by earlier calls; later calls
-    ///                         throw the same error.
+    /// \throws RecordingError  at a defect. The events before it have all been given by earlier
+    ///     calls; later calls throw the same error.
     virtual bool read(std::vector<Event2D>& events) = 0;
 
     virtual Format format() const = 0;
@@ -42,8 +43,8 @@ public:
     /// What `ReadOptions` said or else the recording itself; nothing if neither did.
     virtual std::optional<SensorSize> sensorSize() const = 0;
 
-    /// Number of EVT words that were skipped so far: those of unknown type, and those at the start whose events
-    /// cannot be placed as no time or row was given yet. Always 0 for other formats.
+    /// Number of EVT words that were skipped so far: those of unknown type, and those at the start
+    /// whose events cannot be placed as no time or row was given yet. Always 0 for other formats.
     virtual std::uint64_t skippedWords() const = 0;
 
     /// Number of bytes of the file that were turned into events so far, header included.
@@ -60,11 +61,11 @@ struct ReadOptions {
     TextLayout text;                        ///< For text recordings.
 };
 
-/// Opens a recording of any `Format`: a file, or a pipe such as `/dev/stdin`. Reads the first 64 KiB to recognise
-/// the format and to read the header.
+/// Opens a recording of any `Format`: a file, or a pipe such as `/dev/stdin`. Reads the first 64
+/// KiB to recognise the format and to read the header.
 ///
-/// \throws RecordingError  if the file cannot be opened or is empty, if its format is not known or not
-///                         `options.format`, or if its header has a defect.
+/// \throws RecordingError  if the file cannot be opened or is empty, if its format is not known or
+///     not `options.format`, or if its header has a defect.
 std::unique_ptr<EventReader> openRecording(const std::filesystem::path& path,
                                            const ReadOptions& options = {});
 

@@ -16,7 +16,7 @@
 namespace kelvora::recording {
 namespace {
 
-constexpr std::size_t kBufferBytes = 256 * 1024;
+constexpr std::size_t kBufferBytes = std::size_t{256} * 1024;
 
 std::unique_ptr<EventEncoder> createEncoder(Format format, const std::string& file,
                                             const SensorSize& sensor_size) {
@@ -41,9 +41,9 @@ public:
 
     ~FileEventWriter() override {
         try {
-            close();
-        } catch (
-            const RecordingError&) {  // NOLINT(bugprone-empty-catch): close() is there to be told
+            FileEventWriter::close();
+        } catch (const RecordingError&) {
+            // Who wants to know calls close().
         }
     }
 

@@ -19,9 +19,9 @@ public:
 
     /// Appends events.
     ///
-    /// \throws RecordingError  if they cannot be written, as on a full disk, or if the format cannot hold one: a
-    ///     polarity other than 0 and 1 and, in EVT2 and EVT3, coordinates over 2047, times that go back and pauses of
-    ///     more than 12 days, also before the first event.
+    /// \throws RecordingError  if they cannot be written, as on a full disk, or if the format
+    ///     cannot hold one: a polarity other than 0 and 1 and, in EVT2 and EVT3, coordinates over
+    ///     2047, times that go back and pauses of more than 12 days, also before the first event.
     virtual void write(const std::vector<Event2D>& events) = 0;
 
     /// Writes what is still in memory and closes the file. Nothing may be written after it.

@@ -10,9 +10,9 @@ namespace kelvora::recording {
 
 /// Decodes `Format::Evt2` after its header.
 ///
-/// Events are given as they are found, times that go back included. Words of unknown type and events before the
-/// first time word (of a recording cut out of a stream) are skipped and counted. The one defect is an end in the
-/// middle of a word.
+/// Events are given as they are found, times that go back included. Words of unknown type and
+/// events before the first time word (of a recording cut out of a stream) are skipped and counted.
+/// The one defect is an end in the middle of a word.
 class Evt2Decoder : public EventDecoder {
 public:
     /// \param header_length  Bytes of the file before the first word.

@@ -7,8 +7,8 @@ namespace kelvora::recording {
 
 /// Words of EVT2 have 32 bits, little-endian; bits 31 to 28 tell the type.
 ///
-/// An event holds the low part of its time in bits 27 to 22, x in bits 21 to 11 and y in bits 10 to 0.
-/// A time word holds the high part in bits 27 to 0.
+/// An event holds the low part of its time in bits 27 to 22, x in bits 21 to 11 and y in bits 10 to
+/// 0. A time word holds the high part in bits 27 to 0.
 enum class Evt2WordType : std::uint32_t {
     EventOff = 0x0,
     EventOn = 0x1,

@@ -35,7 +35,7 @@ Iterator endOfRun(Iterator first, Iterator last) {
         return after.timestamp != before.timestamp || after.y != before.y ||
                after.polarity != before.polarity || after.x <= before.x;
     };
-    const Iterator last_of_run = std::adjacent_find(first, last, breaks_run);
+    const auto last_of_run = std::adjacent_find(first, last, breaks_run);
     return last_of_run == last ? last : std::next(last_of_run);
 }
 

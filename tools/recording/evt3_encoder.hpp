@@ -13,8 +13,8 @@ namespace kelvora::recording {
 
 /// Encodes `Format::Evt3`. `EvtEventCheck` tells which events it can hold.
 ///
-/// Neighbouring events of one time, row and polarity are written as vectors if their columns ascend and this takes
-/// fewer words. The order of events is always kept.
+/// Neighbouring events of one time, row and polarity are written as vectors if their columns ascend
+/// and this takes fewer words. The order of events is always kept.
 class Evt3Encoder : public EventEncoder {
 public:
     Evt3Encoder(const std::string& file, const SensorSize& sensor_size);

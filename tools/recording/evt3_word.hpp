@@ -5,7 +5,8 @@
 
 namespace kelvora::recording {
 
-/// Words of EVT3 have 16 bits, little-endian; bits 15 to 12 tell the type, the others are the payload.
+/// Words of EVT3 have 16 bits, little-endian; bits 15 to 12 tell the type, the others are the
+/// payload.
 ///
 /// Time, row and polarity of an event are those of the latest words that gave them.
 enum class Evt3WordType : std::uint16_t {

@@ -24,8 +24,8 @@ struct EvtHeader {
 
 /// Reads the header at the front of `bytes`.
 ///
-/// Only a line of printable ASCII characters that begins with "% " and ends in a newline belongs to the header:
-/// without "% end", words may follow that begin with the byte of `%` by chance.
+/// Only a line of printable ASCII characters that begins with "% " and ends in a newline belongs to
+/// the header: without "% end", words may follow that begin with the byte of `%` by chance.
 EvtHeader parseEvtHeader(Bytes bytes);
 
 /// A header for a recording of this EVT version, `% end` included.

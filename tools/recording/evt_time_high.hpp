@@ -5,10 +5,12 @@
 
 namespace kelvora::recording {
 
-/// The high part of the time in an EVT stream. It is sent in words of its own, has few bits and wraps around.
+/// The high part of the time in an EVT stream. It is sent in words of its own, has few bits and
+/// wraps around.
 ///
-/// A wrap shows as a fall by more than half of the range. A smaller fall is one: time then goes back. This holds
-/// as long as the high part is sent at least once in half a range, 8.4 s in EVT3 and 2.4 hours in EVT2.
+/// A wrap shows as a fall by more than half of the range. A smaller fall is one: time then goes
+/// back. This holds as long as the high part is sent at least once in half a range, 8.4 s in EVT3
+/// and 2.4 hours in EVT2.
 class EvtTimeHigh {
 public:
     /// \param high_bits  Width of the high part.

@@ -11,7 +11,7 @@
 namespace kelvora::recording {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 constexpr const char* kConvert = "convert it to text with one event `t x y p` per line";
 constexpr const char* kDecompress = "decompress it first";

@@ -18,6 +18,7 @@ std::string systemMessage(int error) {
 }
 
 int openForReading(const std::string& name) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system offers no other way
     const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) {
         const int error = errno;

@@ -22,9 +22,11 @@ RecordingError errorOf(const std::string& name, const std::string& problem,
 
 int openForWriting(const std::string& name) {
     // A duplicate, so that closing it leaves standard output to others.
-    return name == "-"
-               ? ::dup(STDOUT_FILENO)
-               : ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kPermissions);
+    if (name == "-") {
+        return ::dup(STDOUT_FILENO);
+    }
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system offers no other way
+    return ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kPermissions);
 }
 
 }  // namespace

@@ -11,10 +11,11 @@ namespace kelvora::recording {
 /// The message is one line that needs no context: `FILE: problem, where, what to do`.
 class RecordingError : public std::runtime_error {
 public:
-    /// \param file     Path of the recording, as the user gave it.
-    /// \param problem  What is wrong, as the rest of a sentence that begins with the file: "is empty".
-    /// \param where    Byte or line; empty if the whole file is meant.
-    /// \param remedy   What the user can do about it.
+    /// \param file  Path of the recording, as the user gave it.
+    /// \param problem  What is wrong, as the rest of a sentence that begins with the file: "is
+    ///     empty".
+    /// \param where  Byte or line; empty if the whole file is meant.
+    /// \param remedy  What the user can do about it.
     RecordingError(const std::string& file, const std::string& problem, const std::string& where,
                    const std::string& remedy);
 };

@@ -34,9 +34,9 @@ public:
     /// Events per second over the whole duration; 0 if that is 0.
     double meanRate() const;
 
-    /// Events per second in the busiest of the 10 ms intervals that begin at multiples of 10 ms, and never less than
-    /// the mean rate: a recording may be shorter than an interval. Times that go back by up to a second count for
-    /// the interval of the events before.
+    /// Events per second in the busiest of the 10 ms intervals that begin at multiples of 10 ms,
+    /// and never less than the mean rate: a recording may be shorter than an interval. Times that
+    /// go back by up to a second count for the interval of the events before.
     double peakRate() const;
 
     /// Events of polarity 1 per event, from 0 to 1.

@@ -15,8 +15,8 @@ bool isPlausibleRecord(Bytes record);
 
 /// Decodes `Format::Records`.
 ///
-/// Defects are a polarity other than 0 or 1, padding other than zero, a time after `kLatestTime`, and an end in
-/// the middle of a record.
+/// Defects are a polarity other than 0 or 1, padding other than zero, a time after `kLatestTime`,
+/// and an end in the middle of a record.
 class RecordsDecoder : public EventDecoder {
 public:
     explicit RecordsDecoder(std::string file);

@@ -26,7 +26,8 @@ inline constexpr int kLargestSensorSide = 65536;
 /// Whether both sides are from 1 to `kLargestSensorSide`.
 bool isValid(const SensorSize& size);
 
-/// Reads a size written as `640x480`; nothing if the text is anything else or the size is not valid.
+/// Reads a size written as `640x480`; nothing if the text is anything else or the size is not
+/// valid.
 std::optional<SensorSize> sensorSizeFromString(std::string_view text);
 
 }  // namespace kelvora::recording

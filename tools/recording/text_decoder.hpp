@@ -12,9 +12,10 @@ namespace kelvora::recording {
 ///
 /// Coordinates and polarities may be written as decimals (`96.0`, `9.6e+01`) if they are whole.
 ///
-/// Defects are lines that do not hold four numbers, times that are negative or after `kLatestTime`, coordinates
-/// outside 0 to 65535, polarities other than 1, 0 and -1, lines longer than `kMaxTextLine`, and a time with
-/// a decimal point where the first event, without one, made it look like microseconds.
+/// Defects are lines that do not hold four numbers, times that are negative or after `kLatestTime`,
+/// coordinates outside 0 to 65535, polarities other than 1, 0 and -1, lines longer than
+/// `kMaxTextLine`, and a time with a decimal point where the first event, without one, made it look
+/// like microseconds.
 class TextDecoder : public EventDecoder {
 public:
     /// \param layout        What is not set is found out as `TextLayout` says.

@@ -20,13 +20,15 @@ using TextColumns = std::array<TextColumn, 4>;
 inline constexpr TextColumns kDefaultTextColumns = {TextColumn::Time, TextColumn::X, TextColumn::Y,
                                                     TextColumn::Polarity};
 
-/// How a text recording is laid out: one event per line, in four columns separated by blanks, tabs, commas or
-/// semicolons. Polarity is 1 or 0 (-1 is the same as 0). Lines that are blank or begin with `#` are skipped.
+/// How a text recording is laid out: one event per line, in four columns separated by blanks, tabs,
+/// commas or semicolons. Polarity is 1 or 0 (-1 is the same as 0). Lines that are blank or begin
+/// with `#` are skipped.
 ///
 /// What is not set here is found out from the recording:
-/// - The order of the columns is taken from a first line that names them, such as `x,y,p,t`, or is `t x y p`.
-/// - The unit may be part of the name of the column, as in `t_us`. Else the first event decides: a time with
-///   a decimal point or exponent is in seconds, a whole number in microseconds.
+/// - The order of the columns is taken from a first line that names them, such as `x,y,p,t`, or is
+///   `t x y p`.
+/// - The unit may be part of the name of the column, as in `t_us`. Else the first event decides: a
+///   time with a decimal point or exponent is in seconds, a whole number in microseconds.
 ///
 /// A first line of two whole numbers is the width and height of the sensor.
 struct TextLayout {

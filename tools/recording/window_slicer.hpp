@@ -21,8 +21,9 @@ struct Window {
     std::size_t size() const { return static_cast<std::size_t>(last - first); }
 };
 
-/// Cuts a stream of events into windows of equal length: window k holds the events with times from k * length
-/// (included) to (k + 1) * length (excluded). Windows without events are left out, and cost nothing.
+/// Cuts a stream of events into windows of equal length: window k holds the events with times from
+/// k * length (included) to (k + 1) * length (excluded). Windows without events are left out, and
+/// cost nothing.
 ///
 ///     while (reader->read(events)) {
 ///         cleaner.clean(events);
@@ -41,7 +42,8 @@ public:
 
     /// Takes the next chunk of events. Ends the life of the windows given before.
     ///
-    /// \param events  In order of time, as `EventCleaner` makes them, within the chunk and from chunk to chunk.
+    /// \param events  In order of time, as `EventCleaner` makes them, within the chunk and from
+    ///     chunk to chunk.
     void add(const std::vector<Event2D>& events);
 
     /// Tells that no more events will come: the last window is complete.

@@ -19,7 +19,8 @@ public:
 
     void emit(int x, int y, bool on, double elapsed_share) const {
         const double elapsed = elapsed_share * static_cast<double>(duration_us);
-        // A crossing at the very end must not fall into the next step, whose events are sorted apart.
+        // A crossing at the very end must not fall into the next step, whose events are sorted
+        // apart.
         const auto whole = std::min(static_cast<std::uint64_t>(elapsed), duration_us - 1);
         events.emplace_back(static_cast<unsigned short>(x), static_cast<unsigned short>(y),
                             static_cast<unsigned char>(on ? 1 : 0), begin_us + whole);

@@ -94,7 +94,8 @@ private:
     const SceneOptions& options;
     Ranges ranges;
     RandomNumbers random;
-    // Where in its range the size of each object to come lies, from 0 to 1; the last is taken first.
+    // Where in its range the size of each object to come lies, from 0 to 1; the last is taken
+    // first.
     std::vector<double> sizes;
     std::vector<double> speeds;  // In the same way.
     std::vector<SceneObject> objects;
@@ -130,8 +131,8 @@ void SceneMaker::addLight() {
          period_us});
 }
 
-// Compilers evaluate the arguments of a call in different orders, and so do they the operands of a sum or a
-// product: numbers are drawn in statements of their own.
+// Compilers evaluate the arguments of a call in different orders, and so do they the operands of a
+// sum or a product: numbers are drawn in statements of their own.
 void SceneMaker::addDisc() {
     const double radius = takeDiameter() / 2;
     const Point heading = drawDirection();
@@ -142,8 +143,8 @@ void SceneMaker::addBar(bool turns) {
     const double length =
         std::max(takeDiameter(), (ranges.diameter.low + ranges.diameter.high) / 2);
     const double thickness = std::max(length * random.uniform(0.12, 0.2), 2.0);
-    // Near an axis of the sensor the path stays across the bar when it is reflected at a border. The
-    // bar leans by some 25 to 35 degrees, so that its ends move across pixels, too.
+    // Near an axis of the sensor the path stays across the bar when it is reflected at a border.
+    // The bar leans by some 25 to 35 degrees, so that its ends move across pixels, too.
     const Point heading = drawNearAxis();
     const double lean = random.uniform(0.22, 0.32);
     const Point across =

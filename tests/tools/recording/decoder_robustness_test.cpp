@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Damaged recordings: a decoder may find events in them or refuse them, but never crash, hang or forget its bounds.
+// Damaged recordings: a decoder may find events in them or refuse them, but never crash, hang or
+// forget its bounds.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -42,11 +43,11 @@ const Codec kEvt3 = {"evt3", [] { return std::make_unique<Evt3Decoder>("a", 0); 
 
 class DecoderRobustness : public ::testing::TestWithParam<Codec> {
 protected:
-    Outcome decodeAll(Bytes bytes, std::size_t cut) const {
+    static Outcome decodeAll(Bytes bytes, std::size_t cut) {
         return decode(*GetParam().createDecoder(), bytes, cut);
     }
 
-    std::string encoded(const std::vector<Event2D>& events) const {
+    static std::string encoded(const std::vector<Event2D>& events) {
         std::string bytes;
         GetParam().createEncoder()->encode(events, bytes);
         return bytes;
@@ -93,7 +94,8 @@ TEST_P(DecoderRobustness, FlippedBitsDoNoHarm) {
     std::mt19937_64 random(3);
     for (int round = 0; round < 1000; ++round) {
         std::string bytes = sound;
-        bytes[random() % bytes.size()] ^= static_cast<char>(1U << random() % 8);
+        char& byte = bytes[random() % bytes.size()];
+        byte = static_cast<char>(static_cast<unsigned char>(byte) ^ (1U << random() % 8));
         const Outcome outcome = decodeAll(bytes, random() % bytes.size());
         EXPECT_LE(outcome.events.size(), bytes.size() * 12);
     }
@@ -114,7 +116,8 @@ TEST_P(DecoderRobustness, EveryBeginningOfARecordingGivesABeginningOfItsEvents) 
     const std::string bytes = encoded(events);
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         const Outcome outcome = decodeAll(bytes.substr(0, size), 0);
-        // In text, the last number may be cut to a shorter one. It is then whole again, but another.
+        // In text, the last number may be cut to a shorter one. It is then whole again, but
+        // another.
         const std::size_t sound =
             outcome.events.size() - (GetParam().name == kText.name && !outcome.events.empty());
         ASSERT_LE(sound, events.size());

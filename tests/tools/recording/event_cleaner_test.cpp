@@ -13,6 +13,7 @@ using ::testing::IsEmpty;
 
 std::vector<Event2D> eventsAt(const std::vector<std::uint64_t>& times) {
     std::vector<Event2D> events;
+    events.reserve(times.size());
     for (const std::uint64_t time : times) {
         events.push_back(eventAt(time, 1, 1, 1));
     }

@@ -41,7 +41,7 @@ TEST(Evt2Decoder, GoesOnCountingWhereTheHighPartWrapsAround) {
         decodeWords({timeHigh(0xFFFFFFF), event(1, 63, 1, 1), timeHigh(0), event(1, 0, 1, 1),
                      timeHigh(0xFFFFFFF), timeHigh(5), event(1, 0, 1, 1)}),
         ElementsAre(eventAt(0x3FFFFFFFF, 1, 1, 1), eventAt(0x400000000, 1, 1, 1),
-                    eventAt(0x800000000 + 5 * 64, 1, 1, 1)));
+                    eventAt(0x800000000 + 320, 1, 1, 1)));
 }
 
 TEST(Evt2Decoder, GivesTimesThatGoBackALittleAsTheyAre) {

@@ -11,7 +11,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 Format detect(Bytes head) {
     return detectFormat(head, "a.raw");

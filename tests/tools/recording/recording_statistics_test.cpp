@@ -15,7 +15,8 @@ RecordingStatistics statisticsOf(const std::vector<Event2D>& events) {
 }
 
 std::vector<Event2D> burst(std::uint64_t time, std::size_t count) {
-    return std::vector<Event2D>(count, eventAt(time, 1, 1, 1));
+    std::vector<Event2D> events(count, eventAt(time, 1, 1, 1));
+    return events;
 }
 
 TEST(RecordingStatistics, AreZeroWithoutEvents) {

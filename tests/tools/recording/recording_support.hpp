@@ -30,7 +30,8 @@ std::string recordBytes(std::uint64_t time, int x, int y, int polarity);
 std::string words16(const std::vector<std::uint16_t>& words);
 std::string words32(const std::vector<std::uint32_t>& words);
 
-/// What came of decoding or reading: the events, then the message of the error that ended it, if one did.
+/// What came of decoding or reading: the events, then the message of the error that ended it, if
+/// one did.
 struct Outcome {
     std::vector<Event2D> events;
     std::string error;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Real recordings, each as its camera or data set wrote it and as records that were converted by other means.
+// Real recordings, each as its camera or data set wrote it and as records that were converted by
+// other means.
 #include <gmock/gmock.h>
 
 #include <cstdlib>

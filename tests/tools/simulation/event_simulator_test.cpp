@@ -62,8 +62,8 @@ TEST(EventSimulator, GivesOtherEventsForAnotherSeed) {
     EXPECT_NE(hashOf(a.events), hashOf(b.events));
 }
 
-// The value changes only when the model is changed on purpose; then state so in CHANGELOG.md. If it differs between
-// compilers or machines, the simulator has lost its determinism.
+// The value changes only when the model is changed on purpose; then state so in CHANGELOG.md. If it
+// differs between compilers or machines, the simulator has lost its determinism.
 TEST(EventSimulator, GivesTheSameEventsWithEveryCompilerAndOnEveryMachine) {
     const auto recording = record(EventSimulator(smallDefaultScene(7)));
     EXPECT_EQ(recording.events.size(), 22480U);

@@ -52,7 +52,8 @@ TEST(PixelArray, SmallChangesAddUpUntilTheThresholdIsCrossed) {
         const auto begin_us = static_cast<std::uint64_t>(step) * 100;
         pixels.expose(uniformCanvas(step * 0.05), kSensor, begin_us, begin_us + 100, events);
     }
-    // Pixels start up to half a threshold above or below: four events for one half of them, five for the other.
+    // Pixels start up to half a threshold above or below: four events for one half of them, five
+    // for the other.
     EXPECT_NEAR(static_cast<double>(events.size()), 4.5 * 200, 40);
 }
 
