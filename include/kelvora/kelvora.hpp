@@ -5,6 +5,11 @@
 /// The whole library.
 
 #include "kelvora/cluster_geometry.hpp"
+#include "kelvora/density_based_cluster_generator.hpp"
+#include "kelvora/density_clustering.hpp"
 #include "kelvora/events.hpp"
 #include "kelvora/grid_based_cluster_generator.hpp"
+#include "kelvora/kd_point.hpp"
+#include "kelvora/kd_tree.hpp"
+#include "kelvora/sliding_event_counter.hpp"
 #include "kelvora/version.hpp"

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <opencv2/core/types.hpp>
+#include <vector>
+
+#include "generators/point_scales.hpp"
+#include "kelvora/cluster_geometry.hpp"
+
+namespace kelvora {
+
+/// The whole part of a number, and 0 for one that no unsigned 64-bit integer can hold: negative,
+/// too large or not a number.
+template <typename T>
+unsigned long long toUnsigned(T value) {
+    constexpr auto kTooLarge = static_cast<T>(18446744073709551616.0);
+    return T{0} <= value && value < kTooLarge ? static_cast<unsigned long long>(value) : 0;
+}
+
+/// A cluster's box of scaled minima and extents as geometry: in pixels, clipped to the sensor, and
+/// with its extent in time in three dimensions.
+template <int DIM, typename T>
+ClusterGeometry boxToGeometry(const std::vector<T>& box, const PointScales& scales,
+                              int sensor_width, int sensor_height, std::size_t timestamp) {
+    const auto unscaled = [&](int axis, int offset) {
+        return box[static_cast<std::size_t>(axis + offset)] / static_cast<T>(scales.of(axis));
+    };
+    const cv::Rect_<float> sensor(0.0F, 0.0F, static_cast<float>(sensor_width),
+                                  static_cast<float>(sensor_height));
+    const cv::Rect_<float> rect(
+        static_cast<float>(unscaled(0, 0)), static_cast<float>(unscaled(1, 0)),
+        static_cast<float>(unscaled(0, DIM)), static_cast<float>(unscaled(1, DIM)));
+    if constexpr (DIM == 2) {
+        return {rect & sensor, timestamp};
+    } else {
+        return {rect & sensor, toUnsigned(unscaled(2, 0)), toUnsigned(unscaled(2, DIM)), timestamp};
+    }
+}
+
+}  // namespace kelvora

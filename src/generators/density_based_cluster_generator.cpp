@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: MIT
+#include "kelvora/density_based_cluster_generator.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+#include "events/rejected_polarity.hpp"
+#include "generators/box_to_geometry.hpp"
+#include "generators/cluster_generator_base.hpp"
+#include "generators/cluster_point_export.hpp"
+#include "generators/point_intake.hpp"
+#include "generators/point_scales.hpp"
+#include "kelvora/density_clustering.hpp"
+#include "kelvora/sliding_event_counter.hpp"
+
+namespace kelvora {
+
+namespace {
+
+constexpr unsigned long long kUnbounded = std::numeric_limits<unsigned long long>::max();
+constexpr std::size_t kCounterBins = 100;
+constexpr std::size_t kPointsPerJob = 2000;
+
+void require(bool condition, const char* message) {
+    if (!condition) {
+        throw std::runtime_error(message);
+    }
+}
+
+/// Number of threads for `n` points. Only the low 8 bits count, also of large numbers.
+unsigned char jobsFor(int n_jobs, std::size_t n) {
+    static const unsigned hardware_threads = std::thread::hardware_concurrency();
+    if (n_jobs == 0) {
+        return static_cast<unsigned char>(
+            std::min<std::size_t>(hardware_threads, n / kPointsPerJob + 1));
+    }
+    return static_cast<unsigned char>(n_jobs == -1 ? hardware_threads
+                                                   : static_cast<unsigned>(n_jobs));
+}
+
+}  // namespace
+
+template <int DIM, typename T>
+class DensityBasedClusterGenerator<DIM, T>::Impl : public ClusterGeneratorBase {
+public:
+    using Point = KDPoint<DIM, T>;
+
+    Impl(int sensor_width_, int sensor_height_, const PointScales& scales_,
+         EventFilterType filter_type_, unsigned long long max_capacity_,
+         unsigned long long max_time_length_, double eps, int min_pts, int n_jobs_);
+
+    template <class EventT>
+    void processEvent(const EventT* event);
+
+    void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& out) override;
+
+    void reset() override;
+
+    template <class Points>
+    void getClusterPoints(Points& points, bool restore_scale) const {
+        exportPoints(clusters, working_points, restore_scale ? &scales : nullptr, points);
+    }
+
+    std::mutex& mutex() { return points_mutex; }
+
+    bool setMaxCapacity(unsigned long long max_capacity_);
+
+    bool setMaxTimeLength(unsigned long long max_time_length_);
+
+private:
+    void takeNewestPoints();
+
+    PointScales scales;
+    EventFilterType filter_type;
+    std::uint8_t rejected_polarity = 0;
+    unsigned long long max_capacity;
+    unsigned long long max_time_length;
+    int n_jobs;
+    DensityClustering<DIM, T> clustering;
+    std::mutex points_mutex;
+    std::vector<Point> working_points;   ///< Those of the last call, which `clusters` refers to.
+    std::vector<Point> incoming_points;  ///< Those since.
+    std::vector<std::vector<std::size_t>> clusters;
+    std::vector<std::vector<T>> boxes;
+    std::unique_ptr<SlidingEventCounter> event_counter;
+};
+
+template <int DIM, typename T>
+DensityBasedClusterGenerator<DIM, T>::Impl::Impl(int sensor_width_, int sensor_height_,
+                                                 const PointScales& scales_,
+                                                 EventFilterType filter_type_,
+                                                 unsigned long long max_capacity_,
+                                                 unsigned long long max_time_length_, double eps,
+                                                 int min_pts, int n_jobs_)
+    : ClusterGeneratorBase(sensor_width_, sensor_height_),
+      scales(scales_),
+      filter_type(filter_type_),
+      max_capacity(max_capacity_),
+      max_time_length(max_time_length_),
+      n_jobs(n_jobs_),
+      clustering(eps, min_pts) {
+    require(filter_type != POLARITY_SEPARATE,
+            "DensityBasedClusterGenerator does not support POLARITY_SEPARATE event filter type");
+    rejected_polarity = rejectedPolarity(filter_type);
+    require(sensor_width >= 1 && sensor_height >= 1,
+            "DensityBasedClusterGenerator: sensor_width and sensor_height should be larger than 0");
+    // Written so that NaN passes.
+    require(
+        !(0.0F >= scales.width || 0.0F >= scales.height || 0.0F >= scales.time),
+        "DensityBasedClusterGenerator: scale_width, scale_height, and scale_time should be larger "
+        "than 0");
+    require(max_capacity > 0, "DensityBasedClusterGenerator: max_capacity should be larger than 0");
+    require(max_time_length > 0,
+            "DensityBasedClusterGenerator: max_time_length should be larger than 0");
+    require(!(0.0 >= eps), "DensityBasedClusterGenerator: eps should be larger than 0");
+    require(min_pts >= 1, "DensityBasedClusterGenerator: min_pts should be larger than 0");
+    reservePoints(incoming_points, working_points, max_capacity, "DensityBasedClusterGenerator");
+    event_counter = std::make_unique<SlidingEventCounter>(max_time_length, kCounterBins);
+}
+
+template <int DIM, typename T>
+template <class EventT>
+void DensityBasedClusterGenerator<DIM, T>::Impl::processEvent(const EventT* event) {
+    if (event == nullptr || static_cast<std::uint8_t>(event->polarity) == rejected_polarity) {
+        return;
+    }
+    event_counter->addEvent(event);
+    incoming_points.push_back(toPoint<DIM, T>(*event, scales));
+}
+
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::Impl::generateClusters(
+    std::size_t timestamp, std::vector<ClusterGeometry>& out) {
+    {
+        const std::lock_guard<std::mutex> lock(points_mutex);
+        takeNewestPoints();
+        // They refer to the points that are gone now, and would be left so if clustering fails.
+        clusters.clear();
+        boxes.clear();
+        clustering.generateClustersMultiThread(working_points, clusters, boxes,
+                                               jobsFor(n_jobs, working_points.size()));
+    }
+    out.clear();
+    for (const std::vector<T>& box : boxes) {
+        out.push_back(boxToGeometry<DIM>(box, scales, sensor_width, sensor_height, timestamp));
+    }
+}
+
+/// Makes the points since the last call the working ones, as many of the newest as both bounds
+/// allow.
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::Impl::takeNewestPoints() {
+    working_points.swap(incoming_points);
+    incoming_points.clear();
+    keepNewest(working_points,
+               std::min<unsigned long long>(event_counter->getEventCount(), max_capacity));
+}
+
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::Impl::reset() {
+    const std::lock_guard<std::mutex> lock(points_mutex);
+    working_points.clear();
+}
+
+template <int DIM, typename T>
+bool DensityBasedClusterGenerator<DIM, T>::Impl::setMaxCapacity(unsigned long long max_capacity_) {
+    if (max_capacity_ == 0) {
+        return false;
+    }
+    max_capacity = max_capacity_;
+    return true;
+}
+
+template <int DIM, typename T>
+bool DensityBasedClusterGenerator<DIM, T>::Impl::setMaxTimeLength(
+    unsigned long long max_time_length_) {
+    if (!event_counter->setWindowLength(max_time_length_)) {
+        return false;
+    }
+    max_time_length = max_time_length_;
+    return true;
+}
+
+template <int DIM, typename T>
+DensityBasedClusterGenerator<DIM, T>::DensityBasedClusterGenerator(
+    int sensor_width, int sensor_height, float scale_width, float scale_height, float scale_time,
+    EventFilterType filter_type, unsigned long long max_capacity,
+    unsigned long long max_time_length, double eps, int min_pts, int n_jobs)
+    : impl(std::make_unique<Impl>(sensor_width, sensor_height,
+                                  PointScales{scale_width, scale_height, scale_time}, filter_type,
+                                  max_capacity, max_time_length, eps, min_pts, n_jobs)) {}
+
+template <int DIM, typename T>
+DensityBasedClusterGenerator<DIM, T>::DensityBasedClusterGenerator(
+    int sensor_width, int sensor_height, float scale_width, float scale_height, float scale_time,
+    EventFilterType filter_type, double eps, int min_pts, int n_jobs)
+    : DensityBasedClusterGenerator(sensor_width, sensor_height, scale_width, scale_height,
+                                   scale_time, filter_type, kUnbounded, kUnbounded, eps, min_pts,
+                                   n_jobs) {}
+
+template <int DIM, typename T>
+DensityBasedClusterGenerator<DIM, T>::DensityBasedClusterGenerator(int sensor_width,
+                                                                   int sensor_height,
+                                                                   EventFilterType filter_type,
+                                                                   double eps, int min_pts,
+                                                                   int n_jobs)
+    : DensityBasedClusterGenerator(sensor_width, sensor_height, 1.0F, 1.0F, 1.0F, filter_type, eps,
+                                   min_pts, n_jobs) {}
+
+template <int DIM, typename T>
+DensityBasedClusterGenerator<DIM, T>::~DensityBasedClusterGenerator() = default;
+
+template <int DIM, typename T>
+template <class EventT>
+void DensityBasedClusterGenerator<DIM, T>::processEvent(const EventT* event) {
+    impl->processEvent(event);
+}
+
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::generateClusters(
+    std::size_t timestamp, std::vector<ClusterGeometry>& clusters) {
+    impl->generateClusters(timestamp, clusters);
+}
+
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::reset() {
+    impl->reset();
+}
+
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::getClusterPoints(
+    std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale) {
+    const std::lock_guard<std::mutex> lock(impl->mutex());
+    impl->getClusterPoints(points, restore_scale);
+}
+
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::getClusterPoints(std::vector<cv::Mat>& points,
+                                                            bool restore_scale) {
+    impl->getClusterPoints(points, restore_scale);
+}
+
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::getClusterPoints(cv::Mat& points, bool restore_scale) {
+    impl->getClusterPoints(points, restore_scale);
+}
+
+template <int DIM, typename T>
+bool DensityBasedClusterGenerator<DIM, T>::setMaxCapacity(unsigned long long max_capacity) {
+    return impl->setMaxCapacity(max_capacity);
+}
+
+template <int DIM, typename T>
+bool DensityBasedClusterGenerator<DIM, T>::setMaxTimeLength(unsigned long long max_time_length) {
+    return impl->setMaxTimeLength(max_time_length);
+}
+
+// clang-format off
+template class DensityBasedClusterGenerator<2, float>;
+template class DensityBasedClusterGenerator<2, double>;
+template class DensityBasedClusterGenerator<3, float>;
+template class DensityBasedClusterGenerator<3, double>;
+
+template void DensityBasedClusterGenerator<2, float>::processEvent(const Event2D*);
+template void DensityBasedClusterGenerator<2, float>::processEvent(const Event2DFrequency*);
+template void DensityBasedClusterGenerator<2, float>::processEvent(const Event2DPeriod<float>*);
+template void DensityBasedClusterGenerator<2, double>::processEvent(const Event2D*);
+template void DensityBasedClusterGenerator<2, double>::processEvent(const Event2DFrequency*);
+template void DensityBasedClusterGenerator<2, double>::processEvent(const Event2DPeriod<double>*);
+template void DensityBasedClusterGenerator<3, float>::processEvent(const Event2D*);
+template void DensityBasedClusterGenerator<3, float>::processEvent(const Event2DFrequency*);
+template void DensityBasedClusterGenerator<3, float>::processEvent(const Event2DPeriod<float>*);
+template void DensityBasedClusterGenerator<3, double>::processEvent(const Event2D*);
+template void DensityBasedClusterGenerator<3, double>::processEvent(const Event2DFrequency*);
+template void DensityBasedClusterGenerator<3, double>::processEvent(const Event2DPeriod<double>*);
+// clang-format on
+
+}  // namespace kelvora

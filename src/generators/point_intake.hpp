@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "generators/point_scales.hpp"
+#include "kelvora/kd_point.hpp"
+
+/// \file
+/// What the generators that work on points do with events and points before they cluster them.
+
+namespace kelvora {
+
+/// An event as point. Time is absolute: a `float` has lost the microseconds after 17 seconds.
+template <int DIM, typename T, class EventT>
+KDPoint<DIM, T> toPoint(const EventT& event, const PointScales& scales) {
+    KDPoint<DIM, T> point;
+    point.coordinates[0] = static_cast<T>(event.x) * static_cast<T>(scales.width);
+    point.coordinates[1] = static_cast<T>(event.y) * static_cast<T>(scales.height);
+    if constexpr (DIM == 3) {
+        point.coordinates[2] = static_cast<T>(event.timestamp) * static_cast<T>(scales.time);
+    }
+    return point;
+}
+
+/// Keeps the last `count` points, if there are more, and moves them to the front.
+template <int DIM, typename T>
+void keepNewest(std::vector<KDPoint<DIM, T>>& points, unsigned long long count) {
+    if (points.size() > count) {
+        const auto surplus = static_cast<std::ptrdiff_t>(points.size() - count);
+        points.erase(points.begin(), points.begin() + surplus);
+    }
+}
+
+/// Number of points to reserve for batches of up to `max_capacity`: half as many again, so that a
+/// caller who generates clusters somewhat late causes no reallocation.
+inline unsigned long long reserveSize(unsigned long long max_capacity) {
+    constexpr unsigned long long kLargest = 0xAAAAAAAAAAAAAAA8;
+    return max_capacity <= kLargest ? max_capacity + max_capacity / 2 + 1
+                                    : std::numeric_limits<unsigned long long>::max();
+}
+
+/// Reserves both buffers, unless `max_capacity` is the largest number, which stands for no bound.
+/// \throws std::runtime_error  that names the class if there is no such memory.
+template <int DIM, typename T>
+void reservePoints(std::vector<KDPoint<DIM, T>>& incoming_points,
+                   std::vector<KDPoint<DIM, T>>& working_points, unsigned long long max_capacity,
+                   const std::string& class_name) {
+    if (max_capacity == std::numeric_limits<unsigned long long>::max()) {
+        return;
+    }
+    try {
+        incoming_points.reserve(reserveSize(max_capacity));
+        working_points.reserve(reserveSize(max_capacity));
+    } catch (const std::length_error& error) {
+        throw std::runtime_error(class_name +
+                                 ": Failed to reserve memory for points: " + error.what());
+    } catch (const std::bad_alloc& error) {
+        throw std::runtime_error(class_name +
+                                 ": Failed to allocate memory for points: " + error.what());
+    }
+}
+
+}  // namespace kelvora
