@@ -76,11 +76,11 @@ Detection detect(std::uint64_t seed) {
     Detection detection;
     std::vector<Event2D> events;
     std::vector<GroundTruth> truth;
-    std::vector<ClusterGeometry> clusters;
+    tool::WindowClusters found;
     while (simulator.step(events, truth)) {
         const recording::Window window{0, 0, events.data(), events.data() + events.size()};
-        method.cluster(window, clusters);
-        score(truth, clusters, detection);
+        method.cluster(window, found);
+        score(truth, found.clusters, detection);
         events.clear();
         truth.clear();
     }

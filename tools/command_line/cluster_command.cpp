@@ -11,6 +11,7 @@
 
 #include "command_line/clustering_method.hpp"
 #include "command_line/interrupt.hpp"
+#include "command_line/point_writer.hpp"
 #include "command_line/progress_line.hpp"
 #include "command_line/time_range.hpp"
 #include "recording/event_cleaner.hpp"
@@ -27,24 +28,32 @@ const std::map<std::string, Polarity> kPolarities = {{"all", Polarity::All},
                                                      {"off", Polarity::Off},
                                                      {"separate", Polarity::Separate}};
 
+const std::map<std::string, Method> kMethods = {{"grid", Method::Grid},
+                                                {"density", Method::Density}};
+
 const std::map<std::string, ClusterFormat> kFormats = {{"csv", ClusterFormat::Csv},
                                                        {"jsonl", ClusterFormat::JsonLines}};
 
 /// Clusters window after window, and hands the results to whoever wants them.
 class WindowPipeline {
 public:
-    WindowPipeline(ClusteringMethod& method_, ClusterWriter& writer_, Pictures& pictures_)
-        : method(method_), writer(writer_), pictures(pictures_) {}
+    /// \param points_  Null if the events of clusters are not wanted.
+    WindowPipeline(ClusteringMethod& method_, ClusterWriter& writer_, PointWriter* points_,
+                   Pictures& pictures_)
+        : method(method_), writer(writer_), points(points_), pictures(pictures_) {}
 
     /// Takes all windows that are complete, up to an interrupt.
     void process(recording::WindowSlicer& slicer) {
         recording::Window window;
         while (!isInterrupted() && slicer.next(window)) {
-            method.cluster(window, clusters);
-            writer.write(clusters);
-            pictures.add(window, clusters);
+            method.cluster(window, found);
+            writer.write(found);
+            if (points != nullptr) {
+                points->write(window, found);
+            }
+            pictures.add(window, found);
             ++window_count;
-            cluster_count += clusters.size();
+            cluster_count += found.clusters.size();
         }
     }
 
@@ -54,8 +63,9 @@ public:
 private:
     ClusteringMethod& method;
     ClusterWriter& writer;
+    PointWriter* points;
     Pictures& pictures;
-    std::vector<ClusterGeometry> clusters;
+    WindowClusters found;
     std::uint64_t window_count = 0;
     std::uint64_t cluster_count = 0;
 };
@@ -103,10 +113,11 @@ void ClusterCommand::declareOptions() {
                      "Events to cluster; 'separate' takes all, but wants both polarities in a cell")
         ->transform(CLI::CheckedTransformer(kPolarities).description(""))
         ->option_text("all|on|off|separate [all]");
-    command->add_option("--method", method_name, "How to find clusters")
-        ->check(CLI::IsMember({"grid"}).description(""))
-        ->option_text("grid [grid]");
+    command->add_option("--method", method, "How to find clusters")
+        ->transform(CLI::CheckedTransformer(kMethods).description(""))
+        ->option_text("grid|density [grid]");
     tool::declareOptions(*command, grid);
+    tool::declareOptions(*command, density);
     const char* const output_group = "Output";
     command
         ->add_option("-o,--output", output,
@@ -118,11 +129,22 @@ void ClusterCommand::declareOptions() {
         ->option_text("csv|jsonl [csv]")
         ->group(output_group);
     command
+        ->add_option("--points", points,
+                     "File for every event of a cluster with its cluster's number (CSV); not with "
+                     "--method grid")
+        ->option_text("FILE")
+        ->group(output_group);
+    command
         ->add_option("--frames", pictures.frames_dir,
                      "Directory for a picture (PNG) of each window")
         ->option_text("DIR")
         ->group(output_group);
     command->add_option("--overview", pictures.overview, "File for a sheet of some windows (PNG)")
+        ->option_text("FILE")
+        ->group(output_group);
+    command
+        ->add_option("--plot3d", pictures.plot3d,
+                     "File for a plot in space and time of the window with most events (PNG)")
         ->option_text("FILE")
         ->group(output_group);
     command->add_flag("-q,--quiet", is_quiet, "No closing line and no progress")
@@ -133,18 +155,47 @@ void ClusterCommand::checkOptions() const {
     if (window.microseconds == 0) {
         throw CLI::ValidationError("--window", "must be longer than 0");
     }
+    if (method == Method::Density) {
+        checkDensityOptions();
+    } else if (!points.empty()) {
+        throw CLI::ValidationError("--points", "needs --method density");
+    }
     if (to && to->microseconds <= from.microseconds) {
         throw CLI::ValidationError("--to", "must be later than --from");
     }
 }
 
+void ClusterCommand::checkDensityOptions() const {
+    if (polarity == Polarity::Separate) {
+        throw CLI::ValidationError("--polarity", "separate needs --method grid");
+    }
+    if (density.time_length && density.time_length->microseconds == 0) {
+        throw CLI::ValidationError("--time-length", "must be longer than 0");
+    }
+    if (density.dim == 3 && window.microseconds > kLongestWindowIn3d.microseconds) {
+        throw CLI::ValidationError(
+            "--window", "must be at most " + toString(kLongestWindowIn3d) + " with --dim 3");
+    }
+}
+
+std::unique_ptr<ClusteringMethod> ClusterCommand::makeMethod(recording::SensorSize sensor) const {
+    if (method == Method::Density) {
+        return makeDensityMethod(sensor, density, !points.empty() || pictures.isWanted());
+    }
+    return std::make_unique<GridMethod>(sensor, polarity, grid);
+}
+
 int ClusterCommand::run() const {
     const auto reader = recording::openRecording(recording.path, recording.read);
     const recording::SensorSize sensor = requireSensorSize(*reader, recording);
-    GridMethod method(sensor, polarity, grid);
+    const auto clustering = makeMethod(sensor);
     ClusterWriter writer(output, format);
+    std::optional<PointWriter> point_writer;
+    if (!points.empty()) {
+        point_writer.emplace(points);
+    }
     Pictures drawn(pictures, sensor);
-    WindowPipeline pipeline(method, writer, drawn);
+    WindowPipeline pipeline(*clustering, writer, point_writer ? &*point_writer : nullptr, drawn);
     recording::EventCleaner cleaner(sensor);
     TimeRange range(from, to);
     recording::WindowSlicer slicer(window.microseconds);

@@ -3,10 +3,11 @@
 
 #include <CLI/App.hpp>
 #include <filesystem>
+#include <memory>
 #include <optional>
-#include <string>
 
 #include "command_line/cluster_writer.hpp"
+#include "command_line/density_method.hpp"
 #include "command_line/grid_method.hpp"
 #include "command_line/pictures.hpp"
 #include "command_line/polarity.hpp"
@@ -14,6 +15,8 @@
 #include "command_line/recording_options.hpp"
 
 namespace kelvora::tool {
+
+enum class Method { Grid, Density };
 
 /// `kelvora cluster`: finds the clusters of a recording, window by window.
 class ClusterCommand {
@@ -32,6 +35,8 @@ public:
 private:
     void declareOptions();
     void checkOptions() const;
+    void checkDensityOptions() const;
+    std::unique_ptr<ClusteringMethod> makeMethod(recording::SensorSize sensor) const;
 
     CLI::App* command;
     RecordingOptions recording;
@@ -39,10 +44,12 @@ private:
     Duration from;
     std::optional<Duration> to;
     Polarity polarity = Polarity::All;
-    std::string method_name = "grid";
+    Method method = Method::Grid;
     GridOptions grid;
+    DensityOptions density;
     std::filesystem::path output = "-";
     ClusterFormat format = ClusterFormat::Csv;
+    std::filesystem::path points;
     PictureOptions pictures;
     bool is_quiet = false;
 };

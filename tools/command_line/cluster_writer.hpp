@@ -2,9 +2,8 @@
 #pragma once
 
 #include <filesystem>
-#include <vector>
 
-#include "kelvora/cluster_geometry.hpp"
+#include "command_line/clustering_method.hpp"
 #include "recording/output_file.hpp"
 
 namespace kelvora::tool {
@@ -20,7 +19,7 @@ public:
     ClusterWriter(const std::filesystem::path& path, ClusterFormat format_);
 
     /// Writes the clusters of one window; afterwards, the system has them all.
-    void write(const std::vector<ClusterGeometry>& clusters);
+    void write(const WindowClusters& found);
 
 private:
     recording::OutputFile file;

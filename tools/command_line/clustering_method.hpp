@@ -1,12 +1,28 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "kelvora/cluster_geometry.hpp"
 #include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {
+
+/// Label of an event that belongs to no cluster.
+constexpr int kNoCluster = -1;
+
+/// What a method found in one window.
+struct WindowClusters {
+    std::vector<ClusterGeometry> clusters;
+
+    /// What the start times of the clusters count from, microseconds.
+    std::uint64_t time_origin = 0;
+
+    /// For each event of the window the index of its cluster, or `kNoCluster`. Empty if the method
+    /// does not tell.
+    std::vector<int> labels;
+};
 
 /// Finds the clusters of one window after the other.
 class ClusteringMethod {
@@ -16,11 +32,10 @@ public:
     ClusteringMethod& operator=(const ClusteringMethod&) = delete;
     virtual ~ClusteringMethod() = default;
 
-    /// \param window  Events on the sensor and of the wanted polarity. Its end becomes the
-    ///     timestamp of the clusters.
-    /// \param clusters  Emptied first.
-    virtual void cluster(const recording::Window& window,
-                         std::vector<ClusterGeometry>& clusters) = 0;
+    /// \param window  Events on the sensor and of the wanted polarity. Its end becomes the timestamp
+    ///     of the clusters.
+    /// \param found  What it holds is replaced.
+    virtual void cluster(const recording::Window& window, WindowClusters& found) = 0;
 };
 
 }  // namespace kelvora::tool

@@ -39,11 +39,13 @@ GridMethod::GridMethod(recording::SensorSize sensor, Polarity polarity, const Gr
                 polarity == Polarity::Separate ? POLARITY_SEPARATE : POLARITY_FREE,
                 !options.count_every_event, options.activation_threshold) {}
 
-void GridMethod::cluster(const recording::Window& window, std::vector<ClusterGeometry>& clusters) {
+void GridMethod::cluster(const recording::Window& window, WindowClusters& found) {
     for (const Event2D& event : window) {
         generator.processEvent(&event);
     }
-    generator.generateClusters(window.end_time, clusters);
+    generator.generateClusters(window.end_time, found.clusters);
+    found.time_origin = 0;
+    found.labels.clear();
 }
 
 }  // namespace kelvora::tool

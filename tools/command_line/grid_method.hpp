@@ -30,7 +30,7 @@ class GridMethod : public ClusteringMethod {
 public:
     GridMethod(recording::SensorSize sensor, Polarity polarity, const GridOptions& options);
 
-    void cluster(const recording::Window& window, std::vector<ClusterGeometry>& clusters) override;
+    void cluster(const recording::Window& window, WindowClusters& found) override;
 
 private:
     GridBasedClusterGenerator generator;

@@ -5,43 +5,65 @@
 
 #include "drawing/caption.hpp"
 #include "drawing/png_file.hpp"
+#include "drawing/space_time_plot.hpp"
 
 namespace kelvora::tool {
 
-Pictures::Pictures(const PictureOptions& options_, recording::SensorSize sensor)
-    : options(options_) {
-    const cv::Size size(sensor.width, sensor.height);
+Pictures::Pictures(const PictureOptions& options_, recording::SensorSize sensor_)
+    : options(options_), sensor(sensor_.width, sensor_.height) {
     if (!options.frames_dir.empty()) {
         std::filesystem::create_directories(options.frames_dir);
-        frames.emplace(size);
+        frames.emplace(sensor);
     }
     if (!options.overview.empty()) {
-        overview.emplace(size);
+        overview.emplace(sensor);
     }
 }
 
-void Pictures::add(const recording::Window& window, const std::vector<ClusterGeometry>& clusters) {
+void Pictures::add(const recording::Window& window, const WindowClusters& found) {
     const std::uint64_t origin = first_start.value_or(window.start_time);
     first_start = origin;
-    const drawing::EventSpan events(window.first, window.size());
-    const std::string caption = drawing::windowCaption(window.start_time - origin,
-                                                       window.end_time - origin, clusters.size());
+    const drawing::EventSpan events(window.first, window.size(),
+                                    found.labels.empty() ? nullptr : found.labels.data());
+    const std::string caption = drawing::windowCaption(
+        window.start_time - origin, window.end_time - origin, found.clusters.size());
     if (frames) {
         const std::string name = fmt::format("frame_{:06}.png", ++frame_number);
-        drawing::writePng(options.frames_dir / name, frames->render(events, clusters, caption));
+        drawing::writePng(options.frames_dir / name,
+                          frames->render(events, found.clusters, caption));
     }
     if (overview) {
-        overview->add(events, clusters, caption);
+        overview->add(events, found.clusters, caption);
+    }
+    if (!options.plot3d.empty()) {
+        keepIfBusiest(window, found.labels, caption);
+    }
+}
+
+void Pictures::keepIfBusiest(const recording::Window& window, const std::vector<int>& labels,
+                             const std::string& caption) {
+    if (window.size() > busiest.events.size()) {
+        busiest.start_time = window.start_time;
+        busiest.end_time = window.end_time;
+        busiest.events.assign(window.begin(), window.end());
+        busiest.labels = labels;
+        busiest.caption = caption;
     }
 }
 
 void Pictures::finish() const {
-    if (!overview) {
-        return;
+    if (overview) {
+        const cv::Mat sheet = overview->compose();
+        if (!sheet.empty()) {
+            drawing::writePng(options.overview, sheet);
+        }
     }
-    const cv::Mat sheet = overview->compose();
-    if (!sheet.empty()) {
-        drawing::writePng(options.overview, sheet);
+    if (!busiest.events.empty()) {
+        const drawing::EventSpan events(busiest.events.data(), busiest.events.size(),
+                                        busiest.labels.empty() ? nullptr : busiest.labels.data());
+        drawing::writePng(options.plot3d,
+                          drawing::plotSpaceTime(events, sensor, busiest.start_time,
+                                                 busiest.end_time, busiest.caption));
     }
 }
 

@@ -4,11 +4,12 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
+#include "command_line/clustering_method.hpp"
 #include "drawing/contact_sheet.hpp"
 #include "drawing/frame_renderer.hpp"
-#include "kelvora/cluster_geometry.hpp"
 #include "recording/sensor_size.hpp"
 #include "recording/window_slicer.hpp"
 
@@ -18,10 +19,13 @@ namespace kelvora::tool {
 struct PictureOptions {
     std::filesystem::path frames_dir;
     std::filesystem::path overview;
+    std::filesystem::path plot3d;
+
+    bool isWanted() const { return !frames_dir.empty() || !overview.empty() || !plot3d.empty(); }
 };
 
-/// Draws the windows of a recording with their clusters: each into a file of its own, and some on
-/// one sheet.
+/// Draws the windows of a recording with their clusters: each into a file of its own, some on one
+/// sheet, and the busiest in space and time.
 class Pictures {
 public:
     /// Makes the directory of frames if it is missing.
@@ -29,15 +33,29 @@ public:
     ///     operations.
     Pictures(const PictureOptions& options_, recording::SensorSize sensor);
 
-    void add(const recording::Window& window, const std::vector<ClusterGeometry>& clusters);
+    void add(const recording::Window& window, const WindowClusters& found);
 
-    /// Writes the overview of all windows so far.
+    /// Writes the overview of all windows so far, and the plot of the one with most events.
     void finish() const;
 
 private:
+    /// A copy of the window that has had most events so far.
+    struct BusiestWindow {
+        std::uint64_t start_time = 0;
+        std::uint64_t end_time = 0;
+        std::vector<Event2D> events;
+        std::vector<int> labels;
+        std::string caption;
+    };
+
+    void keepIfBusiest(const recording::Window& window, const std::vector<int>& labels,
+                       const std::string& caption);
+
     PictureOptions options;
     std::optional<drawing::FrameRenderer> frames;
     std::optional<drawing::ContactSheet> overview;
+    cv::Size sensor;
+    BusiestWindow busiest;
     std::optional<std::uint64_t> first_start;  ///< Captions count the time from here.
     std::uint64_t frame_number = 0;
 };

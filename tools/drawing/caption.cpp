@@ -4,8 +4,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <opencv2/imgproc.hpp>
+#include <vector>
 
 #include "drawing/palette.hpp"
 
@@ -47,8 +47,10 @@ struct LegendEntry {
     bool is_box;
 };
 
-const std::array<LegendEntry, 3> kLegend = {
-    {{"on", kOnColour, false}, {"off", kOffColour, false}, {"cluster", kBoxColour, true}}};
+const std::vector<LegendEntry> kPolarityLegend = {
+    {"on", kOnColour, false}, {"off", kOffColour, false}, {"cluster", kBoxColour, true}};
+const std::vector<LegendEntry> kClusterLegend = {{"noise", kNoiseColour, false},
+                                                 {"cluster, events in a colour", kBoxColour, true}};
 
 int entryWidth(const LegendEntry& entry) {
     return kSwatchSide + 6 + textWidth(entry.name, kFontScale) + kMargin * 2;
@@ -70,9 +72,10 @@ int drawCaption(cv::Mat& picture, const cv::Rect& strip, const std::string& text
     return kMargin + textWidth(text, font_scale);
 }
 
-void drawLegend(cv::Mat& picture, const cv::Rect& strip, int used) {
+void drawLegend(cv::Mat& picture, const cv::Rect& strip, int used, Legend legend) {
+    const auto& entries = legend == Legend::Polarity ? kPolarityLegend : kClusterLegend;
     int width = kMargin;
-    for (const LegendEntry& entry : kLegend) {
+    for (const LegendEntry& entry : entries) {
         width += entryWidth(entry);
     }
     if (used + width > strip.width) {
@@ -80,7 +83,7 @@ void drawLegend(cv::Mat& picture, const cv::Rect& strip, int used) {
     }
     cv::Mat area = picture(strip);
     int left = strip.width - width + kMargin * 2;
-    for (const LegendEntry& entry : kLegend) {
+    for (const LegendEntry& entry : entries) {
         const cv::Rect swatch{left, (strip.height - kSwatchSide) / 2, kSwatchSide, kSwatchSide};
         cv::rectangle(area, swatch, cv::Scalar(entry.colour), entry.is_box ? 1 : cv::FILLED);
         writeText(area, left + kSwatchSide + 6, entry.name, kFontScale);

@@ -24,9 +24,12 @@ std::string windowCaption(std::uint64_t begin, std::uint64_t end, std::size_t cl
 /// \returns the width of the text, pixels.
 int drawCaption(cv::Mat& picture, const cv::Rect& strip, const std::string& text);
 
+/// What the colours of events tell: their polarity, or their cluster.
+enum class Legend { Polarity, Clusters };
+
 /// Writes what the colours mean at the right end of a strip, or nothing if there is no room for it.
 ///
 /// \param used  Width that a caption takes already, pixels.
-void drawLegend(cv::Mat& picture, const cv::Rect& strip, int used);
+void drawLegend(cv::Mat& picture, const cv::Rect& strip, int used, Legend legend);
 
 }  // namespace kelvora::drawing

@@ -80,6 +80,7 @@ ContactSheet::ContactSheet(cv::Size sensor_, std::size_t tile_count_)
 void ContactSheet::add(EventSpan events, const std::vector<ClusterGeometry>& clusters,
                        const std::string& caption) {
     if (wantsNext()) {
+        legend = events.labels == nullptr ? Legend::Polarity : Legend::Clusters;
         tiles.push_back({rasterize(events, sensor, rasterSize(sensor)), clusters, caption});
     }
     ++added;
@@ -122,7 +123,7 @@ cv::Mat ContactSheet::compose() const {
         const cv::Rect strip{corner.x, corner.y + thumbnail.height, thumbnail.width, kStripHeight};
         drawCaption(sheet, strip, tiles[i].caption);
     }
-    drawLegend(sheet, {0, sheet.rows - kStripHeight, sheet.cols, kStripHeight}, 0);
+    drawLegend(sheet, {0, sheet.rows - kStripHeight, sheet.cols, kStripHeight}, 0, legend);
     return sheet;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "drawing/caption.hpp"
 #include "drawing/event_raster.hpp"
 #include "kelvora/cluster_geometry.hpp"
 
@@ -59,6 +60,7 @@ private:
     std::uint64_t added = 0;
     std::uint64_t stride = 1;
     std::vector<Tile> tiles;
+    Legend legend = Legend::Polarity;
 };
 
 }  // namespace kelvora::drawing

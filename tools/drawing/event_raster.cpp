@@ -24,16 +24,45 @@ int lengthBetween(const std::vector<int>& edges, std::size_t i, int shortest) {
     return std::max(shortest, edges[i + 1] - edges[i]);
 }
 
+unsigned char rasterValue(const EventSpan& events, std::size_t i) {
+    if (events.labels == nullptr) {
+        return events.first[i].polarity != 0 ? kOn : kOff;
+    }
+    const int label = events.labels[i];
+    return label < 0 ? static_cast<unsigned char>(kNoise)
+                     : static_cast<unsigned char>(kFirstCluster +
+                                                  static_cast<std::size_t>(label) % kIdColourCount);
+}
+
+cv::Vec3b colourOf(unsigned char value) {
+    switch (value) {
+        case kNoEvent:
+            return kBackgroundColour;
+        case kOff:
+            return kOffColour;
+        case kOn:
+            return kOnColour;
+        case kNoise:
+            return kNoiseColour;
+        default:
+            return idColour(value - kFirstCluster);
+    }
+}
+
 }  // namespace
+
+cv::Vec3b eventColour(const EventSpan& events, std::size_t i) {
+    return colourOf(rasterValue(events, i));
+}
 
 cv::Mat rasterize(EventSpan events, cv::Size sensor, cv::Size raster) {
     const std::vector<int> columns = scaledEdges(sensor.width, raster.width);
     const std::vector<int> rows = scaledEdges(sensor.height, raster.height);
     cv::Mat result(raster, CV_8UC1, cv::Scalar::all(kNoEvent));
-    for (const Event2D& event : events) {
+    for (std::size_t i = 0; i < events.count; ++i) {
+        const Event2D& event = events.first[i];
         if (event.x < sensor.width && event.y < sensor.height) {
-            result.at<unsigned char>(rows[event.y], columns[event.x]) =
-                event.polarity != 0 ? kOn : kOff;
+            result.at<unsigned char>(rows[event.y], columns[event.x]) = rasterValue(events, i);
         }
     }
     return result;
@@ -51,7 +80,7 @@ cv::Mat colourRaster(const cv::Mat& raster, cv::Size picture) {
             if (values[x] != kNoEvent) {
                 const cv::Rect area{columns[x], rows[y], lengthBetween(columns, x, dot),
                                     lengthBetween(rows, y, dot)};
-                result(area & whole).setTo(cv::Scalar(values[x] == kOn ? kOnColour : kOffColour));
+                result(area & whole).setTo(cv::Scalar(colourOf(values[x])));
             }
         }
     }

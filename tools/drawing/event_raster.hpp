@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <opencv2/core/mat.hpp>
+#include <opencv2/core/matx.hpp>
 #include <vector>
 
 #include "kelvora/events.hpp"
@@ -13,8 +14,10 @@ namespace kelvora::drawing {
 struct EventSpan {
     const Event2D* first = nullptr;
     std::size_t count = 0;
+    const int* labels = nullptr;  ///< Number of each event's cluster, negative for none; or null.
 
-    EventSpan(const Event2D* first_, std::size_t count_) : first{first_}, count{count_} {}
+    EventSpan(const Event2D* first_, std::size_t count_, const int* labels_ = nullptr)
+        : first{first_}, count{count_}, labels{labels_} {}
     // NOLINTNEXTLINE(google-explicit-constructor): a vector is such a span.
     EventSpan(const std::vector<Event2D>& events) : first{events.data()}, count{events.size()} {}
 
@@ -22,8 +25,13 @@ struct EventSpan {
     const Event2D* end() const { return first + count; }
 };
 
-/// Values of a raster: what happened at a pixel. The last event of a pixel wins.
-enum RasterValue : unsigned char { kNoEvent = 0, kOff = 1, kOn = 2 };
+/// Values of a raster: what happened at a pixel. The last event of a pixel wins. Events with labels
+/// are noise or belong to a cluster, whose number decides on one of a few values from
+/// `kFirstCluster` on; others are told apart by polarity.
+enum RasterValue : unsigned char { kNoEvent = 0, kOff = 1, kOn = 2, kNoise = 3, kFirstCluster = 4 };
+
+/// The colour of an event: of its cluster or noise if it has a label, else of its polarity.
+cv::Vec3b eventColour(const EventSpan& events, std::size_t i);
 
 /// The events as a `CV_8UC1` matrix of `RasterValue`.
 ///

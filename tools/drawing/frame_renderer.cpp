@@ -125,7 +125,8 @@ cv::Mat FrameRenderer::render(EventSpan events, const std::vector<ClusterGeometr
     cv::Mat captioned(frame.rows + kStripHeight, frame.cols, CV_8UC3);
     frame.copyTo(captioned.rowRange(0, frame.rows));
     const cv::Rect strip{0, frame.rows, frame.cols, kStripHeight};
-    drawLegend(captioned, strip, drawCaption(captioned, strip, caption));
+    drawLegend(captioned, strip, drawCaption(captioned, strip, caption),
+               events.labels == nullptr ? Legend::Polarity : Legend::Clusters);
     return captioned;
 }
 

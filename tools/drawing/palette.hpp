@@ -11,12 +11,16 @@ namespace kelvora::drawing {
 /// Events have colours that people with any common colour blindness can tell apart. The background
 /// is nearly black, on which a single lit pixel is easiest to see.
 inline const cv::Vec3b kBackgroundColour{20, 16, 16};
-inline const cv::Vec3b kOnColour{0, 159, 230};    ///< Orange: brighter pixels.
-inline const cv::Vec3b kOffColour{233, 180, 86};  ///< Sky blue: darker pixels.
+inline const cv::Vec3b kOnColour{0, 159, 230};       ///< Orange: brighter pixels.
+inline const cv::Vec3b kOffColour{233, 180, 86};     ///< Sky blue: darker pixels.
+inline const cv::Vec3b kNoiseColour{112, 104, 104};  ///< Grey: events of no cluster.
 inline const cv::Vec3b kBoxColour{255, 255, 255};
 /// Behind captions, and between the tiles of a sheet.
 inline const cv::Vec3b kStripColour{44, 38, 38};
 inline const cv::Vec3b kTextColour{235, 230, 230};
+
+/// How many colours there are for clusters and tracks.
+constexpr std::size_t kIdColourCount = 8;
 
 /// A colour for the cluster or track number `id`. Eight colours that are easily told apart, then
 /// the same again.

@@ -13,11 +13,12 @@
 namespace kelvora::tool {
 namespace {
 
-std::string written(ClusterFormat format, const std::vector<ClusterGeometry>& clusters) {
+std::string written(ClusterFormat format, const std::vector<ClusterGeometry>& clusters,
+                    std::uint64_t time_origin = 0) {
     const auto path = std::filesystem::path(testing::TempDir()) / "cluster_writer_test.out";
     {
         ClusterWriter writer(path, format);
-        writer.write(clusters);
+        writer.write({clusters, time_origin, {}});
     }
     std::ostringstream text;
     text << std::ifstream(path).rdbuf();
@@ -38,6 +39,13 @@ TEST(ClusterWriter, WritesOneJsonObjectPerLine) {
     EXPECT_EQ(written(ClusterFormat::JsonLines, {kCluster}),
               "{\"timestamp_us\":1615211683000000,\"x\":1.5,\"y\":2.0,\"width\":30.0,"
               "\"height\":40.0,\"start_time_us\":-1,\"duration_us\":0}\n");
+}
+
+TEST(ClusterWriter, CountsStartTimesFromTheOrigin) {
+    const ClusterGeometry timed(cv::Rect_<float>(1.0F, 2.0F, 3.0F, 4.0F), 5, 6, 7);
+    EXPECT_EQ(written(ClusterFormat::Csv, {timed}, 1'615'211'683'000'000),
+              "timestamp_us,x,y,width,height,start_time_us,duration_us\n"
+              "7,1,2,3,4,1615211683000005,6\n");
 }
 
 TEST(ClusterWriter, WithoutClustersWritesTheCsvHeaderOnly) {

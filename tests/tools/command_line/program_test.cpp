@@ -176,6 +176,38 @@ TEST_F(Program, DrawsAFramePerWindowAndAnOverview) {
     EXPECT_THAT(contents(path("overview.png")), StartsWith("\x89PNG"));
 }
 
+TEST_F(Program, ClustersByDensityTheSameInEveryRunAndWithManyJobs) {
+    const std::string scene = simulate("scene.raw");
+    for (const char* dim : {"2", "3"}) {
+        const std::string arguments =
+            "cluster --method density --dim " + std::string(dim) + " " + scene;
+        const std::string one_job = run(arguments).output;
+        EXPECT_GT(one_job.size(), 500U);
+        EXPECT_EQ(run(arguments).output, one_job);
+        EXPECT_EQ(run(arguments + " --jobs 4").output, run(arguments + " --jobs 2").output);
+    }
+}
+
+TEST_F(Program, WritesTheEventsOfClustersAndThePlotOfAWindow) {
+    const Outcome outcome =
+        run("cluster --method density --dim 3 -o " + path("clusters.csv") +
+            " --points - --plot3d " + path("plot.png") + " " + simulate("scene.raw"));
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(outcome.output,
+                StartsWith("timestamp_us,cluster,event_time_us,x,y,polarity\n10000,0,"));
+    EXPECT_THAT(contents(path("plot.png")), StartsWith("\x89PNG"));
+}
+
+TEST_F(Program, RefusesDensityOptionsThatContradict) {
+    EXPECT_EQ(run("cluster x --points y").status, 2);
+    EXPECT_EQ(run("cluster x --method density --dim 4").status, 2);
+    EXPECT_EQ(run("cluster x --method density --eps 0").status, 2);
+    EXPECT_EQ(run("cluster x --method density --polarity separate").status, 2);
+    EXPECT_EQ(run("cluster x --method density --scale-time 1 --us-per-pixel 1").status, 2);
+    EXPECT_EQ(run("cluster x --method density --dim 3 --window 3600s").status, 2);
+    EXPECT_EQ(run("cluster x --method density --time-length 0ms").status, 2);
+}
+
 TEST_F(Program, TellsWhatIsInARecording) {
     const std::string scene = simulate("scene.raw");
     EXPECT_THAT(run("info " + scene).output, HasSubstr("sensor         160 x 120 pixels"));

@@ -59,7 +59,7 @@ TEST(DrawCaption, SurvivesStripsThatAreTooSmallForAnyText) {
 
 TEST(DrawLegend, ShowsTheColoursOfEventsAndBoxes) {
     cv::Mat picture = darkPicture(400);
-    drawLegend(picture, {0, 0, 400, kStripHeight}, 100);
+    drawLegend(picture, {0, 0, 400, kStripHeight}, 100, Legend::Polarity);
 
     EXPECT_GE(countOf(picture, kOnColour), 100);
     EXPECT_GE(countOf(picture, kOffColour), 100);
@@ -69,7 +69,7 @@ TEST(DrawLegend, ShowsTheColoursOfEventsAndBoxes) {
 
 TEST(DrawLegend, GivesWayToACaptionThatNeedsTheRoom) {
     cv::Mat picture = darkPicture(400);
-    drawLegend(picture, {0, 0, 400, kStripHeight}, 300);
+    drawLegend(picture, {0, 0, 400, kStripHeight}, 300, Legend::Polarity);
 
     EXPECT_EQ(countOf(picture, kBackgroundColour), 400 * kStripHeight);
 }

@@ -50,6 +50,18 @@ TEST(Rasterize, KeepsEverySingleEventWhenItScalesDown) {
     }
 }
 
+TEST(Rasterize, TellsNoiseAndClustersApartIfEventsHaveLabels) {
+    const Events events{{0, 0, 1, 0}, {1, 0, 1, 0}, {2, 0, 0, 0}, {3, 0, 0, 0}};
+    const std::vector<int> labels{-1, 0, 1, static_cast<int>(kIdColourCount)};
+    const cv::Mat raster = rasterize({events.data(), 4, labels.data()}, {4, 1}, {4, 1});
+
+    EXPECT_EQ(valueAt(raster, 0, 0), kNoise);
+    EXPECT_NE(valueAt(raster, 1, 0), valueAt(raster, 2, 0));
+    EXPECT_EQ(valueAt(raster, 1, 0), valueAt(raster, 3, 0));
+    EXPECT_EQ(colourRaster(raster, {4, 1}).at<cv::Vec3b>(0, 0), kNoiseColour);
+    EXPECT_EQ(colourRaster(raster, {4, 1}).at<cv::Vec3b>(0, 2), idColour(1));
+}
+
 TEST(Rasterize, AcceptsNoEvents) {
     EXPECT_EQ(cv::countNonZero(rasterize({nullptr, 0}, {3, 3}, {3, 3})), 0);
 }

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/density_method.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace kelvora::tool {
+namespace {
+
+// Microseconds since 1970, as some cameras give them: a float steps by two minutes there.
+constexpr std::uint64_t kStart = 1'615'211'683'000'000;
+
+/// Two squares of events, the second a little later, and a lonely event between them.
+std::vector<Event2D> twoSquares() {
+    std::vector<Event2D> events;
+    for (unsigned short i = 0; i < 100; ++i) {
+        events.emplace_back(200 + i % 10, 100 + i / 10, 1, kStart + 1000 + i);
+    }
+    events.emplace_back(150, 100, 0, kStart + 2000);
+    for (unsigned short i = 0; i < 100; ++i) {
+        events.emplace_back(20 + i % 10, 30 + i / 10, 0, kStart + 5000 + 2 * i);
+    }
+    return events;
+}
+
+WindowClusters found(const DensityOptions& options, bool with_labels = true) {
+    const std::vector<Event2D> events = twoSquares();
+    const auto method = makeDensityMethod({320, 240}, options, with_labels);
+    WindowClusters result;
+    // The second window must not know the first.
+    for (int i = 0; i < 2; ++i) {
+        method->cluster({kStart, kStart + 10'000, events.data(), events.data() + events.size()},
+                        result);
+    }
+    return result;
+}
+
+struct Variant {
+    int dim;
+    Precision precision;
+    int jobs;
+};
+
+class DensityMethodTest : public testing::TestWithParam<Variant> {
+protected:
+    static DensityOptions options() {
+        DensityOptions result;
+        result.dim = GetParam().dim;
+        result.precision = GetParam().precision;
+        result.jobs = GetParam().jobs;
+        return result;
+    }
+};
+
+TEST_P(DensityMethodTest, FindsTheSquaresInTheOrderOfTheirEvents) {
+    const WindowClusters result = found(options());
+    ASSERT_EQ(result.clusters.size(), 2U);
+    EXPECT_NEAR(result.clusters[0].x, 200, 1e-3);
+    EXPECT_NEAR(result.clusters[1].y, 30, 1e-3);
+    EXPECT_EQ(result.clusters[0].timestamp, kStart + 10'000);
+}
+
+TEST_P(DensityMethodTest, LabelsEveryEvent) {
+    const WindowClusters result = found(options());
+    ASSERT_EQ(result.labels.size(), 201U);
+    EXPECT_EQ(std::count(result.labels.begin(), result.labels.end(), 0), 100);
+    EXPECT_EQ(std::count(result.labels.begin(), result.labels.end(), 1), 100);
+    EXPECT_EQ(result.labels[100], kNoCluster);
+}
+
+INSTANTIATE_TEST_SUITE_P(Variants, DensityMethodTest,
+                         testing::Values(Variant{2, Precision::Float, 1},
+                                         Variant{2, Precision::Double, 2},
+                                         Variant{3, Precision::Float, 2},
+                                         Variant{3, Precision::Double, 1}));
+
+TEST(DensityMethod, KeepsTimesSince1970InThreeDimensions) {
+    DensityOptions options;
+    options.dim = 3;
+    const WindowClusters result = found(options);
+    ASSERT_EQ(result.clusters.size(), 2U);
+    EXPECT_EQ(result.time_origin, kStart);
+    EXPECT_NEAR(result.clusters[0].start_time, 1000, 1);
+    EXPECT_NEAR(result.clusters[1].start_time, 5000, 1);
+    EXPECT_NEAR(result.clusters[1].duration, 198, 1);
+}
+
+TEST(DensityMethod, WithoutLabelsFindsTheSameClusters) {
+    EXPECT_EQ(found({}, false).clusters.size(), 2U);
+    EXPECT_TRUE(found({}, false).labels.empty());
+}
+
+TEST(DensityMethod, ClustersTheNewestEventsIfTheCapacityIsBounded) {
+    DensityOptions options;
+    options.capacity = 100;
+    const WindowClusters result = found(options);
+    ASSERT_EQ(result.clusters.size(), 1U);
+    EXPECT_NEAR(result.clusters[0].x, 20, 1e-3);
+}
+
+TEST(DensityOptions, TakeTheTimeScaleFromEitherForm) {
+    DensityOptions options;
+    EXPECT_FLOAT_EQ(options.timeScale(), 0.001F);
+    options.us_per_pixel = 500;
+    EXPECT_FLOAT_EQ(options.timeScale(), 0.002F);
+    options.scale_time = 0.5F;
+    EXPECT_FLOAT_EQ(options.timeScale(), 0.5F);
+}
+
+}  // namespace
+}  // namespace kelvora::tool

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/event_labels.hpp"
+
+#include <utility>
+
+namespace kelvora::tool {
+
+void sortByFirstEvent(WindowClusters& found) {
+    std::vector<int> new_index(found.clusters.size(), kNoCluster);
+    std::vector<ClusterGeometry> sorted;
+    sorted.reserve(found.clusters.size());
+    for (int& label : found.labels) {
+        if (label == kNoCluster) {
+            continue;
+        }
+        int& index = new_index[static_cast<std::size_t>(label)];
+        if (index == kNoCluster) {
+            index = static_cast<int>(sorted.size());
+            sorted.push_back(found.clusters[static_cast<std::size_t>(label)]);
+        }
+        label = index;
+    }
+    found.clusters = std::move(sorted);
+}
+
+}  // namespace kelvora::tool

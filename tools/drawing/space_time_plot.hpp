@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <opencv2/core/mat.hpp>
+#include <string>
+
+#include "drawing/event_raster.hpp"
+
+namespace kelvora::drawing {
+
+/// Draws the events of one window as points in space and time: time runs to the right, columns into
+/// the depth, rows downwards.
+///
+/// \param events  Those outside of the sensor or the window are left out.
+/// \param sensor  Size of the sensor, pixels.
+/// \param start,end  The window, microseconds.
+/// \param caption  One line below the picture.
+/// \returns `CV_8UC3` in the order blue, green, red.
+/// \throws std::invalid_argument  if the sensor or the window is empty.
+cv::Mat plotSpaceTime(EventSpan events, cv::Size sensor, std::uint64_t start, std::uint64_t end,
+                      const std::string& caption);
+
+}  // namespace kelvora::drawing
