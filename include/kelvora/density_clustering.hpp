@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <nanoflann.hpp>
 #include <vector>
 
@@ -14,6 +15,7 @@
 namespace kelvora {
 
 class DisjointSets;
+class SeedStack;
 
 /// Groups points by density: DBSCAN, after M. Ester, H.-P. Kriegel, J. Sander, X. Xu: "A
 /// Density-Based Algorithm for Discovering Clusters in Large Spatial Databases with Noise", KDD
@@ -81,7 +83,7 @@ private:
 
     KELVORA_NO_EXPORT bool searchNeighbours(std::size_t index, Neighbours& neighbours) const;
     KELVORA_NO_EXPORT std::vector<std::size_t> expandCluster(std::size_t seed, std::vector<T>& box);
-    KELVORA_NO_EXPORT void appendUnvisited();
+    KELVORA_NO_EXPORT void pushUnvisited(const Neighbours& neighbours);
     KELVORA_NO_EXPORT void runWorkers(unsigned char n_jobs);
     KELVORA_NO_EXPORT void joinNeighbours(DisjointSets& sets) const;
     KELVORA_NO_EXPORT void reportSets(DisjointSets& sets,
@@ -94,6 +96,7 @@ private:
     KDTree<DIM, T> kd_tree;
     std::vector<bool> visited;
     std::vector<std::uint32_t> unused;  ///< Keeps the layout of the class.
+    std::unique_ptr<SeedStack> seeds;
     Neighbours seed_list;
     Neighbours neighbour_list;
     std::vector<std::vector<std::size_t>> neighbour_lists;

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "clustering/disjoint_sets.hpp"
+#include "clustering/seed_stack.hpp"
 
 namespace kelvora {
 
@@ -73,7 +74,7 @@ void addToBox(std::vector<T>& box, const KDPoint<DIM, T>& point) {
 
 template <int DIM, typename T>
 DensityClustering<DIM, T>::DensityClustering(double eps_, int min_pts_)
-    : eps(eps_), min_pts(min_pts_), next_point(0) {}
+    : eps(eps_), min_pts(min_pts_), seeds(std::make_unique<SeedStack>()), next_point(0) {}
 
 template <int DIM, typename T>
 DensityClustering<DIM, T>::~DensityClustering() = default;
@@ -100,6 +101,7 @@ void DensityClustering<DIM, T>::generateClustersPrivate(
         boxes.reserve(n / static_cast<std::size_t>(min_pts));
     }
     visited.assign(n, false);
+    seeds->reset(n);
     seed_list.clear();
     seed_list.reserve(n / 100);
     neighbour_list.clear();
@@ -130,15 +132,16 @@ std::vector<std::size_t> DensityClustering<DIM, T>::expandCluster(std::size_t se
     std::vector<std::size_t> members;
     members.reserve(seed_list.size());
     members.push_back(seed);
-    while (!seed_list.empty()) {
-        const std::size_t j = seed_list.back().first;
-        seed_list.pop_back();
-        if (visited[j]) {
-            continue;
-        }
+    pushUnvisited(seed_list);
+    while (!seeds->empty()) {
+        const std::size_t j = seeds->pop();
         visited[j] = true;
         if (searchNeighbours(j, neighbour_list)) {
-            appendUnvisited();
+            // The order decides that of the cluster's members: a stable partition, say, would be
+            // another one.
+            std::partition(neighbour_list.begin(), neighbour_list.end(),
+                           [this](const auto& neighbour) { return !visited[neighbour.first]; });
+            pushUnvisited(neighbour_list);
         }
         members.push_back(j);
         widenBox(box, kd_tree.getPoint(j));
@@ -146,14 +149,13 @@ std::vector<std::size_t> DensityClustering<DIM, T>::expandCluster(std::size_t se
     return members;
 }
 
-/// Appends those of the neighbour list to the seed list that were not visited. The order decides
-/// that of the cluster's members: a stable partition, say, would be another one.
 template <int DIM, typename T>
-void DensityClustering<DIM, T>::appendUnvisited() {
-    const auto unvisited_end =
-        std::partition(neighbour_list.begin(), neighbour_list.end(),
-                       [this](const auto& neighbour) { return !visited[neighbour.first]; });
-    seed_list.insert(seed_list.end(), neighbour_list.begin(), unvisited_end);
+void DensityClustering<DIM, T>::pushUnvisited(const Neighbours& neighbours) {
+    for (const auto& neighbour : neighbours) {
+        if (!visited[neighbour.first]) {
+            seeds->push(neighbour.first);
+        }
+    }
 }
 
 template <int DIM, typename T>
