@@ -8,6 +8,8 @@
 #include <set>
 #include <utility>
 
+#include "simulation/event_simulator.hpp"
+
 namespace kelvora::benchmarks {
 
 namespace {
@@ -149,5 +151,38 @@ std::vector<Event2D> activatedCells(CellPattern pattern, int rows, int cols, int
     }
     return events;
 }
+
+std::vector<Event2D> simulatedEvents(const SensorSize& sensor, std::size_t count) {
+    simulation::SceneOptions options;
+    options.width = sensor.width;
+    options.height = sensor.height;
+    options.duration_us = 60'000'000;  // more than any benchmark uses
+    simulation::EventSimulator simulator(options);
+    std::vector<Event2D> events;
+    std::vector<simulation::GroundTruth> truth;
+    while (events.size() < count && simulator.step(events, truth)) {
+    }
+    events.erase(events.begin() + static_cast<std::ptrdiff_t>(std::min(count, events.size())),
+                 events.end());
+    return events;
+}
+
+template <int DIM>
+std::vector<KDPoint<DIM, float>> pointsOf(const std::vector<Event2D>& events) {
+    std::vector<KDPoint<DIM, float>> points;
+    points.reserve(events.size());
+    for (const Event2D& event : events) {
+        KDPoint<DIM, float>& point = points.emplace_back();
+        point.coordinates[0] = event.x;
+        point.coordinates[1] = event.y;
+        if constexpr (DIM == 3) {
+            point.coordinates[2] = static_cast<float>(event.timestamp) * 0.001F;
+        }
+    }
+    return points;
+}
+
+template std::vector<KDPoint<2, float>> pointsOf<2>(const std::vector<Event2D>& events);
+template std::vector<KDPoint<3, float>> pointsOf<3>(const std::vector<Event2D>& events);
 
 }  // namespace kelvora::benchmarks

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "kelvora/events.hpp"
+#include "kelvora/kd_point.hpp"
 
 namespace kelvora::benchmarks {
 
@@ -24,5 +25,25 @@ Workload movingObjects(int sensor_width, int sensor_height, int cell_size,
 /// One event in each of the cells to be activated, so that about a fifth of the cells is marked.
 enum class CellPattern { kRandom, kBlobs };
 std::vector<Event2D> activatedCells(CellPattern pattern, int rows, int cols, int cell_size);
+
+/// Size of a sensor, in pixels. The scenes of the benchmarks differ in nothing else.
+struct SensorSize {
+    int width;
+    int height;
+};
+
+constexpr SensorSize kSmallSensor = {640, 480};
+constexpr SensorSize kLargeSensor = {1280, 720};
+
+/// The first `count` events of the simulator's scene on such a sensor, from time 0. The same in
+/// every run.
+std::vector<Event2D> simulatedEvents(const SensorSize& sensor, std::size_t count);
+
+/// Events as points: pixels and, in three dimensions, milliseconds.
+template <int DIM>
+std::vector<KDPoint<DIM, float>> pointsOf(const std::vector<Event2D>& events);
+
+extern template std::vector<KDPoint<2, float>> pointsOf<2>(const std::vector<Event2D>& events);
+extern template std::vector<KDPoint<3, float>> pointsOf<3>(const std::vector<Event2D>& events);
 
 }  // namespace kelvora::benchmarks

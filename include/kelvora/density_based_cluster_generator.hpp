@@ -28,8 +28,10 @@ namespace kelvora {
 /// single microseconds, and those counted from 1970 whole minutes: subtract an origin before
 /// feeding events, or use `double`.
 /// \note The time window counts by gaps between events, see `SlidingEventCounter`: a dense stream
-/// is not forgotten however long it lasts, and an event that is older than the one before empties
-/// the window. Where the window of time matters, call `generateClusters` once per window.
+/// is not forgotten however long it lasts. Where the window of time matters, call
+/// `generateClusters` once per window. An event that is older than the one before empties the
+/// counter, also if the time is not bounded: of the events since the last call, those before it are
+/// then not clustered.
 ///
 /// \tparam DIM  2: the image plane. 3: space and time.
 /// \tparam T  `float` or `double`.

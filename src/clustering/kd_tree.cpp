@@ -21,6 +21,7 @@ bool isFinite(const KDPoint<DIM, T>& point) {
 
 /// The caller's points, as nanoflann wants to see them.
 template <int DIM, typename T>
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): an established name.
 class KDTree<DIM, T>::__KDPointAdaptor {
 public:
     explicit __KDPointAdaptor(const std::vector<Point>& points_) : points(&points_) {}

@@ -13,9 +13,9 @@ int lowBits(unsigned long long value) {
 }  // namespace
 
 // The box is left out on purpose: generators and callers that fill vectors of records pay nothing
-// for it.
-ClusterGeometry::ClusterGeometry() {
-}  // NOLINT(modernize-use-equals-default): would zero the box for `{}`
+// for it. Defaulted in the class, the constructor would zero the box for `{}`.
+// NOLINTNEXTLINE(modernize-use-equals-default)
+ClusterGeometry::ClusterGeometry() {}
 
 ClusterGeometry::ClusterGeometry(const cv::Rect_<float>& rect, unsigned long long timestamp_)
     : ClusterGeometry(rect.x, rect.y, rect.width, rect.height, timestamp_) {}
@@ -49,6 +49,7 @@ ClusterGeometry::ClusterGeometry(float x_, float y_, unsigned long long z_, floa
 ClusterGeometry& ClusterGeometry::operator=(const ClusterGeometry&) = default;
 ClusterGeometry& ClusterGeometry::operator=(ClusterGeometry&&) noexcept = default;
 
+// NOLINTNEXTLINE(readability-const-return-type): part of the interface.
 const cv::Rect_<float> ClusterGeometry::get2DBoundingBox() const {
     return {x, y, width, height};
 }

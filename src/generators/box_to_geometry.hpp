@@ -23,8 +23,8 @@ unsigned long long toUnsigned(T value) {
 template <int DIM, typename T>
 ClusterGeometry boxToGeometry(const std::vector<T>& box, const PointScales& scales,
                               int sensor_width, int sensor_height, std::size_t timestamp) {
-    const auto unscaled = [&](int axis, int offset) {
-        return box[static_cast<std::size_t>(axis + offset)] / static_cast<T>(scales.of(axis));
+    const auto unscaled = [&](std::size_t axis, std::size_t offset) {
+        return box[axis + offset] / static_cast<T>(scales.of(axis));
     };
     const cv::Rect_<float> sensor(0.0F, 0.0F, static_cast<float>(sensor_width),
                                   static_cast<float>(sensor_height));

@@ -28,8 +28,8 @@ std::vector<KDPoint<DIM, T>> memberPoints(const std::vector<std::size_t>& member
             continue;
         }
         KDPoint<DIM, T> point = points[member];
-        for (int axis = 0; scales != nullptr && axis < DIM; ++axis) {
-            point.coordinates[static_cast<std::size_t>(axis)] /= static_cast<T>(scales->of(axis));
+        for (std::size_t axis = 0; scales != nullptr && axis < DIM; ++axis) {
+            point.coordinates[axis] /= static_cast<T>(scales->of(axis));
         }
         result.push_back(point);
     }

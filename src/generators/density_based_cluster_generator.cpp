@@ -105,6 +105,8 @@ DensityBasedClusterGenerator<DIM, T>::Impl::Impl(int sensor_width_, int sensor_h
       clustering(eps, min_pts) {
     require(filter_type != POLARITY_SEPARATE,
             "DensityBasedClusterGenerator does not support POLARITY_SEPARATE event filter type");
+    // Not among the initialisers: the check above comes first.
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer)
     rejected_polarity = rejectedPolarity(filter_type);
     require(sensor_width >= 1 && sensor_height >= 1,
             "DensityBasedClusterGenerator: sensor_width and sensor_height should be larger than 0");

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
+
 namespace kelvora {
 
 /// Factors that turn pixels and microseconds into the coordinates of points.
@@ -10,7 +12,7 @@ struct PointScales {
     float time;
 
     /// The factor of an axis: x, y, time.
-    float of(int axis) const { return axis == 0 ? width : axis == 1 ? height : time; }
+    float of(std::size_t axis) const { return axis == 0 ? width : axis == 1 ? height : time; }
 };
 
 }  // namespace kelvora

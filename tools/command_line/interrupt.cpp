@@ -11,13 +11,13 @@ volatile std::sig_atomic_t interrupted = 0;
 
 void handleInterrupt(int signal) {
     interrupted = 1;
-    std::signal(signal, SIG_DFL);
+    static_cast<void>(std::signal(signal, SIG_DFL));
 }
 
 }  // namespace
 
 void catchInterrupts() {
-    std::signal(SIGINT, handleInterrupt);
+    static_cast<void>(std::signal(SIGINT, handleInterrupt));
 }
 
 bool isInterrupted() {

@@ -34,7 +34,7 @@ void ProgressLine::update(std::uint64_t done, std::uint64_t total) {
     } else {
         fmt::print(stderr, "{}{}: {} %", kEraseLine, title, 100 * done / total);
     }
-    std::fflush(stderr);
+    static_cast<void>(std::fflush(stderr));
     is_shown = true;
     next_update = std::chrono::steady_clock::now() + kUpdateInterval;
 }

@@ -25,7 +25,6 @@ int openForWriting(const std::string& name) {
     if (name == "-") {
         return ::dup(STDOUT_FILENO);
     }
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system offers no other way
     return ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kPermissions);
 }
 
