@@ -71,7 +71,7 @@ public:
             variety.add(many, set.points.size());
         }
         EXPECT_GT(variety.none, 100);
-        EXPECT_GT(variety.several, 500);
+        EXPECT_GT(variety.several, 200);
         EXPECT_GT(variety.with_noise, 300);
     }
 };

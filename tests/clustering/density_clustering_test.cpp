@@ -60,11 +60,12 @@ TYPED_TEST(DensityClusters, AreNotLookedForWithoutAJob) {
 }
 
 TYPED_TEST(DensityClusters, AreNoneWithoutPointsAndReplaceWhatWasThere) {
-    for (const unsigned char jobs : {1, 2, 255}) {
+    for (const int jobs : {1, 2, 255}) {
         DensityClustering<TypeParam::kDim, typename TypeParam::T> clustering(1, 1);
         Members clusters = {{7}};
         std::vector<typename TestFixture::Box> boxes = {{1, 2}};
-        clustering.generateClustersMultiThread({}, clusters, boxes, jobs);
+        clustering.generateClustersMultiThread({}, clusters, boxes,
+                                               static_cast<unsigned char>(jobs));
         EXPECT_THAT(clusters, IsEmpty());
         EXPECT_THAT(boxes, IsEmpty());
     }
@@ -79,8 +80,8 @@ TYPED_TEST(DensityClusters, AreNoneOfPointsFarApart) {
 TYPED_TEST(DensityClusters, AreSinglePointsIfOneIsEnough) {
     const auto found = this->oneJob(line<TypeParam>({0, 5, -10}), 1, 1);
     EXPECT_EQ(found.clusters, (Members{{0}, {1}, {2}}));
-    EXPECT_THAT(found.boxes, ElementsAre(this->boxOnLine(0, 0), this->boxOnLine(5, 0),
-                                         this->boxOnLine(-10, 0)));
+    EXPECT_THAT(found.boxes,
+                ElementsAre(this->boxOnLine(0, 0), this->boxOnLine(5, 0), this->boxOnLine(-10, 0)));
 }
 
 TYPED_TEST(DensityClusters, DoNotJoinPointsAtExactlyTheRadius) {
@@ -161,7 +162,7 @@ TYPED_TEST(DensityClusters, AreNoneIfMorePointsAreWantedThanThereAre) {
 TYPED_TEST(DensityClusters, DependOnNoEarlierCall) {
     DensityClustering<TypeParam::kDim, typename TypeParam::T> clustering(2.5, 3);
     Random random(8);
-    for (const std::size_t count : {300, 20, 0, 150}) {
+    for (const std::size_t count : {300U, 20U, 0U, 150U}) {
         const auto points = randomGridPoints<TypeParam>(random, count, 0, 20, 1);
         for (const int jobs : {1, 3, 1}) {
             Clustering<typename TypeParam::T> found;
@@ -240,13 +241,13 @@ TYPED_TEST(DensityClusters, LeaveOutMixedPointsThatAreNotFiniteFromLargeSets) {
 }
 
 TYPED_TEST(DensityClusters, SurviveTheLargestNumbers) {
-    using T = typename TypeParam::T;
-    constexpr T kLargest = std::numeric_limits<T>::max();
+    using Coordinate = typename TypeParam::T;
+    constexpr auto kLargest = std::numeric_limits<Coordinate>::max();
     Random random(11);
     typename TypeParam::Points points(10'000);
     for (auto& point : points) {
-        for (T& value : point.coordinates) {
-            value = static_cast<T>(randomInt(random, -1000, 1000)) / T{1000} * kLargest;
+        for (Coordinate& value : point.coordinates) {
+            value = static_cast<Coordinate>(randomInt(random, -1000, 1000)) / 1000 * kLargest;
         }
     }
     EXPECT_THAT(this->oneJob(points, 1, 200).clusters, IsEmpty());

@@ -50,7 +50,7 @@ TEST(DensityClusteringWithThreads, FollowsALineWhoseEvenPositionsComeBeforeTheOd
     constexpr std::size_t kCount = 1'000'000;
     Kind::Points points;
     points.reserve(kCount);
-    for (const std::size_t start : {0, 1}) {
+    for (const std::size_t start : {0U, 1U}) {
         for (std::size_t position = start; position < kCount; position += 2) {
             points.push_back(at<Kind>(static_cast<double>(position)));
         }

@@ -68,12 +68,12 @@ TEST(DensityModels, TellWrongAnswersFromRightOnes) {
 }
 
 TEST(DensityModels, OrderMembersAsTheStepsDo) {
-    // All in one leaf of the tree: found in ascending order, taken from the end.
+    // All in one leaf of the tree. 3 is taken first, and its partition exchanges 0 and 2.
     const auto points = line<Kind>({0, 1, 2, 3});
-    EXPECT_EQ(LiteralDensityPass<Kind>(points, 9, 1).run(), (Members{{0, 3, 2, 1}}));
-    // 3 is taken first, from where 4 and 5 are reached before 1 and 2.
+    EXPECT_EQ(LiteralDensityPass<Kind>(points, 9, 1).run(), (Members{{0, 3, 1, 2}}));
+    // From 3, the partition makes 0 2 3 4 5 into 5 2 4: 4 is taken next, then 5 from there.
     const auto chain = line<Kind>({0, -1, 1, 2, 3, 4});
-    EXPECT_EQ(LiteralDensityPass<Kind>(chain, 2.5, 1).run(), (Members{{0, 3, 5, 4, 2, 1}}));
+    EXPECT_EQ(LiteralDensityPass<Kind>(chain, 2.5, 1).run(), (Members{{0, 3, 4, 5, 2, 1}}));
 }
 
 }  // namespace

@@ -112,8 +112,8 @@ private:
     Source source;
     T radius;
     std::size_t min_pts;
-    nanoflann::KDTreeSingleIndexAdaptor<
-        nanoflann::L2_Simple_Adaptor<T, Source, T, std::size_t>, Source, Kind::kDim, std::size_t>
+    nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<T, Source, T, std::size_t>,
+                                        Source, Kind::kDim, std::size_t>
         tree;
     std::vector<bool> visited;
     std::vector<std::size_t> seeds;

@@ -3,14 +3,16 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "drawing/caption.hpp"
 #include "drawing/png_file.hpp"
 #include "drawing/space_time_plot.hpp"
 
 namespace kelvora::tool {
 
-Pictures::Pictures(const PictureOptions& options_, recording::SensorSize sensor_)
-    : options(options_), sensor(sensor_.width, sensor_.height) {
+Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_)
+    : options(std::move(options_)), sensor(sensor_.width, sensor_.height) {
     if (!options.frames_dir.empty()) {
         std::filesystem::create_directories(options.frames_dir);
         frames.emplace(sensor);

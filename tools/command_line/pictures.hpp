@@ -31,7 +31,7 @@ public:
     /// Makes the directory of frames if it is missing.
     /// \throws std::runtime_error  if a file or directory cannot be written; likewise the other
     ///     operations.
-    Pictures(const PictureOptions& options_, recording::SensorSize sensor);
+    Pictures(PictureOptions options_, recording::SensorSize sensor);
 
     void add(const recording::Window& window, const WindowClusters& found);
 

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "kelvora/density_based_cluster_generator.hpp"
+#include "support/allocations.hpp"
+#include "support/density_settings.hpp"
+
+namespace kelvora::test {
+namespace {
+
+using Kind = PointKind<2, float>;
+using Generator = DensityBasedClusterGenerator<2, float>;
+
+void buildAndDestroy(const DensitySettings& settings) {
+    const Generator generator = settings.build<Kind>();
+}
+
+std::string messageFor(const DensitySettings& settings) {
+    try {
+        buildAndDestroy(settings);
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return "nothing was thrown";
+}
+
+TEST(AllocationsOfTheDensityGenerator, ReserveOneAndAHalfTimesTheCapacityTwice) {
+    for (const std::size_t capacity : {1U, 10U, 11U, 1000U}) {
+        const AllocationWatch watch;
+        buildAndDestroy(DensitySettings().capacity(capacity));
+        if (capacity == 1000) {
+            EXPECT_EQ(watch.largestRequest(), 1501 * sizeof(Kind::Point));
+        }
+        EXPECT_EQ(watch.unfreed(), 0);
+    }
+}
+
+TEST(AllocationsOfTheDensityGenerator, ReserveNothingWithoutABound) {
+    const AllocationWatch watch;
+    buildAndDestroy(DensitySettings());
+    EXPECT_LT(watch.largestRequest(), 2000U);
+}
+
+TEST(AllocationsOfTheDensityGenerator, AreAllFreedWhenAnArgumentIsRefused) {
+    const AllocationWatch watch;
+    EXPECT_THROW(buildAndDestroy(DensitySettings().density(0, 1)), std::runtime_error);
+    EXPECT_THROW(buildAndDestroy(DensitySettings().filter(static_cast<EventFilterType>(4))),
+                 std::out_of_range);
+    EXPECT_EQ(watch.unfreed(), 0);
+}
+
+TEST(AllocationsOfTheDensityGenerator, AreReportedWhenPointsDoNotFitIntoMemory) {
+    const std::string message =
+        "DensityBasedClusterGenerator: Failed to allocate memory for points: std::bad_alloc";
+    constexpr std::size_t kMegabyte = 1 << 20;
+    const AllocationWatch watch(kNoLimit, kMegabyte);
+    EXPECT_EQ(messageFor(DensitySettings().capacity(1'000'000)), message);
+    EXPECT_EQ(watch.largestRequest(), 1'500'001 * sizeof(Kind::Point));
+    EXPECT_EQ(messageFor(DensitySettings().capacity(1ULL << 59)), message);
+    EXPECT_EQ(messageFor(DensitySettings().capacity(10'000)), "nothing was thrown");
+}
+
+TEST(AllocationsOfTheDensityGenerator, AreAllFreedWheneverOneOfThemFails) {
+    const auto settings = DensitySettings().capacity(100);
+    std::size_t needed = 0;
+    {
+        const AllocationWatch watch;
+        buildAndDestroy(settings);
+        needed = watch.allocations();
+    }
+    ASSERT_GT(needed, 2U);
+    std::size_t freed = 0;
+    for (std::size_t allowed = 0; allowed < needed; ++allowed) {
+        std::ptrdiff_t unfreed = 0;
+        {
+            const AllocationWatch watch(allowed);
+            try {
+                buildAndDestroy(settings);
+            } catch (const std::exception&) {
+                ++freed;
+            }
+            unfreed = watch.unfreed();
+        }
+        EXPECT_EQ(unfreed, 0) << "after " << allowed << " allocations";
+    }
+    EXPECT_EQ(freed, needed);
+}
+
+TEST(AllocationsOfTheDensityGenerator, AreNotNeededUpToOneAndAHalfTimesTheCapacity) {
+    auto generator = DensitySettings().capacity(1000).timeLength(10'000).build<Kind>();
+    const AllocationWatch watch;
+    for (int i = 0; i < 1501; ++i) {
+        const Event2D event(static_cast<unsigned short>(i % 100), 5, 1, 1000);
+        generator.processEvent(&event);
+    }
+    EXPECT_EQ(watch.allocations(), 0U);
+}
+
+/// A stream of twelve events per microsecond all over a sensor.
+class DenseStream {
+public:
+    Event2D next() {
+        state = state * 6364136223846793005 + 1442695040888963407;
+        const auto x = static_cast<unsigned short>((state >> 33) % 1280);
+        const auto y = static_cast<unsigned short>((state >> 45) % 720);
+        return {x, y, static_cast<unsigned char>(state >> 63), count++ / 12};
+    }
+
+private:
+    std::uint64_t state = 1;
+    unsigned long long count = 0;
+};
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kIsMemoryMeasurable = false;  // the sanitizers keep freed memory
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool kIsMemoryMeasurable = false;
+#else
+constexpr bool kIsMemoryMeasurable = true;
+#endif
+#else
+constexpr bool kIsMemoryMeasurable = true;
+#endif
+
+/// Resident memory in kilobytes.
+long residentMemory() {
+    std::ifstream statistics("/proc/self/statm");
+    long pages = 0;
+    long resident_pages = 0;
+    statistics >> pages >> resident_pages;
+    return resident_pages * 4;
+}
+
+std::size_t eventsToFeed() {
+    const char* const wanted = std::getenv("KELVORA_LONG_TESTS");
+    return wanted != nullptr && std::string(wanted) == "1" ? 50'000'000 : 2'000'000;
+}
+
+// Each call gets 120,000 events of 10 milliseconds, more than the capacity.
+TEST(AllocationsOfTheDensityGenerator, AreNotNeededForEventsOfALongStreamWhoseMemoryStaysFlat) {
+    auto generator = DensitySettings()
+                         .sensor(1280, 720)
+                         .capacity(100'000)
+                         .timeLength(10'000)
+                         .density(1.1, 4)
+                         .build<Kind>();
+    constexpr std::size_t kBatch = 120'000;
+    DenseStream stream;
+    std::vector<ClusterGeometry> clusters;
+    std::size_t allocations = 0;
+    std::size_t events = 0;
+    long memory_at_first = 0;
+    while (events < eventsToFeed()) {
+        {
+            const AllocationWatch watch;
+            for (std::size_t i = 0; i < kBatch; ++i) {
+                const Event2D event = stream.next();
+                generator.processEvent(&event);
+            }
+            allocations += watch.allocations();
+        }
+        events += kBatch;
+        generator.generateClusters(events / 12, clusters);
+        ASSERT_FALSE(clusters.empty());
+        if (events == 5 * kBatch) {
+            memory_at_first = residentMemory();
+        }
+    }
+    EXPECT_EQ(allocations, 0U);
+    const long growth = residentMemory() - memory_at_first;
+    std::cout << events << " events, " << clusters.size() << " clusters at last, memory "
+              << memory_at_first << " kB after five calls, " << growth << " kB more at last\n";
+    if (kIsMemoryMeasurable) {
+        EXPECT_GT(memory_at_first, 1000);
+        EXPECT_LT(growth, 4096);
+    }
+}
+
+}  // namespace
+}  // namespace kelvora::test
