@@ -10,7 +10,7 @@ int main() {
                                                  true, 3);
     for (unsigned short i = 0; i < 400; ++i) {
         const unsigned short x = 100 + i % 20, y = 50 + i / 20;
-        const kelvora::Event2D event(x, y, 1, 25U * i);  // polarity 1, time in microseconds
+        const kelvora::Event2D event(x, y, 1, 25ULL * i);  // polarity 1, time in microseconds
         generator.processEvent(&event);
     }
     std::vector<kelvora::ClusterGeometry> clusters;
