@@ -77,7 +77,7 @@ void readRecording(benchmark::State& state, Format format, const std::vector<Eve
     const TemporaryRecording recording(format, recorded);
     std::vector<Event2D> events;
     std::size_t count = 0;
-    while (state.KeepRunning()) {
+    for ([[maybe_unused]] auto iteration : state) {
         const auto reader = kelvora::recording::openRecording(recording.path);
         while (reader->read(events)) {
             benchmark::DoNotOptimize(events.data());
