@@ -22,7 +22,7 @@ bool contains(const std::vector<PixelPosition>& places, const PixelPosition& pla
 }  // namespace
 
 Noise Noise::background(int width, int height, double rate_hz, RandomNumbers random) {
-    return {{}, width, height, rate_hz * width * height, std::move(random)};
+    return {{}, width, height, rate_hz * width * height, random};
 }
 
 Noise Noise::hotPixels(int count, int width, int height, double rate_hz, RandomNumbers random) {
@@ -34,7 +34,7 @@ Noise Noise::hotPixels(int count, int width, int height, double rate_hz, RandomN
             places.push_back(place);
         }
     }
-    return {std::move(places), width, height, rate_hz * count, std::move(random)};
+    return {std::move(places), width, height, rate_hz * count, random};
 }
 
 Noise::Noise(std::vector<PixelPosition> places_, int width_, int height_, double rate_hz,
@@ -43,7 +43,7 @@ Noise::Noise(std::vector<PixelPosition> places_, int width_, int height_, double
       width(static_cast<std::uint64_t>(width_)),
       height(static_cast<std::uint64_t>(height_)),
       mean_wait_us(rate_hz > 0 ? 1e6 / rate_hz : 0),
-      random(std::move(random_)) {
+      random(random_) {
     next_us = mean_wait_us * random.exponential();
 }
 

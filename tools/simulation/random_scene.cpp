@@ -104,6 +104,7 @@ private:
 // One value from each of as many equal parts of [0, 1), in random order.
 std::vector<double> SceneMaker::drawShares(int count) {
     std::vector<double> shares;
+    shares.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         shares.push_back((i + random.uniform()) / count);
     }
@@ -121,7 +122,7 @@ double SceneMaker::takeDiameter() {
 
 void SceneMaker::addLight() {
     const double radius = ranges.diameter.low / 3;
-    const auto period_us = static_cast<std::uint64_t>(1e6 / options.light_frequency_hz + 0.5);
+    const auto period_us = static_cast<std::uint64_t>(std::llround(1e6 / options.light_frequency_hz));
     add({ObjectKind::kLight,
          Shape::disc(radius),
          0.7,
