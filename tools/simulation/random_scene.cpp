@@ -122,7 +122,8 @@ double SceneMaker::takeDiameter() {
 
 void SceneMaker::addLight() {
     const double radius = ranges.diameter.low / 3;
-    const auto period_us = static_cast<std::uint64_t>(std::llround(1e6 / options.light_frequency_hz));
+    const auto period_us =
+        static_cast<std::uint64_t>(std::llround(1e6 / options.light_frequency_hz));
     add({ObjectKind::kLight,
          Shape::disc(radius),
          0.7,
