@@ -4,6 +4,8 @@
 /// \file
 /// The whole library.
 
+#include "kelvora/centroid_based_cluster_generator.hpp"
+#include "kelvora/centroid_clustering.hpp"
 #include "kelvora/cluster_geometry.hpp"
 #include "kelvora/density_based_cluster_generator.hpp"
 #include "kelvora/density_clustering.hpp"

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "clustering/disjoint_sets.hpp"
+#include "clustering/point_box.hpp"
 #include "clustering/seed_stack.hpp"
 
 namespace kelvora {
@@ -20,28 +21,6 @@ namespace {
 /// with.
 bool isDense(std::size_t count, int min_pts) {
     return min_pts > 0 && count >= static_cast<std::size_t>(min_pts);
-}
-
-/// Widens a box, kept as minima and maxima, to a point.
-template <int DIM, typename T>
-void widenBox(std::vector<T>& box, const KDPoint<DIM, T>& point) {
-    for (std::size_t axis = 0; axis < DIM; ++axis) {
-        const T value = point.coordinates[axis];
-        if (box[axis] > value) {
-            box[axis] = value;
-        }
-        if (value > box[DIM + axis]) {
-            box[DIM + axis] = value;
-        }
-    }
-}
-
-/// Turns minima and maxima into minima and extents.
-template <int DIM, typename T>
-void maximaToExtents(std::vector<T>& box) {
-    for (std::size_t axis = 0; axis < DIM; ++axis) {
-        box[DIM + axis] -= box[axis];
-    }
 }
 
 /// The box of one point, as minima and maxima.

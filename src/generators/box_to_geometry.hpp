@@ -38,4 +38,15 @@ ClusterGeometry boxToGeometry(const std::vector<T>& box, const PointScales& scal
     }
 }
 
+/// Replaces `clusters` by the geometry of each box.
+template <int DIM, typename T>
+void boxesToGeometries(const std::vector<std::vector<T>>& boxes, const PointScales& scales,
+                       int sensor_width, int sensor_height, std::size_t timestamp,
+                       std::vector<ClusterGeometry>& clusters) {
+    clusters.clear();
+    for (const std::vector<T>& box : boxes) {
+        clusters.push_back(boxToGeometry<DIM>(box, scales, sensor_width, sensor_height, timestamp));
+    }
+}
+
 }  // namespace kelvora

@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <limits>
 #include <mutex>
-#include <stdexcept>
 #include <thread>
 
 #include "events/rejected_polarity.hpp"
 #include "generators/box_to_geometry.hpp"
 #include "generators/cluster_generator_base.hpp"
 #include "generators/cluster_point_export.hpp"
+#include "generators/point_checks.hpp"
 #include "generators/point_intake.hpp"
 #include "generators/point_scales.hpp"
 #include "kelvora/density_clustering.hpp"
@@ -24,12 +24,7 @@ namespace {
 constexpr unsigned long long kUnbounded = std::numeric_limits<unsigned long long>::max();
 constexpr std::size_t kCounterBins = 100;
 constexpr std::size_t kPointsPerJob = 2000;
-
-void require(bool condition, const char* message) {
-    if (!condition) {
-        throw std::runtime_error(message);
-    }
-}
+const char* const kClassName = "DensityBasedClusterGenerator";
 
 /// Number of threads for `n` points. Only the low 8 bits count, also of large numbers.
 unsigned char jobsFor(int n_jobs, std::size_t n) {
@@ -72,8 +67,6 @@ public:
     bool setMaxTimeLength(unsigned long long max_time_length_);
 
 private:
-    void takeNewestPoints();
-
     PointScales scales;
     EventFilterType filter_type;
     std::uint8_t rejected_polarity = 0;
@@ -103,35 +96,22 @@ DensityBasedClusterGenerator<DIM, T>::Impl::Impl(int sensor_width_, int sensor_h
       max_time_length(max_time_length_),
       n_jobs(n_jobs_),
       clustering(eps, min_pts) {
-    require(filter_type != POLARITY_SEPARATE,
-            "DensityBasedClusterGenerator does not support POLARITY_SEPARATE event filter type");
+    requireOnePolarityCount(filter_type, kClassName);
     // Not among the initialisers: the check above comes first.
     // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer)
     rejected_polarity = rejectedPolarity(filter_type);
-    require(sensor_width >= 1 && sensor_height >= 1,
-            "DensityBasedClusterGenerator: sensor_width and sensor_height should be larger than 0");
-    // Written so that NaN passes.
-    require(
-        !(0.0F >= scales.width || 0.0F >= scales.height || 0.0F >= scales.time),
-        "DensityBasedClusterGenerator: scale_width, scale_height, and scale_time should be larger "
-        "than 0");
-    require(max_capacity > 0, "DensityBasedClusterGenerator: max_capacity should be larger than 0");
-    require(max_time_length > 0,
-            "DensityBasedClusterGenerator: max_time_length should be larger than 0");
-    require(!(0.0 >= eps), "DensityBasedClusterGenerator: eps should be larger than 0");
-    require(min_pts >= 1, "DensityBasedClusterGenerator: min_pts should be larger than 0");
-    reservePoints(incoming_points, working_points, max_capacity, "DensityBasedClusterGenerator");
+    requireSensorScalesAndCapacity(sensor_width, sensor_height, scales, max_capacity, kClassName);
+    require(max_time_length > 0, kClassName, ": max_time_length should be larger than 0");
+    require(!(0.0 >= eps), kClassName, ": eps should be larger than 0");
+    require(min_pts >= 1, kClassName, ": min_pts should be larger than 0");
+    reservePoints(incoming_points, working_points, max_capacity, kClassName);
     event_counter = std::make_unique<SlidingEventCounter>(max_time_length, kCounterBins);
 }
 
 template <int DIM, typename T>
 template <class EventT>
 void DensityBasedClusterGenerator<DIM, T>::Impl::processEvent(const EventT* event) {
-    if (event == nullptr || static_cast<std::uint8_t>(event->polarity) == rejected_polarity) {
-        return;
-    }
-    event_counter->addEvent(event);
-    incoming_points.push_back(toPoint<DIM, T>(*event, scales));
+    takeEvent(event, rejected_polarity, scales, *event_counter, incoming_points);
 }
 
 template <int DIM, typename T>
@@ -139,27 +119,14 @@ void DensityBasedClusterGenerator<DIM, T>::Impl::generateClusters(
     std::size_t timestamp, std::vector<ClusterGeometry>& out) {
     {
         const std::lock_guard<std::mutex> lock(points_mutex);
-        takeNewestPoints();
+        exchangePoints(working_points, incoming_points, *event_counter, max_capacity);
         // They refer to the points that are gone now, and would be left so if clustering fails.
         clusters.clear();
         boxes.clear();
         clustering.generateClustersMultiThread(working_points, clusters, boxes,
                                                jobsFor(n_jobs, working_points.size()));
     }
-    out.clear();
-    for (const std::vector<T>& box : boxes) {
-        out.push_back(boxToGeometry<DIM>(box, scales, sensor_width, sensor_height, timestamp));
-    }
-}
-
-/// Makes the points since the last call the working ones, as many of the newest as both bounds
-/// allow.
-template <int DIM, typename T>
-void DensityBasedClusterGenerator<DIM, T>::Impl::takeNewestPoints() {
-    working_points.swap(incoming_points);
-    incoming_points.clear();
-    keepNewest(working_points,
-               std::min<unsigned long long>(event_counter->getEventCount(), max_capacity));
+    boxesToGeometries<DIM>(boxes, scales, sensor_width, sensor_height, timestamp, out);
 }
 
 template <int DIM, typename T>

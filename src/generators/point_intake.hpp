@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <new>
 #include <stdexcept>
@@ -11,6 +12,7 @@
 
 #include "generators/point_scales.hpp"
 #include "kelvora/kd_point.hpp"
+#include "kelvora/sliding_event_counter.hpp"
 
 /// \file
 /// What the generators that work on points do with events and points before they cluster them.
@@ -29,6 +31,17 @@ KDPoint<DIM, T> toPoint(const EventT& event, const PointScales& scales) {
     return point;
 }
 
+/// Takes an event, unless it is null or of the rejected polarity: counts it, and appends its point.
+template <int DIM, typename T, class EventT>
+void takeEvent(const EventT* event, std::uint8_t rejected_polarity, const PointScales& scales,
+               SlidingEventCounter& counter, std::vector<KDPoint<DIM, T>>& incoming_points) {
+    if (event == nullptr || static_cast<std::uint8_t>(event->polarity) == rejected_polarity) {
+        return;
+    }
+    counter.addEvent(event);
+    incoming_points.push_back(toPoint<DIM, T>(*event, scales));
+}
+
 /// Keeps the last `count` points, if there are more, and moves them to the front.
 template <int DIM, typename T>
 void keepNewest(std::vector<KDPoint<DIM, T>>& points, unsigned long long count) {
@@ -36,6 +49,17 @@ void keepNewest(std::vector<KDPoint<DIM, T>>& points, unsigned long long count) 
         const auto surplus = static_cast<std::ptrdiff_t>(points.size() - count);
         points.erase(points.begin(), points.begin() + surplus);
     }
+}
+
+/// Makes the incoming points the working ones, as many of the newest as the counter and the capacity
+/// allow.
+template <int DIM, typename T>
+void exchangePoints(std::vector<KDPoint<DIM, T>>& working_points,
+                    std::vector<KDPoint<DIM, T>>& incoming_points,
+                    const SlidingEventCounter& counter, unsigned long long max_capacity) {
+    working_points.swap(incoming_points);
+    incoming_points.clear();
+    keepNewest(working_points, std::min<unsigned long long>(counter.getEventCount(), max_capacity));
 }
 
 /// Number of points to reserve for batches of up to `max_capacity`: half as many again, so that a

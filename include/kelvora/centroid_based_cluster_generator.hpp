@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <opencv2/core/mat.hpp>
+#include <vector>
+
+#include "kelvora/cluster_geometry.hpp"
+#include "kelvora/events.hpp"
+#include "kelvora/export.hpp"
+#include "kelvora/kd_point.hpp"
+
+namespace kelvora {
+
+/// Divides events into a given number of clusters around centroids, as points in the image plane or
+/// in space and time, with `CentroidClustering`.
+///
+/// Each event becomes a point: its column, its row and, in three dimensions, its timestamp, each
+/// multiplied by a scale. `generateClusters` clusters the points since its last call, the newest of
+/// them if there are more than allowed.
+///
+/// Feed events and generate clusters from one thread, or take care that the two do not overlap. All
+/// other operations may be called from any thread while events are fed, but none while clusters are
+/// generated: clustering itself runs without a lock. Generators are neither copyable nor assignable.
+///
+/// \note Every event belongs to a cluster: this method knows no noise.
+/// \note Clusters differ from run to run, since the first centroid is drawn at random.
+/// \note Times are not counted from any origin. As `float`, times of more than 17 seconds have lost
+/// single microseconds, and those counted from 1970 whole minutes: subtract an origin before
+/// feeding events, or use `double`.
+/// \note The time window counts by gaps between events, see `SlidingEventCounter`: a dense stream
+/// is not forgotten however long it lasts. Where the window of time matters, call
+/// `generateClusters` once per window. An event that is older than the one before empties the
+/// counter, also if the time is not bounded: of the events since the last call, those before it are
+/// then not clustered.
+///
+/// \tparam DIM  2: the image plane. 3: space and time.
+/// \tparam T  `float` or `double`.
+template <int DIM, typename T>
+class CentroidBasedClusterGenerator {
+public:
+    /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
+    /// \param scale_width,scale_height  Scaled units per pixel, larger than 0. Neither these nor
+    ///     the next are checked for being finite: points at an infinite or undefined place fall to
+    ///     the first cluster.
+    /// \param scale_time  Scaled units per microsecond, larger than 0; 0.001 makes a millisecond
+    ///     weigh as much as a pixel. Unused in two dimensions.
+    /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
+    /// \param max_capacity  Most points to cluster, the newest ones; at least 1. Room for 1.5 times
+    ///     as many is reserved in each of two buffers. The largest number stands for no bound, and
+    ///     reserves nothing.
+    /// \param max_time_length  Window of time of the events to cluster, microseconds, at least 1.
+    /// \param k_clusters  Number of clusters, at least 1.
+    /// \param max_iter  Most iterations, at least 1.
+    /// \param tol  Change of the sum of squared distances that ends the iterations, squared scaled
+    ///     units, larger than 0.
+    /// \throws std::runtime_error  for an invalid argument, or if the points cannot be reserved.
+    /// \throws std::invalid_argument  "SlidingEventCounter: window_length must be larger than 0".
+    /// \throws std::out_of_range  for an unknown `filter_type`.
+    CentroidBasedClusterGenerator(int sensor_width, int sensor_height, float scale_width,
+                                  float scale_height, float scale_time, EventFilterType filter_type,
+                                  unsigned long long max_capacity,
+                                  unsigned long long max_time_length, unsigned long long k_clusters,
+                                  unsigned long long max_iter, double tol);
+
+    /// The same without bounds on the number and time of the points.
+    CentroidBasedClusterGenerator(int sensor_width, int sensor_height, float scale_width,
+                                  float scale_height, float scale_time, EventFilterType filter_type,
+                                  unsigned long long k_clusters, unsigned long long max_iter,
+                                  double tol);
+
+    /// The same without bounds, with scales of 1.
+    CentroidBasedClusterGenerator(int sensor_width, int sensor_height, EventFilterType filter_type,
+                                  unsigned long long k_clusters, unsigned long long max_iter,
+                                  double tol);
+
+    virtual ~CentroidBasedClusterGenerator();
+
+    /// Takes one event, unless the filter ignores it. Constant time; with a bounded capacity, no
+    /// allocation as long as `generateClusters` is called before 1.5 times as many events are fed.
+    ///
+    /// \tparam EventT  `Event2D`, `Event2DFrequency` or `Event2DPeriod<T>`.
+    /// \param event  Null is ignored.
+    template <class EventT>
+    void processEvent(const EventT* event);
+
+    /// Clusters the points since the last call, the newest of them: at most `max_capacity`, and not
+    /// more than the window of time counts events.
+    ///
+    /// \param timestamp  Stored in each cluster; otherwise unused.
+    /// \param clusters  Emptied first; then a box for each of the k clusters, clipped to the sensor;
+    ///     none if there are fewer than k points. A cluster without points, without area, or off the
+    ///     sensor has the box (0, 0, 0, 0). In three dimensions, start and duration hold the low 32
+    ///     bits of the microseconds, 0 where a number does not fit 64 bits.
+    void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
+
+    /// Empties the window of time, so that the events since the last `generateClusters` are not
+    /// clustered: the next call takes as many of the newest points as there are events from here on.
+    /// \note The results of the last `generateClusters` stay.
+    void reset();
+
+    /// Appends the points of each cluster of the last `generateClusters`.
+    ///
+    /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
+    void getClusterPoints(std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale);
+
+    /// Appends a matrix for each cluster, `CV_32F` or `CV_64F` as `T` is: a row per point, a column
+    /// per coordinate.
+    void getClusterPoints(std::vector<cv::Mat>& points, bool restore_scale);
+
+    /// Replaces `points` by one column with the points of all clusters, one cluster after the
+    /// other, each an element with a channel per coordinate.
+    void getClusterPoints(cv::Mat& points, bool restore_scale);
+
+    /// Replaces `centroids` by those of the last `generateClusters`, in scaled units, in the order
+    /// of the clusters.
+    void getClusterCentroids(std::vector<KDPoint<DIM, T>>& centroids);
+
+    /// Replaces `sizes` by the number of points of each cluster, of the last `generateClusters` that
+    /// had at least k.
+    /// \note Zeros follow if the number of clusters was larger once.
+    void getClusterSizes(std::vector<unsigned long long>& sizes);
+
+    /// Sets the number of clusters from the next `generateClusters` on.
+    /// \returns false, and changes nothing, for 0.
+    bool setClusterNumber(unsigned long long k_clusters);
+
+    /// Sets the most points to cluster; with 0, there will be no clusters. Reserves nothing.
+    /// \returns true.
+    bool setMaxCapacity(unsigned long long max_capacity);
+
+    /// Tells whether `max_time_length` could be the window of time: it is not 0, and not smaller
+    /// than the 100 bins (fewer for a shorter window) in which events are counted.
+    /// \note The window stays as it was constructed.
+    bool setMaxTimeLength(unsigned long long max_time_length);
+
+private:
+    class KELVORA_NO_EXPORT Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+// clang-format off
+extern template class KELVORA_EXPORT CentroidBasedClusterGenerator<2, float>;
+extern template class KELVORA_EXPORT CentroidBasedClusterGenerator<2, double>;
+extern template class KELVORA_EXPORT CentroidBasedClusterGenerator<3, float>;
+extern template class KELVORA_EXPORT CentroidBasedClusterGenerator<3, double>;
+
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<2, float>::processEvent(const Event2D*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<2, float>::processEvent(const Event2DFrequency*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<2, float>::processEvent(const Event2DPeriod<float>*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<2, double>::processEvent(const Event2D*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<2, double>::processEvent(const Event2DFrequency*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<2, double>::processEvent(const Event2DPeriod<double>*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<3, float>::processEvent(const Event2D*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<3, float>::processEvent(const Event2DFrequency*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<3, float>::processEvent(const Event2DPeriod<float>*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2D*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2DFrequency*);
+extern template KELVORA_EXPORT void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2DPeriod<double>*);
+// clang-format on
+
+}  // namespace kelvora

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "kelvora/kd_point.hpp"
+
+/// \file
+/// Boxes around points: first the minimum on each axis, then the maximum, and for the caller the
+/// extent instead.
+
+namespace kelvora {
+
+/// Widens a box, kept as minima and maxima, to a point.
+template <int DIM, typename T>
+void widenBox(std::vector<T>& box, const KDPoint<DIM, T>& point) {
+    for (std::size_t axis = 0; axis < DIM; ++axis) {
+        const T value = point.coordinates[axis];
+        if (box[axis] > value) {
+            box[axis] = value;
+        }
+        if (value > box[DIM + axis]) {
+            box[DIM + axis] = value;
+        }
+    }
+}
+
+/// Turns minima and maxima into minima and extents.
+template <int DIM, typename T>
+void maximaToExtents(std::vector<T>& box) {
+    for (std::size_t axis = 0; axis < DIM; ++axis) {
+        box[DIM + axis] -= box[axis];
+    }
+}
+
+}  // namespace kelvora

@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+#include "kelvora/centroid_based_cluster_generator.hpp"
+
+#include <cstdint>
+#include <limits>
+#include <mutex>
+
+#include "events/rejected_polarity.hpp"
+#include "generators/box_to_geometry.hpp"
+#include "generators/cluster_generator_base.hpp"
+#include "generators/cluster_point_export.hpp"
+#include "generators/point_checks.hpp"
+#include "generators/point_intake.hpp"
+#include "generators/point_scales.hpp"
+#include "kelvora/centroid_clustering.hpp"
+#include "kelvora/sliding_event_counter.hpp"
+
+namespace kelvora {
+
+namespace {
+
+constexpr unsigned long long kUnbounded = std::numeric_limits<unsigned long long>::max();
+constexpr std::size_t kCounterBins = 100;
+const char* const kClassName = "CentroidBasedClusterGenerator";
+
+}  // namespace
+
+template <int DIM, typename T>
+class CentroidBasedClusterGenerator<DIM, T>::Impl : public ClusterGeneratorBase {
+public:
+    using Point = KDPoint<DIM, T>;
+
+    Impl(int sensor_width_, int sensor_height_, const PointScales& scales_,
+         EventFilterType filter_type_, unsigned long long max_capacity_,
+         unsigned long long max_time_length, unsigned long long k_clusters,
+         unsigned long long max_iter, double tol);
+
+    template <class EventT>
+    void processEvent(const EventT* event);
+
+    void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& out) override;
+
+    void reset() override;
+
+    template <class Points>
+    void getClusterPoints(Points& points, bool restore_scale) {
+        const std::lock_guard<std::mutex> lock(points_mutex);
+        exportPoints(clusters, working_points, restore_scale ? &scales : nullptr, points);
+    }
+
+    void getClusterCentroids(std::vector<Point>& centroids);
+
+    void getClusterSizes(std::vector<unsigned long long>& sizes);
+
+    bool setClusterNumber(unsigned long long k_clusters);
+
+    bool setMaxCapacity(unsigned long long max_capacity_);
+
+    bool setMaxTimeLength(unsigned long long max_time_length);
+
+private:
+    PointScales scales;
+    EventFilterType filter_type;
+    std::uint8_t rejected_polarity = 0;
+    unsigned long long max_capacity;
+    CentroidClustering<DIM, T> clustering;
+    std::mutex points_mutex;
+    std::vector<Point> working_points;   ///< Those of the last call, which `clusters` refers to.
+    std::vector<Point> incoming_points;  ///< Those since.
+    std::vector<std::vector<std::size_t>> clusters;
+    std::vector<std::vector<T>> cluster_boxes;
+    std::unique_ptr<SlidingEventCounter> event_counter;
+};
+
+template <int DIM, typename T>
+CentroidBasedClusterGenerator<DIM, T>::Impl::Impl(
+    int sensor_width_, int sensor_height_, const PointScales& scales_, EventFilterType filter_type_,
+    unsigned long long max_capacity_, unsigned long long max_time_length,
+    unsigned long long k_clusters, unsigned long long max_iter, double tol)
+    : ClusterGeneratorBase(sensor_width_, sensor_height_),
+      scales(scales_),
+      filter_type(filter_type_),
+      max_capacity(max_capacity_),
+      clustering(k_clusters, max_iter, tol) {
+    requireOnePolarityCount(filter_type, kClassName);
+    // Not among the initialisers: the check above comes first.
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer)
+    rejected_polarity = rejectedPolarity(filter_type);
+    requireSensorScalesAndCapacity(sensor_width, sensor_height, scales, max_capacity, kClassName);
+    // The clustering has refused these already: a second line of defence.
+    require(k_clusters > 0, kClassName, ": k_clusters should be larger than 0");
+    require(max_iter > 0, kClassName, ": max_iter should be larger than 0");
+    require(!(0.0 >= tol), kClassName, ": tol should be larger than 0");
+    reservePoints(incoming_points, working_points, max_capacity, kClassName);
+    event_counter = std::make_unique<SlidingEventCounter>(max_time_length, kCounterBins);
+}
+
+template <int DIM, typename T>
+template <class EventT>
+void CentroidBasedClusterGenerator<DIM, T>::Impl::processEvent(const EventT* event) {
+    takeEvent(event, rejected_polarity, scales, *event_counter, incoming_points);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::Impl::generateClusters(
+    std::size_t timestamp, std::vector<ClusterGeometry>& out) {
+    {
+        const std::lock_guard<std::mutex> lock(points_mutex);
+        exchangePoints(working_points, incoming_points, *event_counter, max_capacity);
+    }
+    clustering.generateClustersPrivate(working_points, clusters, cluster_boxes);
+    boxesToGeometries<DIM>(cluster_boxes, scales, sensor_width, sensor_height, timestamp, out);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::Impl::reset() {
+    const std::lock_guard<std::mutex> lock(points_mutex);
+    event_counter->reset();
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::Impl::getClusterCentroids(
+    std::vector<Point>& centroids) {
+    const std::lock_guard<std::mutex> lock(points_mutex);
+    clustering.getCentroids(centroids);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::Impl::getClusterSizes(
+    std::vector<unsigned long long>& sizes) {
+    const std::lock_guard<std::mutex> lock(points_mutex);
+    std::vector<std::size_t> counts;
+    clustering.getNumPointsPerCluster(counts);
+    sizes.assign(counts.begin(), counts.end());
+}
+
+template <int DIM, typename T>
+bool CentroidBasedClusterGenerator<DIM, T>::Impl::setClusterNumber(unsigned long long k_clusters) {
+    const std::lock_guard<std::mutex> lock(points_mutex);
+    return clustering.setClusterNumber(k_clusters);
+}
+
+template <int DIM, typename T>
+bool CentroidBasedClusterGenerator<DIM, T>::Impl::setMaxCapacity(unsigned long long max_capacity_) {
+    const std::lock_guard<std::mutex> lock(points_mutex);
+    max_capacity = max_capacity_;
+    return true;
+}
+
+template <int DIM, typename T>
+bool CentroidBasedClusterGenerator<DIM, T>::Impl::setMaxTimeLength(
+    unsigned long long max_time_length) {
+    const std::lock_guard<std::mutex> lock(points_mutex);
+    return event_counter->setWindowLength(max_time_length);
+}
+
+template <int DIM, typename T>
+CentroidBasedClusterGenerator<DIM, T>::CentroidBasedClusterGenerator(
+    int sensor_width, int sensor_height, float scale_width, float scale_height, float scale_time,
+    EventFilterType filter_type, unsigned long long max_capacity,
+    unsigned long long max_time_length, unsigned long long k_clusters, unsigned long long max_iter,
+    double tol)
+    : impl(std::make_unique<Impl>(sensor_width, sensor_height,
+                                  PointScales{scale_width, scale_height, scale_time}, filter_type,
+                                  max_capacity, max_time_length, k_clusters, max_iter, tol)) {}
+
+template <int DIM, typename T>
+CentroidBasedClusterGenerator<DIM, T>::CentroidBasedClusterGenerator(
+    int sensor_width, int sensor_height, float scale_width, float scale_height, float scale_time,
+    EventFilterType filter_type, unsigned long long k_clusters, unsigned long long max_iter,
+    double tol)
+    : CentroidBasedClusterGenerator(sensor_width, sensor_height, scale_width, scale_height,
+                                    scale_time, filter_type, kUnbounded, kUnbounded, k_clusters,
+                                    max_iter, tol) {}
+
+template <int DIM, typename T>
+CentroidBasedClusterGenerator<DIM, T>::CentroidBasedClusterGenerator(
+    int sensor_width, int sensor_height, EventFilterType filter_type, unsigned long long k_clusters,
+    unsigned long long max_iter, double tol)
+    : CentroidBasedClusterGenerator(sensor_width, sensor_height, 1.0F, 1.0F, 1.0F, filter_type,
+                                    k_clusters, max_iter, tol) {}
+
+template <int DIM, typename T>
+CentroidBasedClusterGenerator<DIM, T>::~CentroidBasedClusterGenerator() = default;
+
+template <int DIM, typename T>
+template <class EventT>
+void CentroidBasedClusterGenerator<DIM, T>::processEvent(const EventT* event) {
+    impl->processEvent(event);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::generateClusters(
+    std::size_t timestamp, std::vector<ClusterGeometry>& clusters) {
+    impl->generateClusters(timestamp, clusters);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::reset() {
+    impl->reset();
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::getClusterPoints(
+    std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale) {
+    impl->getClusterPoints(points, restore_scale);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::getClusterPoints(std::vector<cv::Mat>& points,
+                                                             bool restore_scale) {
+    impl->getClusterPoints(points, restore_scale);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::getClusterPoints(cv::Mat& points, bool restore_scale) {
+    impl->getClusterPoints(points, restore_scale);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::getClusterCentroids(
+    std::vector<KDPoint<DIM, T>>& centroids) {
+    impl->getClusterCentroids(centroids);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::getClusterSizes(
+    std::vector<unsigned long long>& sizes) {
+    impl->getClusterSizes(sizes);
+}
+
+template <int DIM, typename T>
+bool CentroidBasedClusterGenerator<DIM, T>::setClusterNumber(unsigned long long k_clusters) {
+    return impl->setClusterNumber(k_clusters);
+}
+
+template <int DIM, typename T>
+bool CentroidBasedClusterGenerator<DIM, T>::setMaxCapacity(unsigned long long max_capacity) {
+    return impl->setMaxCapacity(max_capacity);
+}
+
+template <int DIM, typename T>
+bool CentroidBasedClusterGenerator<DIM, T>::setMaxTimeLength(unsigned long long max_time_length) {
+    return impl->setMaxTimeLength(max_time_length);
+}
+
+// clang-format off
+template class CentroidBasedClusterGenerator<2, float>;
+template class CentroidBasedClusterGenerator<2, double>;
+template class CentroidBasedClusterGenerator<3, float>;
+template class CentroidBasedClusterGenerator<3, double>;
+
+template void CentroidBasedClusterGenerator<2, float>::processEvent(const Event2D*);
+template void CentroidBasedClusterGenerator<2, float>::processEvent(const Event2DFrequency*);
+template void CentroidBasedClusterGenerator<2, float>::processEvent(const Event2DPeriod<float>*);
+template void CentroidBasedClusterGenerator<2, double>::processEvent(const Event2D*);
+template void CentroidBasedClusterGenerator<2, double>::processEvent(const Event2DFrequency*);
+template void CentroidBasedClusterGenerator<2, double>::processEvent(const Event2DPeriod<double>*);
+template void CentroidBasedClusterGenerator<3, float>::processEvent(const Event2D*);
+template void CentroidBasedClusterGenerator<3, float>::processEvent(const Event2DFrequency*);
+template void CentroidBasedClusterGenerator<3, float>::processEvent(const Event2DPeriod<float>*);
+template void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2D*);
+template void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2DFrequency*);
+template void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2DPeriod<double>*);
+// clang-format on
+
+}  // namespace kelvora
