@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 
+#include "command_line/centroid_writer.hpp"
 #include "command_line/clustering_method.hpp"
 #include "command_line/interrupt.hpp"
 #include "command_line/point_writer.hpp"
@@ -28,8 +29,8 @@ const std::map<std::string, Polarity> kPolarities = {{"all", Polarity::All},
                                                      {"off", Polarity::Off},
                                                      {"separate", Polarity::Separate}};
 
-const std::map<std::string, Method> kMethods = {{"grid", Method::Grid},
-                                                {"density", Method::Density}};
+const std::map<std::string, Method> kMethods = {
+    {"grid", Method::Grid}, {"density", Method::Density}, {"centroid", Method::Centroid}};
 
 const std::map<std::string, ClusterFormat> kFormats = {{"csv", ClusterFormat::Csv},
                                                        {"jsonl", ClusterFormat::JsonLines}};
@@ -38,9 +39,14 @@ const std::map<std::string, ClusterFormat> kFormats = {{"csv", ClusterFormat::Cs
 class WindowPipeline {
 public:
     /// \param points_  Null if the events of clusters are not wanted.
+    /// \param centroids_  Likewise.
     WindowPipeline(ClusteringMethod& method_, ClusterWriter& writer_, PointWriter* points_,
-                   Pictures& pictures_)
-        : method(method_), writer(writer_), points(points_), pictures(pictures_) {}
+                   CentroidWriter* centroids_, Pictures& pictures_)
+        : method(method_),
+          writer(writer_),
+          points(points_),
+          centroids(centroids_),
+          pictures(pictures_) {}
 
     /// Takes all windows that are complete, up to an interrupt.
     void process(recording::WindowSlicer& slicer) {
@@ -50,6 +56,9 @@ public:
             writer.write(found);
             if (points != nullptr) {
                 points->write(window, found);
+            }
+            if (centroids != nullptr) {
+                centroids->write(window.end_time, found);
             }
             pictures.add(window, found);
             ++window_count;
@@ -64,6 +73,7 @@ private:
     ClusteringMethod& method;
     ClusterWriter& writer;
     PointWriter* points;
+    CentroidWriter* centroids;
     Pictures& pictures;
     WindowClusters found;
     std::uint64_t window_count = 0;
@@ -71,7 +81,7 @@ private:
 };
 
 void printSummary(const WindowPipeline& pipeline, const recording::EventReader& reader,
-                  const recording::EventCleaner& cleaner) {
+                  const recording::EventCleaner& cleaner, const std::string& remark) {
     fmt::print(stderr,
                "kelvora: {} clusters in {} windows with events; dropped {} events off the sensor, "
                "corrected {} times out of order",
@@ -80,7 +90,7 @@ void printSummary(const WindowPipeline& pipeline, const recording::EventReader& 
     if (reader.skippedWords() > 0) {
         fmt::print(stderr, ", skipped {} unknown words", reader.skippedWords());
     }
-    fmt::print(stderr, "\n");
+    fmt::print(stderr, "{}{}\n", remark.empty() ? "" : "; ", remark);
 }
 
 }  // namespace
@@ -115,9 +125,11 @@ void ClusterCommand::declareOptions() {
         ->option_text("all|on|off|separate [all]");
     command->add_option("--method", method, "How to find clusters")
         ->transform(CLI::CheckedTransformer(kMethods).description(""))
-        ->option_text("grid|density [grid]");
+        ->option_text("grid|density|centroid [grid]");
     tool::declareOptions(*command, grid);
+    tool::declareOptions(*command, point);
     tool::declareOptions(*command, density);
+    tool::declareOptions(*command, centroid);
     const char* const output_group = "Output";
     command
         ->add_option("-o,--output", output,
@@ -132,6 +144,12 @@ void ClusterCommand::declareOptions() {
         ->add_option("--points", points,
                      "File for every event of a cluster with its cluster's number (CSV); not with "
                      "--method grid")
+        ->option_text("FILE")
+        ->group(output_group);
+    command
+        ->add_option("--centroids", centroids,
+                     "File for the centroid and size of every cluster (CSV); with --method "
+                     "centroid")
         ->option_text("FILE")
         ->group(output_group);
     command
@@ -155,32 +173,46 @@ void ClusterCommand::checkOptions() const {
     if (window.microseconds == 0) {
         throw CLI::ValidationError("--window", "must be longer than 0");
     }
-    if (method == Method::Density) {
-        checkDensityOptions();
+    if (method != Method::Grid) {
+        checkPointOptions();
     } else if (!points.empty()) {
-        throw CLI::ValidationError("--points", "needs --method density");
+        throw CLI::ValidationError("--points", "needs --method density or centroid");
     }
+    checkCentroidOptions();
     if (to && to->microseconds <= from.microseconds) {
         throw CLI::ValidationError("--to", "must be later than --from");
     }
 }
 
-void ClusterCommand::checkDensityOptions() const {
+void ClusterCommand::checkPointOptions() const {
     if (polarity == Polarity::Separate) {
         throw CLI::ValidationError("--polarity", "separate needs --method grid");
     }
-    if (density.time_length && density.time_length->microseconds == 0) {
+    if (point.time_length && point.time_length->microseconds == 0) {
         throw CLI::ValidationError("--time-length", "must be longer than 0");
     }
-    if (density.dim == 3 && window.microseconds > kLongestWindowIn3d.microseconds) {
+    if (point.dim == 3 && window.microseconds > kLongestWindowIn3d.microseconds) {
         throw CLI::ValidationError(
             "--window", "must be at most " + toString(kLongestWindowIn3d) + " with --dim 3");
     }
 }
 
+void ClusterCommand::checkCentroidOptions() const {
+    if (method == Method::Centroid) {
+        if (centroid.clusters == 0) {
+            throw CLI::ValidationError("--clusters", "is required with --method centroid");
+        }
+    } else if (!centroids.empty()) {
+        throw CLI::ValidationError("--centroids", "needs --method centroid");
+    }
+}
+
 std::unique_ptr<ClusteringMethod> ClusterCommand::makeMethod(recording::SensorSize sensor) const {
     if (method == Method::Density) {
-        return makeDensityMethod(sensor, density, !points.empty() || pictures.isWanted());
+        return makeDensityMethod(sensor, point, density, !points.empty() || pictures.isWanted());
+    }
+    if (method == Method::Centroid) {
+        return makeCentroidMethod(sensor, point, centroid);
     }
     return std::make_unique<GridMethod>(sensor, polarity, grid);
 }
@@ -194,8 +226,13 @@ int ClusterCommand::run() const {
     if (!points.empty()) {
         point_writer.emplace(points);
     }
+    std::optional<CentroidWriter> centroid_writer;
+    if (!centroids.empty()) {
+        centroid_writer.emplace(centroids);
+    }
     Pictures drawn(pictures, sensor);
-    WindowPipeline pipeline(*clustering, writer, point_writer ? &*point_writer : nullptr, drawn);
+    WindowPipeline pipeline(*clustering, writer, point_writer ? &*point_writer : nullptr,
+                            centroid_writer ? &*centroid_writer : nullptr, drawn);
     recording::EventCleaner cleaner(sensor);
     TimeRange range(from, to);
     recording::WindowSlicer slicer(window.microseconds);
@@ -222,7 +259,7 @@ int ClusterCommand::run() const {
     progress.clear();
 
     if (!is_quiet) {
-        printSummary(pipeline, *reader, cleaner);
+        printSummary(pipeline, *reader, cleaner, clustering->remark());
     }
     if (defect) {
         std::rethrow_exception(defect);

@@ -6,17 +6,19 @@
 #include <memory>
 #include <optional>
 
+#include "command_line/centroid_method.hpp"
 #include "command_line/cluster_writer.hpp"
 #include "command_line/density_method.hpp"
 #include "command_line/grid_method.hpp"
 #include "command_line/pictures.hpp"
+#include "command_line/point_options.hpp"
 #include "command_line/polarity.hpp"
 #include "command_line/quantities.hpp"
 #include "command_line/recording_options.hpp"
 
 namespace kelvora::tool {
 
-enum class Method { Grid, Density };
+enum class Method { Grid, Density, Centroid };
 
 /// `kelvora cluster`: finds the clusters of a recording, window by window.
 class ClusterCommand {
@@ -35,7 +37,8 @@ public:
 private:
     void declareOptions();
     void checkOptions() const;
-    void checkDensityOptions() const;
+    void checkPointOptions() const;
+    void checkCentroidOptions() const;
     std::unique_ptr<ClusteringMethod> makeMethod(recording::SensorSize sensor) const;
 
     CLI::App* command;
@@ -46,10 +49,13 @@ private:
     Polarity polarity = Polarity::All;
     Method method = Method::Grid;
     GridOptions grid;
+    PointOptions point;
     DensityOptions density;
+    CentroidOptions centroid;
     std::filesystem::path output = "-";
     ClusterFormat format = ClusterFormat::Csv;
     std::filesystem::path points;
+    std::filesystem::path centroids;
     PictureOptions pictures;
     bool is_quiet = false;
 };

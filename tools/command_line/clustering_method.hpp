@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "kelvora/cluster_geometry.hpp"
@@ -11,6 +13,14 @@ namespace kelvora::tool {
 
 /// Label of an event that belongs to no cluster.
 constexpr int kNoCluster = -1;
+
+/// The mean of a cluster's events, in pixels and microseconds.
+struct ClusterCentroid {
+    double x;
+    double y;
+    std::optional<double> time_us;  ///< From the same origin as the clusters' start times.
+    unsigned long long size;        ///< Number of events.
+};
 
 /// What a method found in one window.
 struct WindowClusters {
@@ -22,6 +32,9 @@ struct WindowClusters {
     /// For each event of the window the index of its cluster, or `kNoCluster`. Empty if the method
     /// does not tell.
     std::vector<int> labels;
+
+    /// The centroid of each cluster. Empty if the method knows none.
+    std::vector<ClusterCentroid> centroids;
 };
 
 /// Finds the clusters of one window after the other.
@@ -36,6 +49,9 @@ public:
     ///     of the clusters.
     /// \param found  What it holds is replaced.
     virtual void cluster(const recording::Window& window, WindowClusters& found) = 0;
+
+    /// What the user should know of the windows so far, or nothing.
+    virtual std::string remark() const { return {}; }
 };
 
 }  // namespace kelvora::tool

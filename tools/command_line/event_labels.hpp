@@ -76,7 +76,8 @@ std::vector<int> labelEvents(const recording::Window& window,
     return labels;
 }
 
-/// Puts the clusters into the order of their first events.
+/// Puts the clusters, and their centroids, into the order of their first events; those without
+/// events go.
 void sortByFirstEvent(WindowClusters& found);
 
 }  // namespace kelvora::tool

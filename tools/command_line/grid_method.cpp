@@ -46,6 +46,7 @@ void GridMethod::cluster(const recording::Window& window, WindowClusters& found)
     generator.generateClusters(window.end_time, found.clusters);
     found.time_origin = 0;
     found.labels.clear();
+    found.centroids.clear();
 }
 
 }  // namespace kelvora::tool

@@ -11,6 +11,19 @@
 
 namespace kelvora::tool {
 
+namespace {
+
+drawing::Overlay toOverlay(const WindowClusters& found) {
+    drawing::Overlay overlay{found.clusters, {}};
+    for (const ClusterCentroid& centroid : found.centroids) {
+        overlay.centroids.emplace_back(static_cast<float>(centroid.x),
+                                       static_cast<float>(centroid.y));
+    }
+    return overlay;
+}
+
+}  // namespace
+
 Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_)
     : options(std::move(options_)), sensor(sensor_.width, sensor_.height) {
     if (!options.frames_dir.empty()) {
@@ -18,7 +31,7 @@ Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_)
         frames.emplace(sensor);
     }
     if (!options.overview.empty()) {
-        overview.emplace(sensor);
+        sheet.emplace(sensor);
     }
 }
 
@@ -29,13 +42,13 @@ void Pictures::add(const recording::Window& window, const WindowClusters& found)
                                     found.labels.empty() ? nullptr : found.labels.data());
     const std::string caption = drawing::windowCaption(
         window.start_time - origin, window.end_time - origin, found.clusters.size());
+    const drawing::Overlay overlay = toOverlay(found);
     if (frames) {
         const std::string name = fmt::format("frame_{:06}.png", ++frame_number);
-        drawing::writePng(options.frames_dir / name,
-                          frames->render(events, found.clusters, caption));
+        drawing::writePng(options.frames_dir / name, frames->render(events, overlay, caption));
     }
-    if (overview) {
-        overview->add(events, found.clusters, caption);
+    if (sheet) {
+        sheet->add(events, overlay, caption);
     }
     if (!options.plot3d.empty()) {
         keepIfBusiest(window, found.labels, caption);
@@ -54,10 +67,10 @@ void Pictures::keepIfBusiest(const recording::Window& window, const std::vector<
 }
 
 void Pictures::finish() const {
-    if (overview) {
-        const cv::Mat sheet = overview->compose();
-        if (!sheet.empty()) {
-            drawing::writePng(options.overview, sheet);
+    if (sheet) {
+        const cv::Mat picture = sheet->compose();
+        if (!picture.empty()) {
+            drawing::writePng(options.overview, picture);
         }
     }
     if (!busiest.events.empty()) {

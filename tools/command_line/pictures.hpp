@@ -53,7 +53,7 @@ private:
 
     PictureOptions options;
     std::optional<drawing::FrameRenderer> frames;
-    std::optional<drawing::ContactSheet> overview;
+    std::optional<drawing::ContactSheet> sheet;
     cv::Size sensor;
     BusiestWindow busiest;
     std::optional<std::uint64_t> first_start;  ///< Captions count the time from here.

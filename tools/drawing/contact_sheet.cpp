@@ -77,11 +77,10 @@ ContactSheet::ContactSheet(cv::Size sensor_, std::size_t tile_count_)
     }
 }
 
-void ContactSheet::add(EventSpan events, const std::vector<ClusterGeometry>& clusters,
-                       const std::string& caption) {
+void ContactSheet::add(EventSpan events, const Overlay& overlay, const std::string& caption) {
     if (wantsNext()) {
         legend = events.labels == nullptr ? Legend::Polarity : Legend::Clusters;
-        tiles.push_back({rasterize(events, sensor, rasterSize(sensor)), clusters, caption});
+        tiles.push_back({rasterize(events, sensor, rasterSize(sensor)), overlay, caption});
     }
     ++added;
     if (tiles.size() == 2 * tile_count) {
@@ -118,7 +117,7 @@ cv::Mat ContactSheet::compose() const {
         const int row = static_cast<int>(i) / layout.columns;
         const cv::Point corner{kGap + column * layout.tile().width,
                                kGap + row * layout.tile().height};
-        renderer.render(tiles[i].raster, tiles[i].clusters)
+        renderer.render(tiles[i].raster, tiles[i].overlay)
             .copyTo(sheet(cv::Rect{corner, thumbnail}));
         const cv::Rect strip{corner.x, corner.y + thumbnail.height, thumbnail.width, kStripHeight};
         drawCaption(sheet, strip, tiles[i].caption);

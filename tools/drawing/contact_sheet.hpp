@@ -9,7 +9,7 @@
 
 #include "drawing/caption.hpp"
 #include "drawing/event_raster.hpp"
-#include "kelvora/cluster_geometry.hpp"
+#include "drawing/overlay.hpp"
 
 namespace kelvora::drawing {
 
@@ -18,8 +18,8 @@ namespace kelvora::drawing {
 ///
 /// How many windows will come need not be known. All are kept at first; whenever there are twice as
 /// many as wanted, every other one is dropped and from then on half as many are taken. Memory is
-/// bounded: at most 2 * `tile_count` windows of at most 1920 by 1200 bytes each, and their
-/// clusters.
+/// bounded: at most 2 * `tile_count` windows of at most 1920 by 1200 bytes each, and what
+/// is drawn over them.
 class ContactSheet {
 public:
     /// \param sensor      Size of the sensor, pixels.
@@ -31,8 +31,7 @@ public:
     /// Adds the next window; those that the sheet does not need cost nothing.
     ///
     /// \param caption  One line below the thumbnail, such as `windowCaption`.
-    void add(EventSpan events, const std::vector<ClusterGeometry>& clusters,
-             const std::string& caption);
+    void add(EventSpan events, const Overlay& overlay, const std::string& caption);
 
     /// Whether the sheet would keep the next window. One that it does not want may be added without
     /// its events.
@@ -49,7 +48,7 @@ public:
 private:
     struct Tile {
         cv::Mat raster;
-        std::vector<ClusterGeometry> clusters;
+        Overlay overlay;
         std::string caption;
     };
 

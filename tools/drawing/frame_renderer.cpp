@@ -17,6 +17,7 @@ constexpr int kComfortableSide = 480;
 constexpr int kLongestSide = 4096;
 constexpr int kThumbnailSide = 320;  // Smaller pictures get thinner lines.
 constexpr int kSmallestBoxSide = 3;
+constexpr int kCrossSide = 7;
 
 cv::Size comfortableSize(cv::Size sensor) {
     const int shorter = std::max(1, std::min(sensor.width, sensor.height));
@@ -103,6 +104,24 @@ void drawOutlines(cv::Mat& frame, const std::vector<cv::Rect>& outlines, int thi
     }
 }
 
+// Each with a dark rim, as outlines have.
+void drawCrosses(cv::Mat& frame, const std::vector<cv::Point2f>& centroids, cv::Size sensor,
+                 int thickness) {
+    for (const cv::Point2f& centroid : centroids) {
+        // The centre of an event's pixel, not its corner.
+        const double column = (centroid.x + 0.5) * frame.cols / sensor.width;
+        const double row = (centroid.y + 0.5) * frame.rows / sensor.height;
+        if (!(0 <= column && column < frame.cols && 0 <= row && row < frame.rows)) {
+            continue;
+        }
+        const cv::Point place(static_cast<int>(column), static_cast<int>(row));
+        cv::drawMarker(frame, place, cv::Scalar(kBackgroundColour), cv::MARKER_CROSS,
+                       kCrossSide * thickness + 2, thickness + 2);
+        cv::drawMarker(frame, place, cv::Scalar(kBoxColour), cv::MARKER_CROSS,
+                       kCrossSide * thickness, thickness);
+    }
+}
+
 }  // namespace
 
 FrameRenderer::FrameRenderer(cv::Size sensor_) : FrameRenderer{sensor_, comfortableSize(sensor_)} {}
@@ -114,11 +133,11 @@ FrameRenderer::FrameRenderer(cv::Size sensor_, cv::Size picture_)
     }
 }
 
-cv::Mat FrameRenderer::render(EventSpan events, const std::vector<ClusterGeometry>& clusters,
+cv::Mat FrameRenderer::render(EventSpan events, const Overlay& overlay,
                               const std::string& caption) const {
     const cv::Size raster_size{std::min(sensor.width, picture.width),
                                std::min(sensor.height, picture.height)};
-    cv::Mat frame = render(rasterize(events, sensor, raster_size), clusters);
+    cv::Mat frame = render(rasterize(events, sensor, raster_size), overlay);
     if (caption.empty()) {
         return frame;
     }
@@ -130,11 +149,11 @@ cv::Mat FrameRenderer::render(EventSpan events, const std::vector<ClusterGeometr
     return captioned;
 }
 
-cv::Mat FrameRenderer::render(const cv::Mat& raster,
-                              const std::vector<ClusterGeometry>& clusters) const {
+cv::Mat FrameRenderer::render(const cv::Mat& raster, const Overlay& overlay) const {
     cv::Mat frame = colourRaster(raster, picture);
     const int thickness = std::min(picture.width, picture.height) < kThumbnailSide ? 1 : 2;
-    drawOutlines(frame, outlines(clusters, sensor, picture, thickness), thickness);
+    drawOutlines(frame, outlines(overlay.clusters, sensor, picture, thickness), thickness);
+    drawCrosses(frame, overlay.centroids, sensor, thickness);
     return frame;
 }
 

@@ -3,10 +3,9 @@
 
 #include <opencv2/core/mat.hpp>
 #include <string>
-#include <vector>
 
 #include "drawing/event_raster.hpp"
-#include "kelvora/cluster_geometry.hpp"
+#include "drawing/overlay.hpp"
 
 namespace kelvora::drawing {
 
@@ -34,17 +33,14 @@ public:
     cv::Size pictureSize() const { return picture; }
 
     /// \param events    Those outside of the sensor are left out.
-    /// \param clusters  Boxes are clipped to the sensor. Left out are those that lie outside of it,
-    ///     and those with a negative size or a field that is not finite.
     /// \param caption   One line below the picture, or empty for none.
     /// \returns `CV_8UC3` in the order blue, green, red.
-    cv::Mat render(EventSpan events, const std::vector<ClusterGeometry>& clusters,
-                   const std::string& caption = "") const;
+    cv::Mat render(EventSpan events, const Overlay& overlay, const std::string& caption = "") const;
 
     /// The same without the events, as made by `rasterize`.
     ///
     /// \param raster  Shows the whole sensor, in any resolution.
-    cv::Mat render(const cv::Mat& raster, const std::vector<ClusterGeometry>& clusters) const;
+    cv::Mat render(const cv::Mat& raster, const Overlay& overlay) const;
 
 private:
     cv::Size sensor;

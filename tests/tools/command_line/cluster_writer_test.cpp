@@ -18,7 +18,7 @@ std::string written(ClusterFormat format, const std::vector<ClusterGeometry>& cl
     const auto path = std::filesystem::path(testing::TempDir()) / "cluster_writer_test.out";
     {
         ClusterWriter writer(path, format);
-        writer.write({clusters, time_origin, {}});
+        writer.write({clusters, time_origin, {}, {}});
     }
     std::ostringstream text;
     text << std::ifstream(path).rdbuf();

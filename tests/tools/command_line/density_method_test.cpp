@@ -26,9 +26,10 @@ std::vector<Event2D> twoSquares() {
     return events;
 }
 
-WindowClusters found(const DensityOptions& options, bool with_labels = true) {
+WindowClusters found(const PointOptions& points, const DensityOptions& options = {},
+                     bool with_labels = true) {
     const std::vector<Event2D> events = twoSquares();
-    const auto method = makeDensityMethod({320, 240}, options, with_labels);
+    const auto method = makeDensityMethod({320, 240}, points, options, with_labels);
     WindowClusters result;
     // The second window must not know the first.
     for (int i = 0; i < 2; ++i) {
@@ -46,17 +47,18 @@ struct Variant {
 
 class DensityMethodTest : public testing::TestWithParam<Variant> {
 protected:
-    static DensityOptions options() {
-        DensityOptions result;
-        result.dim = GetParam().dim;
-        result.precision = GetParam().precision;
-        result.jobs = GetParam().jobs;
-        return result;
+    static WindowClusters foundByVariant() {
+        PointOptions points;
+        points.dim = GetParam().dim;
+        points.precision = GetParam().precision;
+        DensityOptions options;
+        options.jobs = GetParam().jobs;
+        return found(points, options);
     }
 };
 
 TEST_P(DensityMethodTest, FindsTheSquaresInTheOrderOfTheirEvents) {
-    const WindowClusters result = found(options());
+    const WindowClusters result = foundByVariant();
     ASSERT_EQ(result.clusters.size(), 2U);
     EXPECT_NEAR(result.clusters[0].x, 200, 1e-3);
     EXPECT_NEAR(result.clusters[1].y, 30, 1e-3);
@@ -64,7 +66,7 @@ TEST_P(DensityMethodTest, FindsTheSquaresInTheOrderOfTheirEvents) {
 }
 
 TEST_P(DensityMethodTest, LabelsEveryEvent) {
-    const WindowClusters result = found(options());
+    const WindowClusters result = foundByVariant();
     ASSERT_EQ(result.labels.size(), 201U);
     EXPECT_EQ(std::count(result.labels.begin(), result.labels.end(), 0), 100);
     EXPECT_EQ(std::count(result.labels.begin(), result.labels.end(), 1), 100);
@@ -78,9 +80,9 @@ INSTANTIATE_TEST_SUITE_P(Variants, DensityMethodTest,
                                          Variant{3, Precision::Double, 1}));
 
 TEST(DensityMethod, KeepsTimesSince1970InThreeDimensions) {
-    DensityOptions options;
-    options.dim = 3;
-    const WindowClusters result = found(options);
+    PointOptions points;
+    points.dim = 3;
+    const WindowClusters result = found(points);
     ASSERT_EQ(result.clusters.size(), 2U);
     EXPECT_EQ(result.time_origin, kStart);
     EXPECT_NEAR(result.clusters[0].start_time, 1000, 1);
@@ -89,25 +91,16 @@ TEST(DensityMethod, KeepsTimesSince1970InThreeDimensions) {
 }
 
 TEST(DensityMethod, WithoutLabelsFindsTheSameClusters) {
-    EXPECT_EQ(found({}, false).clusters.size(), 2U);
-    EXPECT_TRUE(found({}, false).labels.empty());
+    EXPECT_EQ(found({}, {}, false).clusters.size(), 2U);
+    EXPECT_TRUE(found({}, {}, false).labels.empty());
 }
 
 TEST(DensityMethod, ClustersTheNewestEventsIfTheCapacityIsBounded) {
-    DensityOptions options;
-    options.capacity = 100;
-    const WindowClusters result = found(options);
+    PointOptions points;
+    points.capacity = 100;
+    const WindowClusters result = found(points);
     ASSERT_EQ(result.clusters.size(), 1U);
     EXPECT_NEAR(result.clusters[0].x, 20, 1e-3);
-}
-
-TEST(DensityOptions, TakeTheTimeScaleFromEitherForm) {
-    DensityOptions options;
-    EXPECT_FLOAT_EQ(options.timeScale(), 0.001F);
-    options.us_per_pixel = 500;
-    EXPECT_FLOAT_EQ(options.timeScale(), 0.002F);
-    options.scale_time = 0.5F;
-    EXPECT_FLOAT_EQ(options.timeScale(), 0.5F);
 }
 
 }  // namespace

@@ -65,5 +65,17 @@ TEST(SortByFirstEvent, RenumbersClustersAndLabels) {
     EXPECT_EQ(found.clusters[2].x, 20);
 }
 
+TEST(SortByFirstEvent, KeepsCentroidsBesideTheirClustersAndDropsThoseWithoutEvents) {
+    WindowClusters found;
+    found.clusters = {{10, 0, 1, 1, 0}, {20, 0, 1, 1, 0}, {30, 0, 1, 1, 0}};
+    found.centroids = {{11, 0, {}, 1}, {21, 0, {}, 0}, {31, 0, {}, 1}};
+    found.labels = {2, 0};
+    sortByFirstEvent(found);
+    ASSERT_EQ(found.centroids.size(), 2U);
+    EXPECT_EQ(found.centroids[0].x, 31);
+    EXPECT_EQ(found.centroids[1].x, 11);
+    EXPECT_EQ(found.clusters[1].x, 10);
+}
+
 }  // namespace
 }  // namespace kelvora::tool

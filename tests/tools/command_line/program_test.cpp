@@ -198,6 +198,32 @@ TEST_F(Program, WritesTheEventsOfClustersAndThePlotOfAWindow) {
     EXPECT_THAT(contents(path("plot.png")), StartsWith("\x89PNG"));
 }
 
+TEST_F(Program, WritesTheCentroidsOfClusters) {
+    const Outcome outcome =
+        run("cluster --method centroid --clusters 4 -o " + path("clusters.csv") +
+            " --centroids - --overview " + path("overview.png") + " " + simulate("scene.raw"));
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(outcome.output, StartsWith("timestamp_us,cluster,x,y,time_us,size\n10000,0,"));
+    EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 1 + 4 * 10);
+    EXPECT_THAT(contents(path("overview.png")), StartsWith("\x89PNG"));
+}
+
+TEST_F(Program, RemarksOnWindowsWithTooFewEventsForTheClusters) {
+    const Outcome outcome =
+        run("cluster --method centroid --clusters 900000 " + simulate("scene.raw"));
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(outcome.errors, HasSubstr("10 windows had fewer than 900000 events"));
+}
+
+TEST_F(Program, RefusesCentroidOptionsThatContradict) {
+    EXPECT_EQ(run("cluster x --method centroid").status, 2);
+    EXPECT_EQ(run("cluster x --method centroid --clusters 0").status, 2);
+    EXPECT_EQ(run("cluster x --method centroid --clusters 2 --tol 0").status, 2);
+    EXPECT_EQ(run("cluster x --method centroid --clusters 2 --max-iter 0").status, 2);
+    EXPECT_EQ(run("cluster x --method centroid --clusters 2 --polarity separate").status, 2);
+    EXPECT_EQ(run("cluster x --method density --centroids y").status, 2);
+}
+
 TEST_F(Program, RefusesDensityOptionsThatContradict) {
     EXPECT_EQ(run("cluster x --points y").status, 2);
     EXPECT_EQ(run("cluster x --method density --dim 4").status, 2);

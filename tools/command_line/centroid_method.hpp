@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/App.hpp>
+#include <memory>
+
+#include "command_line/clustering_method.hpp"
+#include "command_line/point_options.hpp"
+#include "recording/sensor_size.hpp"
+
+namespace kelvora::tool {
+
+/// Parameters of the centroid method.
+struct CentroidOptions {
+    unsigned long long clusters = 0;  ///< Has no default: only the user can know.
+    unsigned long long max_iter = 50;
+    double tol = 1.0;
+};
+
+/// Adds an option for each parameter of the centroid method.
+void declareOptions(CLI::App& command, CentroidOptions& options);
+
+/// Divides all events of a window into a number of clusters around centroids. Clusters without
+/// events, as of coinciding centroids, are left out. Results differ from run to run.
+///
+/// \throws std::runtime_error  if the points cannot be reserved.
+std::unique_ptr<ClusteringMethod> makeCentroidMethod(recording::SensorSize sensor,
+                                                     const PointOptions& points,
+                                                     const CentroidOptions& options);
+
+}  // namespace kelvora::tool

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+
+#include "command_line/clustering_method.hpp"
+#include "command_line/point_options.hpp"
+#include "recording/window_slicer.hpp"
+
+/// \file
+/// What the methods that cluster points have in common.
+
+namespace kelvora::tool {
+
+/// Feeds the events of a window to a generator. Their times count from its start: a float holds the
+/// microseconds of a window, but not those since 1970.
+template <class Generator>
+void feed(Generator& generator, const recording::Window& window) {
+    for (const Event2D& event : window) {
+        const Event2D relative(event.x, event.y, event.polarity,
+                               event.timestamp - window.start_time);
+        generator.processEvent(&relative);
+    }
+}
+
+/// Makes a method of the wanted dimension and precision.
+template <template <int, typename> class Method, class... Arguments>
+std::unique_ptr<ClusteringMethod> makePointMethod(const PointOptions& options,
+                                                  const Arguments&... arguments) {
+    const bool is_float = options.precision == Precision::Float;
+    if (options.dim == 2 && is_float) {
+        return std::make_unique<Method<2, float>>(options, arguments...);
+    }
+    if (options.dim == 2) {
+        return std::make_unique<Method<2, double>>(options, arguments...);
+    }
+    if (is_float) {
+        return std::make_unique<Method<3, float>>(options, arguments...);
+    }
+    return std::make_unique<Method<3, double>>(options, arguments...);
+}
+
+}  // namespace kelvora::tool

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <opencv2/core/types.hpp>
+#include <vector>
+
+#include "kelvora/cluster_geometry.hpp"
+
+namespace kelvora::drawing {
+
+/// What is drawn over the events of a window, in pixels of the sensor.
+struct Overlay {
+    /// Outlined. Boxes are clipped to the sensor; left out are those that lie outside of it, and
+    /// those with a negative size or a field that is not finite.
+    std::vector<ClusterGeometry> clusters;
+
+    /// Marked by crosses, unless they lie outside of the sensor. An event at the first pixel is at
+    /// (0, 0).
+    std::vector<cv::Point2f> centroids;
+};
+
+}  // namespace kelvora::drawing

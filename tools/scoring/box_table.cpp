@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "scoring/box_table.hpp"
+
+#include <fmt/format.h>
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "scoring/table_reader.hpp"
+
+namespace kelvora::scoring {
+namespace {
+
+double length(const TableReader& table, std::string_view column) {
+    const double value = table.number(column);
+    if (value < 0.0) {
+        table.refuseField(column, "a number from 0 on");
+    }
+    return value;
+}
+
+Box box(const TableReader& table) {
+    return {table.number("x"), table.number("y"), length(table, "width"), length(table, "height")};
+}
+
+bool isMoving(const TableReader& table) {
+    if (!table.has("moving")) {
+        return true;
+    }
+    const std::string& text = table.text("moving");
+    if (text != "0" && text != "1") {
+        table.refuseField("moving", "0 or 1");
+    }
+    return text == "1";
+}
+
+double visibility(const TableReader& table) {
+    if (!table.has("visibility")) {
+        return 1.0;
+    }
+    const double value = table.number("visibility");
+    if (value < 0.0 || value > 1.0) {
+        table.refuseField("visibility", "a number from 0 to 1");
+    }
+    return value;
+}
+
+bool isTentative(const TableReader& table) {
+    if (!table.has("state")) {
+        return false;
+    }
+    const std::string& text = table.text("state");
+    if (text != "tentative" && text != "confirmed") {
+        table.refuseField("state", "tentative or confirmed");
+    }
+    return text == "tentative";
+}
+
+std::uint64_t track(const TableReader& table) {
+    const std::uint64_t id = table.countingNumber("track_id");
+    if (id == 0) {
+        table.refuseField("track_id", "a whole number from 1 on");
+    }
+    return id;
+}
+
+/// Refuses names that are given to two boxes at the same time.
+template <class Id>
+class UniqueIds {
+public:
+    void add(const TableReader& table, std::uint64_t time, Id id, std::string_view what) {
+        if (!seen.emplace(time, id).second) {
+            table.refuse(fmt::format("has {} {} twice at {} us", what, id, time),
+                         "give one row per time to each");
+        }
+    }
+
+private:
+    std::set<std::pair<std::uint64_t, Id>> seen;
+};
+
+}  // namespace
+
+std::vector<TruthBox> readTruth(const std::filesystem::path& path) {
+    TableReader table(path, {"timestamp_us", "id", "x", "y", "width", "height"});
+    std::vector<TruthBox> rows;
+    UniqueIds<std::int64_t> ids;
+    while (table.next()) {
+        rows.push_back({table.countingNumber("timestamp_us"), box(table), table.wholeNumber("id"),
+                        visibility(table), isMoving(table)});
+        ids.add(table, rows.back().timestamp_us, rows.back().id, "object");
+    }
+    return rows;
+}
+
+ClusterTable readClusters(const std::filesystem::path& path, bool with_tentative) {
+    TableReader table(path, {"timestamp_us", "x", "y", "width", "height"});
+    ClusterTable result;
+    result.has_tracks = table.has("track_id");
+    UniqueIds<std::uint64_t> tracks;
+    while (table.next()) {
+        const ClusterBox row = {table.countingNumber("timestamp_us"), box(table),
+                                result.has_tracks ? track(table) : 0};
+        if (result.has_tracks) {
+            tracks.add(table, row.timestamp_us, row.track, "track");
+        }
+        if (isTentative(table) && !with_tentative) {
+            ++result.left_out;
+        } else {
+            result.clusters.push_back(row);
+        }
+    }
+    return result;
+}
+
+}  // namespace kelvora::scoring

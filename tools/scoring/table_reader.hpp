@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "recording/input_file.hpp"
+
+namespace kelvora::scoring {
+
+/// A table with named columns, read row by row: CSV with a header line, or JSON lines (recognised
+/// by the `{` at its beginning), whose columns are the members of the first object.
+///
+/// Columns may stand in any order. Blank lines are skipped, and so are blanks around fields.
+/// Fields in quotation marks are not understood in CSV.
+///
+/// All functions throw `recording::RecordingError` for what cannot be read.
+class TableReader {
+public:
+    /// \param required  Columns that must be there.
+    TableReader(const std::filesystem::path& path, const std::vector<std::string>& required);
+
+    /// Whether the table has this column.
+    bool has(std::string_view column) const;
+
+    /// Goes to the next row.
+    ///
+    /// \returns false at the end.
+    bool next();
+
+    /// A field of the row, as it is written; likewise all below. The table must have the column.
+    const std::string& text(std::string_view column) const;
+
+    /// \throws recording::RecordingError  also if it is infinite.
+    double number(std::string_view column) const;
+
+    std::int64_t wholeNumber(std::string_view column) const;
+
+    /// \throws recording::RecordingError  also if it is negative.
+    std::uint64_t countingNumber(std::string_view column) const;
+
+    /// Reports that something is wrong with the row.
+    ///
+    /// \throws recording::RecordingError  always.
+    [[noreturn]] void refuse(const std::string& problem, const std::string& remedy) const;
+
+    /// Reports that something is wrong with a field of the row.
+    ///
+    /// \param expected  As in "is not a number".
+    /// \throws recording::RecordingError  always.
+    [[noreturn]] void refuseField(std::string_view column, const std::string& expected) const;
+
+private:
+    bool nextLine();
+    bool fillBuffer();
+    void readNames();
+    void requireColumns(const std::vector<std::string>& required) const;
+    void readCsvRow();
+    void readJsonRow();
+    template <class Number>
+    Number parse(std::string_view column, const char* expected) const;
+
+    recording::InputFile file;
+    bool is_json = false;
+    bool has_row = false;  ///< The first line was a row and not a header.
+    std::vector<std::string> names;
+    std::vector<std::string> fields;
+    std::string line;
+    std::uint64_t line_number = 0;
+    std::string buffer;
+    std::size_t buffer_position = 0;
+};
+
+}  // namespace kelvora::scoring

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "scoring/frame.hpp"
+#include "scoring/frame_matcher.hpp"
+#include "scoring/score_figures.hpp"
+
+namespace kelvora::scoring {
+
+struct ScoreOptions {
+    double min_iou = 0.5;         ///< Least intersection over union of a match, in (0, 1].
+    double min_visibility = 0.0;  ///< Objects of which less can be seen are ignored.
+    bool include_still = false;   ///< Whether objects that do not move count, too.
+    bool has_tracks = false;      ///< Whether clusters belong to tracks.
+};
+
+/// Compares clusters with the truth, frame by frame, by the rules of K. Bernardin, R. Stiefelhagen:
+/// "Evaluating Multiple Object Tracking Performance: The CLEAR MOT Metrics", EURASIP Journal on
+/// Image and Video Processing, 2008.
+///
+/// An object stays matched with the track that it was matched with in the frame before, as long as
+/// the two overlap enough. All others are assigned such that there are as many matches as can be,
+/// at the largest sum of intersections over unions.
+///
+/// An event camera does not see what stands still. Objects that do not move, or of which too little
+/// can be seen, are therefore ignored: they need not be found, and are assigned the clusters that
+/// the other objects leave, which then are no false positives. Frames in which an object is ignored
+/// count neither as found nor as lost.
+class TrackingScore {
+public:
+    explicit TrackingScore(const ScoreOptions& options_);
+
+    /// Counts a frame; frames come in order of time. An object or track occurs in it once at most.
+    void add(const Frame& frame);
+
+    /// The score of all frames so far.
+    ScoreFigures figures() const;
+
+private:
+    /// The frames of an object in which it counts.
+    struct Trajectory {
+        std::uint64_t frames = 0;
+        std::uint64_t matches = 0;
+        std::uint64_t last_match = 0;  ///< Number of the frame, from 1.
+        std::uint64_t last_track = 0;
+        bool is_tracked = false;  ///< Whether it was matched in the last frame in which it counted.
+    };
+
+    bool counts(const TruthBox& object) const;
+    void keepMatches(const Frame& frame, const std::vector<std::size_t>& objects,
+                     FrameMatcher& matcher) const;
+    void countMatches(const Frame& frame, const std::vector<std::size_t>& objects,
+                      const std::vector<Match>& matches);
+    void countMatch(Trajectory& trajectory, std::uint64_t track);
+
+    ScoreOptions options;
+    ScoreFigures sums;
+    std::unordered_map<std::int64_t, Trajectory> trajectories;
+};
+
+}  // namespace kelvora::scoring
