@@ -167,22 +167,23 @@ std::vector<Event2D> simulatedEvents(const SensorSize& sensor, std::size_t count
     return events;
 }
 
-template <int DIM>
-std::vector<KDPoint<DIM, float>> pointsOf(const std::vector<Event2D>& events) {
-    std::vector<KDPoint<DIM, float>> points;
+template <int DIM, typename T>
+std::vector<KDPoint<DIM, T>> pointsOf(const std::vector<Event2D>& events) {
+    std::vector<KDPoint<DIM, T>> points;
     points.reserve(events.size());
     for (const Event2D& event : events) {
-        KDPoint<DIM, float>& point = points.emplace_back();
+        KDPoint<DIM, T>& point = points.emplace_back();
         point.coordinates[0] = event.x;
         point.coordinates[1] = event.y;
         if constexpr (DIM == 3) {
-            point.coordinates[2] = static_cast<float>(event.timestamp) * 0.001F;
+            point.coordinates[2] = static_cast<T>(event.timestamp) * static_cast<T>(0.001F);
         }
     }
     return points;
 }
 
 template std::vector<KDPoint<2, float>> pointsOf<2>(const std::vector<Event2D>& events);
+template std::vector<KDPoint<2, double>> pointsOf<2>(const std::vector<Event2D>& events);
 template std::vector<KDPoint<3, float>> pointsOf<3>(const std::vector<Event2D>& events);
 
 }  // namespace kelvora::benchmarks

@@ -40,10 +40,11 @@ constexpr SensorSize kLargeSensor = {1280, 720};
 std::vector<Event2D> simulatedEvents(const SensorSize& sensor, std::size_t count);
 
 /// Events as points: pixels and, in three dimensions, milliseconds.
-template <int DIM>
-std::vector<KDPoint<DIM, float>> pointsOf(const std::vector<Event2D>& events);
+template <int DIM, typename T = float>
+std::vector<KDPoint<DIM, T>> pointsOf(const std::vector<Event2D>& events);
 
 extern template std::vector<KDPoint<2, float>> pointsOf<2>(const std::vector<Event2D>& events);
+extern template std::vector<KDPoint<2, double>> pointsOf<2>(const std::vector<Event2D>& events);
 extern template std::vector<KDPoint<3, float>> pointsOf<3>(const std::vector<Event2D>& events);
 
 }  // namespace kelvora::benchmarks

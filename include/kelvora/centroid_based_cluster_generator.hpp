@@ -20,9 +20,10 @@ namespace kelvora {
 /// multiplied by a scale. `generateClusters` clusters the points since its last call, the newest of
 /// them if there are more than allowed.
 ///
-/// Feed events and generate clusters from one thread, or take care that the two do not overlap. All
-/// other operations may be called from any thread while events are fed, but none while clusters are
-/// generated: clustering itself runs without a lock. Generators are neither copyable nor assignable.
+/// Feed events, generate clusters and reset from one thread, or take care that these do not overlap.
+/// All other operations may be called from any thread while events are fed, but none while clusters
+/// are generated: clustering itself runs without a lock. Generators are neither copyable nor
+/// assignable.
 ///
 /// \note Every event belongs to a cluster: this method knows no noise.
 /// \note Clusters differ from run to run, since the first centroid is drawn at random.

@@ -9,12 +9,11 @@
 #include <map>
 #include <string>
 
-#include "command_line/centroid_writer.hpp"
 #include "command_line/clustering_method.hpp"
 #include "command_line/interrupt.hpp"
-#include "command_line/point_writer.hpp"
 #include "command_line/progress_line.hpp"
 #include "command_line/time_range.hpp"
+#include "command_line/window_pipeline.hpp"
 #include "recording/event_cleaner.hpp"
 #include "recording/event_reader.hpp"
 #include "recording/recording_error.hpp"
@@ -32,56 +31,8 @@ const std::map<std::string, Polarity> kPolarities = {{"all", Polarity::All},
 const std::map<std::string, Method> kMethods = {
     {"grid", Method::Grid}, {"density", Method::Density}, {"centroid", Method::Centroid}};
 
-const std::map<std::string, ClusterFormat> kFormats = {{"csv", ClusterFormat::Csv},
-                                                       {"jsonl", ClusterFormat::JsonLines}};
-
-/// Clusters window after window, and hands the results to whoever wants them.
-class WindowPipeline {
-public:
-    /// \param points_  Null if the events of clusters are not wanted.
-    /// \param centroids_  Likewise.
-    WindowPipeline(ClusteringMethod& method_, ClusterWriter& writer_, PointWriter* points_,
-                   CentroidWriter* centroids_, Pictures& pictures_)
-        : method(method_),
-          writer(writer_),
-          points(points_),
-          centroids(centroids_),
-          pictures(pictures_) {}
-
-    /// Takes all windows that are complete, up to an interrupt.
-    void process(recording::WindowSlicer& slicer) {
-        recording::Window window;
-        while (!isInterrupted() && slicer.next(window)) {
-            method.cluster(window, found);
-            writer.write(found);
-            if (points != nullptr) {
-                points->write(window, found);
-            }
-            if (centroids != nullptr) {
-                centroids->write(window.end_time, found);
-            }
-            pictures.add(window, found);
-            ++window_count;
-            cluster_count += found.clusters.size();
-        }
-    }
-
-    std::uint64_t windowCount() const { return window_count; }
-    std::uint64_t clusterCount() const { return cluster_count; }
-
-private:
-    ClusteringMethod& method;
-    ClusterWriter& writer;
-    PointWriter* points;
-    CentroidWriter* centroids;
-    Pictures& pictures;
-    WindowClusters found;
-    std::uint64_t window_count = 0;
-    std::uint64_t cluster_count = 0;
-};
-
 void printSummary(const WindowPipeline& pipeline, const recording::EventReader& reader,
-                  const recording::EventCleaner& cleaner, const std::string& remark) {
+                  const recording::EventCleaner& cleaner) {
     fmt::print(stderr,
                "kelvora: {} clusters in {} windows with events; dropped {} events off the sensor, "
                "corrected {} times out of order",
@@ -90,6 +41,7 @@ void printSummary(const WindowPipeline& pipeline, const recording::EventReader& 
     if (reader.skippedWords() > 0) {
         fmt::print(stderr, ", skipped {} unknown words", reader.skippedWords());
     }
+    const std::string remark = pipeline.remark();
     fmt::print(stderr, "{}{}\n", remark.empty() ? "" : "; ", remark);
 }
 
@@ -130,43 +82,8 @@ void ClusterCommand::declareOptions() {
     tool::declareOptions(*command, point);
     tool::declareOptions(*command, density);
     tool::declareOptions(*command, centroid);
-    const char* const output_group = "Output";
-    command
-        ->add_option("-o,--output", output,
-                     "File for the clusters, one row each; - is standard output")
-        ->option_text("FILE [-]")
-        ->group(output_group);
-    command->add_option("--format", format, "Format of the clusters")
-        ->transform(CLI::CheckedTransformer(kFormats).description(""))
-        ->option_text("csv|jsonl [csv]")
-        ->group(output_group);
-    command
-        ->add_option("--points", points,
-                     "File for every event of a cluster with its cluster's number (CSV); not with "
-                     "--method grid")
-        ->option_text("FILE")
-        ->group(output_group);
-    command
-        ->add_option("--centroids", centroids,
-                     "File for the centroid and size of every cluster (CSV); with --method "
-                     "centroid")
-        ->option_text("FILE")
-        ->group(output_group);
-    command
-        ->add_option("--frames", pictures.frames_dir,
-                     "Directory for a picture (PNG) of each window")
-        ->option_text("DIR")
-        ->group(output_group);
-    command->add_option("--overview", pictures.overview, "File for a sheet of some windows (PNG)")
-        ->option_text("FILE")
-        ->group(output_group);
-    command
-        ->add_option("--plot3d", pictures.plot3d,
-                     "File for a plot in space and time of the window with most events (PNG)")
-        ->option_text("FILE")
-        ->group(output_group);
-    command->add_flag("-q,--quiet", is_quiet, "No closing line and no progress")
-        ->group(output_group);
+    tool::declareOptions(*command, track);
+    tool::declareOptions(*command, output);
 }
 
 void ClusterCommand::checkOptions() const {
@@ -175,10 +92,11 @@ void ClusterCommand::checkOptions() const {
     }
     if (method != Method::Grid) {
         checkPointOptions();
-    } else if (!points.empty()) {
+    } else if (!output.points.empty()) {
         throw CLI::ValidationError("--points", "needs --method density or centroid");
     }
     checkCentroidOptions();
+    checkTrackOptions();
     if (to && to->microseconds <= from.microseconds) {
         throw CLI::ValidationError("--to", "must be later than --from");
     }
@@ -202,14 +120,26 @@ void ClusterCommand::checkCentroidOptions() const {
         if (centroid.clusters == 0) {
             throw CLI::ValidationError("--clusters", "is required with --method centroid");
         }
-    } else if (!centroids.empty()) {
+    } else if (!output.centroids.empty()) {
         throw CLI::ValidationError("--centroids", "needs --method centroid");
+    }
+}
+
+void ClusterCommand::checkTrackOptions() const {
+    if (track.is_wanted) {
+        return;
+    }
+    if (!output.tracks.empty()) {
+        throw CLI::ValidationError("--tracks", "needs --track");
+    }
+    if (output.format == ClusterFormat::Mot) {
+        throw CLI::ValidationError("--format", "mot needs --track");
     }
 }
 
 std::unique_ptr<ClusteringMethod> ClusterCommand::makeMethod(recording::SensorSize sensor) const {
     if (method == Method::Density) {
-        return makeDensityMethod(sensor, point, density, !points.empty() || pictures.isWanted());
+        return makeDensityMethod(sensor, point, density, output.needLabels());
     }
     if (method == Method::Centroid) {
         return makeCentroidMethod(sensor, point, centroid);
@@ -220,23 +150,11 @@ std::unique_ptr<ClusteringMethod> ClusterCommand::makeMethod(recording::SensorSi
 int ClusterCommand::run() const {
     const auto reader = recording::openRecording(recording.path, recording.read);
     const recording::SensorSize sensor = requireSensorSize(*reader, recording);
-    const auto clustering = makeMethod(sensor);
-    ClusterWriter writer(output, format);
-    std::optional<PointWriter> point_writer;
-    if (!points.empty()) {
-        point_writer.emplace(points);
-    }
-    std::optional<CentroidWriter> centroid_writer;
-    if (!centroids.empty()) {
-        centroid_writer.emplace(centroids);
-    }
-    Pictures drawn(pictures, sensor);
-    WindowPipeline pipeline(*clustering, writer, point_writer ? &*point_writer : nullptr,
-                            centroid_writer ? &*centroid_writer : nullptr, drawn);
+    WindowPipeline pipeline(makeMethod(sensor), output, track, sensor, window.microseconds);
     recording::EventCleaner cleaner(sensor);
     TimeRange range(from, to);
     recording::WindowSlicer slicer(window.microseconds);
-    ProgressLine progress(recording.path.string(), !is_quiet);
+    ProgressLine progress(recording.path.string(), !output.is_quiet);
 
     // A defect does not undo what was read before it: it is reported when all of that is written.
     std::exception_ptr defect;
@@ -255,11 +173,11 @@ int ClusterCommand::run() const {
     }
     slicer.finish();
     pipeline.process(slicer);
-    drawn.finish();
+    pipeline.finish();
     progress.clear();
 
-    if (!is_quiet) {
-        printSummary(pipeline, *reader, cleaner, clustering->remark());
+    if (!output.is_quiet) {
+        printSummary(pipeline, *reader, cleaner);
     }
     if (defect) {
         std::rethrow_exception(defect);

@@ -2,19 +2,18 @@
 #pragma once
 
 #include <CLI/App.hpp>
-#include <filesystem>
 #include <memory>
 #include <optional>
 
 #include "command_line/centroid_method.hpp"
-#include "command_line/cluster_writer.hpp"
 #include "command_line/density_method.hpp"
 #include "command_line/grid_method.hpp"
-#include "command_line/pictures.hpp"
+#include "command_line/output_options.hpp"
 #include "command_line/point_options.hpp"
 #include "command_line/polarity.hpp"
 #include "command_line/quantities.hpp"
 #include "command_line/recording_options.hpp"
+#include "command_line/track_options.hpp"
 
 namespace kelvora::tool {
 
@@ -39,6 +38,7 @@ private:
     void checkOptions() const;
     void checkPointOptions() const;
     void checkCentroidOptions() const;
+    void checkTrackOptions() const;
     std::unique_ptr<ClusteringMethod> makeMethod(recording::SensorSize sensor) const;
 
     CLI::App* command;
@@ -52,12 +52,8 @@ private:
     PointOptions point;
     DensityOptions density;
     CentroidOptions centroid;
-    std::filesystem::path output = "-";
-    ClusterFormat format = ClusterFormat::Csv;
-    std::filesystem::path points;
-    std::filesystem::path centroids;
-    PictureOptions pictures;
-    bool is_quiet = false;
+    TrackOptions track;
+    OutputOptions output;
 };
 
 }  // namespace kelvora::tool

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kelvora/cluster_geometry.hpp"
+#include "kelvora/cluster_tracker.hpp"
 #include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {
@@ -24,6 +25,9 @@ struct ClusterCentroid {
 
 /// What a method found in one window.
 struct WindowClusters {
+    /// Of the window, from 1 at the first one with events; windows without events count too.
+    std::uint64_t number = 1;
+
     std::vector<ClusterGeometry> clusters;
 
     /// What the start times of the clusters count from, microseconds.
@@ -35,6 +39,9 @@ struct WindowClusters {
 
     /// The centroid of each cluster. Empty if the method knows none.
     std::vector<ClusterCentroid> centroids;
+
+    /// The objects that are followed, if they are. Methods leave them alone.
+    std::vector<ClusterTracker::Track> tracks;
 };
 
 /// Finds the clusters of one window after the other.

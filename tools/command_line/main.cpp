@@ -12,6 +12,7 @@
 #include "command_line/cluster_command.hpp"
 #include "command_line/info_command.hpp"
 #include "command_line/interrupt.hpp"
+#include "command_line/score_command.hpp"
 #include "command_line/simulate_command.hpp"
 #include "kelvora/version.hpp"
 
@@ -39,6 +40,7 @@ int main(int argc, char** argv) {
     const kelvora::tool::InfoCommand info(program);
     const kelvora::tool::ClusterCommand cluster(program);
     kelvora::tool::SimulateCommand simulate(program);
+    const kelvora::tool::ScoreCommand score(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -49,6 +51,9 @@ int main(int argc, char** argv) {
     try {
         if (info.isChosen()) {
             return info.run();
+        }
+        if (score.isChosen()) {
+            return score.run();
         }
         return cluster.isChosen() ? cluster.run() : simulate.run();
     } catch (const std::exception& error) {

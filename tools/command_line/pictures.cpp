@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "command_line/track_options.hpp"
 #include "drawing/caption.hpp"
 #include "drawing/png_file.hpp"
 #include "drawing/space_time_plot.hpp"
@@ -13,14 +14,7 @@ namespace kelvora::tool {
 
 namespace {
 
-drawing::Overlay toOverlay(const WindowClusters& found) {
-    drawing::Overlay overlay{found.clusters, {}};
-    for (const ClusterCentroid& centroid : found.centroids) {
-        overlay.centroids.emplace_back(static_cast<float>(centroid.x),
-                                       static_cast<float>(centroid.y));
-    }
-    return overlay;
-}
+constexpr std::size_t kLongestTrail = 100;  // windows
 
 }  // namespace
 
@@ -42,7 +36,7 @@ void Pictures::add(const recording::Window& window, const WindowClusters& found)
                                     found.labels.empty() ? nullptr : found.labels.data());
     const std::string caption = drawing::windowCaption(
         window.start_time - origin, window.end_time - origin, found.clusters.size());
-    const drawing::Overlay overlay = toOverlay(found);
+    const drawing::Overlay overlay = makeOverlay(found);
     if (frames) {
         const std::string name = fmt::format("frame_{:06}.png", ++frame_number);
         drawing::writePng(options.frames_dir / name, frames->render(events, overlay, caption));
@@ -53,6 +47,37 @@ void Pictures::add(const recording::Window& window, const WindowClusters& found)
     if (!options.plot3d.empty()) {
         keepIfBusiest(window, found.labels, caption);
     }
+}
+
+/// Clusters of confirmed tracks are shown as these. Trails of ended ones go.
+drawing::Overlay Pictures::makeOverlay(const WindowClusters& found) {
+    drawing::Overlay overlay;
+    for (const ClusterCentroid& centroid : found.centroids) {
+        overlay.centroids.emplace_back(static_cast<float>(centroid.x),
+                                       static_cast<float>(centroid.y));
+    }
+    std::vector<bool> is_marked(found.clusters.size());
+    std::map<int, std::vector<cv::Point2f>> live_trails;
+    for (const ClusterTracker::Track& track : found.tracks) {
+        std::vector<cv::Point2f>& trail = live_trails[track.id] = std::move(trails[track.id]);
+        trail.emplace_back(track.box.getCenter());
+        if (trail.size() > kLongestTrail) {
+            trail.erase(trail.begin());
+        }
+        if (isFollowed(track)) {
+            overlay.tracks.push_back({track.id, track.box, trail});
+        }
+        if (isFollowed(track) && track.cluster >= 0) {
+            is_marked[static_cast<std::size_t>(track.cluster)] = true;
+        }
+    }
+    trails = std::move(live_trails);
+    for (std::size_t i = 0; i < found.clusters.size(); ++i) {
+        if (!is_marked[i]) {
+            overlay.clusters.push_back(found.clusters[i]);
+        }
+    }
+    return overlay;
 }
 
 void Pictures::keepIfBusiest(const recording::Window& window, const std::vector<int>& labels,

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,6 +49,7 @@ private:
         std::string caption;
     };
 
+    drawing::Overlay makeOverlay(const WindowClusters& found);
     void keepIfBusiest(const recording::Window& window, const std::vector<int>& labels,
                        const std::string& caption);
 
@@ -58,6 +60,7 @@ private:
     BusiestWindow busiest;
     std::optional<std::uint64_t> first_start;  ///< Captions count the time from here.
     std::uint64_t frame_number = 0;
+    std::map<int, std::vector<cv::Point2f>> trails;  ///< Of each track that goes on.
 };
 
 }  // namespace kelvora::tool

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 #include <stdexcept>
+#include <string>
 
 #include "drawing/caption.hpp"
 #include "drawing/palette.hpp"
@@ -69,37 +70,86 @@ cv::Rect grown(const cv::Rect& rect, int by) {
     return {rect.x - by, rect.y - by, rect.width + 2 * by, rect.height + 2 * by};
 }
 
+struct Outline {
+    cv::Rect rect;
+    cv::Vec3b colour;
+};
+
 void drawRing(cv::Mat& frame, const cv::Rect& ring, const cv::Vec3b& colour) {
     if (!ring.empty()) {
         cv::rectangle(frame, ring, cv::Scalar(colour));
     }
 }
 
-std::vector<cv::Rect> outlines(const std::vector<ClusterGeometry>& clusters, cv::Size sensor,
-                               cv::Size picture, int thickness) {
+std::vector<Outline> outlines(const Overlay& overlay, cv::Size sensor, cv::Size picture,
+                              int thickness) {
     const cv::Rect whole{{0, 0}, picture};
-    std::vector<cv::Rect> result;
-    for (const ClusterGeometry& cluster : clusters) {
+    std::vector<Outline> result;
+    const auto add = [&](const ClusterGeometry& cluster, const cv::Vec3b& colour) {
         if (!isDrawable(cluster)) {
-            continue;
+            return;
         }
         const cv::Rect box = boxInPicture(cluster, sensor, picture);
         if (!(box & whole).empty()) {
-            result.push_back(grown(box, thickness) & whole);
+            result.push_back({grown(box, thickness) & whole, colour});
         }
+    };
+    for (const ClusterGeometry& cluster : overlay.clusters) {
+        add(cluster, kBoxColour);
+    }
+    for (const TrackMark& track : overlay.tracks) {
+        add(track.box, idColour(static_cast<std::size_t>(track.id)));
     }
     return result;
 }
 
 // A dark line around the bright ones sets an outline off from the events around it. All dark lines
 // come first, so that none cuts through the outline of a neighbour.
-void drawOutlines(cv::Mat& frame, const std::vector<cv::Rect>& outlines, int thickness) {
-    for (const cv::Rect& outline : outlines) {
-        drawRing(frame, grown(outline, 1), kBackgroundColour);
+void drawOutlines(cv::Mat& frame, const std::vector<Outline>& outlines, int thickness) {
+    for (const Outline& outline : outlines) {
+        drawRing(frame, grown(outline.rect, 1), kBackgroundColour);
     }
-    for (const cv::Rect& outline : outlines) {
+    for (const Outline& outline : outlines) {
         for (int i = 0; i < thickness; ++i) {
-            drawRing(frame, grown(outline, -i), kBoxColour);
+            drawRing(frame, grown(outline.rect, -i), outline.colour);
+        }
+    }
+}
+
+// The middle of a pixel of the sensor in the picture, kept within reach of it, since a float holds
+// more than an int.
+cv::Point placeInPicture(const cv::Point2f& place, cv::Size sensor, cv::Size picture) {
+    const double column = (place.x + 0.5) * picture.width / sensor.width;
+    const double row = (place.y + 0.5) * picture.height / sensor.height;
+    return {static_cast<int>(std::clamp(column, -1.0 * picture.width, 2.0 * picture.width)),
+            static_cast<int>(std::clamp(row, -1.0 * picture.height, 2.0 * picture.height))};
+}
+
+// The number of a track stands above its box, or in it at the upper edge.
+void drawNumber(cv::Mat& frame, const cv::Rect& box, int id, int thickness) {
+    const double size = 0.4 + 0.1 * thickness;
+    const cv::Point place(std::max(0, box.x - thickness),
+                          box.y > 20 ? box.y - 3 - thickness : std::max(0, box.y) + 14);
+    const std::string text = std::to_string(id);
+    cv::putText(frame, text, place, cv::FONT_HERSHEY_SIMPLEX, size, cv::Scalar(kBackgroundColour),
+                thickness + 2, cv::LINE_AA);
+    cv::putText(frame, text, place, cv::FONT_HERSHEY_SIMPLEX, size,
+                cv::Scalar(idColour(static_cast<std::size_t>(id))), thickness, cv::LINE_AA);
+}
+
+void drawTracks(cv::Mat& frame, const std::vector<TrackMark>& tracks, cv::Size sensor,
+                int thickness) {
+    for (const TrackMark& track : tracks) {
+        std::vector<cv::Point> trail;
+        for (const cv::Point2f& place : track.trail) {
+            if (std::isfinite(place.x) && std::isfinite(place.y)) {
+                trail.push_back(placeInPicture(place, sensor, frame.size()));
+            }
+        }
+        cv::polylines(frame, trail, false, cv::Scalar(idColour(static_cast<std::size_t>(track.id))),
+                      thickness, cv::LINE_AA);
+        if (isDrawable(track.box)) {
+            drawNumber(frame, boxInPicture(track.box, sensor, frame.size()), track.id, thickness);
         }
     }
 }
@@ -108,13 +158,11 @@ void drawOutlines(cv::Mat& frame, const std::vector<cv::Rect>& outlines, int thi
 void drawCrosses(cv::Mat& frame, const std::vector<cv::Point2f>& centroids, cv::Size sensor,
                  int thickness) {
     for (const cv::Point2f& centroid : centroids) {
-        // The centre of an event's pixel, not its corner.
-        const double column = (centroid.x + 0.5) * frame.cols / sensor.width;
-        const double row = (centroid.y + 0.5) * frame.rows / sensor.height;
-        if (!(0 <= column && column < frame.cols && 0 <= row && row < frame.rows)) {
+        if (!(0 <= centroid.x && centroid.x < static_cast<float>(sensor.width) && 0 <= centroid.y &&
+              centroid.y < static_cast<float>(sensor.height))) {
             continue;
         }
-        const cv::Point place(static_cast<int>(column), static_cast<int>(row));
+        const cv::Point place = placeInPicture(centroid, sensor, frame.size());
         cv::drawMarker(frame, place, cv::Scalar(kBackgroundColour), cv::MARKER_CROSS,
                        kCrossSide * thickness + 2, thickness + 2);
         cv::drawMarker(frame, place, cv::Scalar(kBoxColour), cv::MARKER_CROSS,
@@ -152,7 +200,8 @@ cv::Mat FrameRenderer::render(EventSpan events, const Overlay& overlay,
 cv::Mat FrameRenderer::render(const cv::Mat& raster, const Overlay& overlay) const {
     cv::Mat frame = colourRaster(raster, picture);
     const int thickness = std::min(picture.width, picture.height) < kThumbnailSide ? 1 : 2;
-    drawOutlines(frame, outlines(overlay.clusters, sensor, picture, thickness), thickness);
+    drawOutlines(frame, outlines(overlay, sensor, picture, thickness), thickness);
+    drawTracks(frame, overlay.tracks, sensor, thickness);
     drawCrosses(frame, overlay.centroids, sensor, thickness);
     return frame;
 }

@@ -8,6 +8,13 @@
 
 namespace kelvora::drawing {
 
+/// An object that is followed.
+struct TrackMark {
+    int id;  ///< At least 0.
+    ClusterGeometry box;
+    std::vector<cv::Point2f> trail;  ///< Where its centre was, oldest first.
+};
+
 /// What is drawn over the events of a window, in pixels of the sensor.
 struct Overlay {
     /// Outlined. Boxes are clipped to the sensor; left out are those that lie outside of it, and
@@ -17,6 +24,9 @@ struct Overlay {
     /// Marked by crosses, unless they lie outside of the sensor. An event at the first pixel is at
     /// (0, 0).
     std::vector<cv::Point2f> centroids;
+
+    /// Drawn over the others, each in the colour of its number.
+    std::vector<TrackMark> tracks;
 };
 
 }  // namespace kelvora::drawing

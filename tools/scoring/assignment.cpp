@@ -2,7 +2,6 @@
 #include "scoring/assignment.hpp"
 
 #include <algorithm>
-#include <cmath>
 
 namespace kelvora::scoring {
 namespace {
@@ -28,10 +27,10 @@ CostMatrix prepared(const CostMatrix& costs) {
     // More than all permitted pairs together can cost: one forbidden pair less is worth any price.
     const double span = highest > lowest ? highest - lowest : 1.0;
     const double forbidden = static_cast<double>(result.rows() + 1) * span;
-    for (std::size_t row = 0; row < result.rows(); ++row) {
-        for (std::size_t column = 0; column < result.columns(); ++column) {
-            const double cost = is_upright ? costs.at(row, column) : costs.at(column, row);
-            result.at(row, column) = cost == kForbidden ? forbidden : cost - lowest;
+    for (std::size_t i = 0; i < result.rows(); ++i) {
+        for (std::size_t j = 0; j < result.columns(); ++j) {
+            const double cost = is_upright ? costs.at(i, j) : costs.at(j, i);
+            result.at(i, j) = cost == kForbidden ? forbidden : cost - lowest;
         }
     }
     return result;

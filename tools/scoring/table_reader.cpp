@@ -7,7 +7,6 @@
 #include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
-#include <type_traits>
 
 #include "recording/recording_error.hpp"
 
@@ -21,7 +20,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // Text of the file as it may stand in a message: the file may hold anything, the message is one
 // short line.
-std::string quoted(std::string_view field) {
+std::string inQuotes(std::string_view field) {
     constexpr std::size_t kMaxShown = 24;
     std::string shown = "'";
     for (const char character : field.substr(0, kMaxShown)) {
@@ -77,7 +76,11 @@ bool TableReader::next() {
     if (!nextLine()) {
         return false;
     }
-    is_json ? readJsonRow() : readCsvRow();
+    if (is_json) {
+        readJsonRow();
+    } else {
+        readCsvRow();
+    }
     return true;
 }
 
@@ -108,7 +111,7 @@ void TableReader::refuse(const std::string& problem, const std::string& remedy) 
 }
 
 void TableReader::refuseField(std::string_view column, const std::string& expected) const {
-    refuse(fmt::format("has {} = {}, which is not {}", column, quoted(text(column)), expected),
+    refuse(fmt::format("has {} = {}, which is not {}", column, inQuotes(text(column)), expected),
            "correct the line");
 }
 
@@ -168,13 +171,14 @@ void TableReader::readNames() {
 void TableReader::requireColumns(const std::vector<std::string>& required) const {
     for (const std::string& name : required) {
         if (!has(name)) {
-            refuse("has no column " + name, is_json ? "give each row a member of this name"
-                                                    : "name the columns in the first line");
+            refuse("has no column " + name,
+                   is_json ? "give each row a member of this name"
+                           : "name the columns in the first line, with commas in between");
         }
     }
     for (auto name = names.begin(); name != names.end(); ++name) {
         if (std::find(names.begin(), name, *name) != name) {
-            refuse("has two columns " + quoted(*name), "rename one of them");
+            refuse("has two columns " + inQuotes(*name), "rename one of them");
         }
     }
 }
@@ -196,7 +200,7 @@ void TableReader::readJsonRow() {
     for (const std::string& name : names) {
         const auto member = row.find(name);
         if (member == row.end()) {
-            refuse("has a row without " + quoted(name), "give each row the members of the first");
+            refuse("has a row without " + inQuotes(name), "give each row the members of the first");
         }
         fields.push_back(textOf(*member));
     }

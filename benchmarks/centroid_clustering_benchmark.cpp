@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// Clustering around centroids, of the first 50,000 events of a scene, by the library and by a
+// literal model. Two runs are timed in turn, of one iteration and of eleven. That gives the figures
+// "first_ms", choosing the first centroids and one iteration, and "further_ms", each iteration after
+// that, in milliseconds of processor time.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <ctime>
+#include <limits>
+#include <vector>
+
+#include "kelvora/centroid_clustering.hpp"
+#include "support/literal_kmeans.hpp"
+#include "support/workloads.hpp"
+
+namespace kelvora::benchmarks {
+namespace {
+
+constexpr std::size_t kEvents = 50'000;
+constexpr std::size_t kFurtherIterations = 10;
+/// Makes each run do all its iterations.
+constexpr double kNeverStop = std::numeric_limits<double>::quiet_NaN();
+
+double processorMilliseconds() {
+    return 1000 * static_cast<double>(std::clock()) / static_cast<double>(CLOCKS_PER_SEC);
+}
+
+template <int DIM, typename T>
+bool sameCoordinates(const std::vector<KDPoint<DIM, T>>& a, const std::vector<KDPoint<DIM, T>>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const auto& p, const auto& q) { return p.coordinates == q.coordinates; });
+}
+
+/// Whether the library finds, of a few points, what the model finds from one of them.
+template <int DIM, typename T>
+bool isAsModelled(const std::vector<KDPoint<DIM, T>>& points, std::size_t k) {
+    constexpr std::size_t kIterations = 5;
+    std::vector<std::vector<std::size_t>> clusters;
+    std::vector<std::vector<std::size_t>> modelled;
+    std::vector<std::vector<T>> boxes;
+    std::vector<std::vector<T>> modelled_boxes;
+    std::vector<KDPoint<DIM, T>> centroids;
+    CentroidClustering<DIM, T> library(k, kIterations, kNeverStop);
+    library.generateClusters(points, clusters, boxes);
+    library.getCentroids(centroids);
+    LiteralKmeans<DIM, T> model(k, kIterations, kNeverStop);
+    for (std::size_t first = 0; first < points.size(); ++first) {
+        model.generateClustersFrom(first, points, modelled, modelled_boxes);
+        if (clusters == modelled && boxes == modelled_boxes &&
+            sameCoordinates(centroids, model.getCentroids())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Milliseconds of one run.
+template <class Clustering, typename Point, typename T>
+double timeRun(Clustering& clustering, const std::vector<Point>& points,
+               std::vector<std::vector<std::size_t>>& clusters,
+               std::vector<std::vector<T>>& boxes) {
+    const double start = processorMilliseconds();
+    clustering.generateClusters(points, clusters, boxes);
+    return processorMilliseconds() - start;
+}
+
+template <template <int, typename> class Clustering, int DIM, typename T>
+void run(benchmark::State& state) {
+    const auto k = static_cast<std::size_t>(state.range(0));
+    const auto points = pointsOf<DIM, T>(simulatedEvents(kSmallSensor, kEvents));
+    Clustering<DIM, T> shorter(k, 1, kNeverStop);
+    Clustering<DIM, T> longer(k, 1 + kFurtherIterations, kNeverStop);
+    std::vector<std::vector<std::size_t>> clusters;
+    std::vector<std::vector<T>> boxes;
+    double shorter_total = 0;
+    double longer_total = 0;
+    for ([[maybe_unused]] auto iteration : state) {
+        shorter_total += timeRun(shorter, points, clusters, boxes);
+        longer_total += timeRun(longer, points, clusters, boxes);
+    }
+    if (points.size() != kEvents || clusters.size() != k ||
+        !isAsModelled<DIM, T>({points.begin(), points.begin() + 500}, k)) {
+        state.SkipWithError("too few events, or clusters that the model does not find");
+    }
+    const auto runs = static_cast<double>(state.iterations());
+    state.counters["first_ms"] = shorter_total / runs;
+    state.counters["further_ms"] = (longer_total - shorter_total) / runs / kFurtherIterations;
+}
+
+void clusterNumbers(benchmark::internal::Benchmark* benchmark) {
+    benchmark->ArgName("k")->Arg(8)->Arg(32)->Arg(128)->Unit(benchmark::kMillisecond);
+}
+
+void oneClusterNumber(benchmark::internal::Benchmark* benchmark) {
+    benchmark->ArgName("k")->Arg(32)->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK_TEMPLATE(run, CentroidClustering, 2, float)->Apply(clusterNumbers);
+BENCHMARK_TEMPLATE(run, LiteralKmeans, 2, float)->Apply(clusterNumbers);
+BENCHMARK_TEMPLATE(run, CentroidClustering, 2, double)->Apply(oneClusterNumber);
+BENCHMARK_TEMPLATE(run, LiteralKmeans, 2, double)->Apply(oneClusterNumber);
+BENCHMARK_TEMPLATE(run, CentroidClustering, 3, float)->Apply(oneClusterNumber);
+BENCHMARK_TEMPLATE(run, LiteralKmeans, 3, float)->Apply(oneClusterNumber);
+
+}  // namespace
+}  // namespace kelvora::benchmarks

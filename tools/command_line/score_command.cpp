@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/score_command.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "recording/output_file.hpp"
+#include "recording/recording_error.hpp"
+#include "scoring/box_table.hpp"
+#include "scoring/frame.hpp"
+
+namespace kelvora::tool {
+
+namespace {
+
+/// What is told to the user.
+struct Score {
+    scoring::ScoreFigures figures;
+    scoring::ScoreOptions options;
+    std::uint64_t interval_us;       ///< From one truth to the next.
+    std::size_t tentative_left_out;  ///< Clusters.
+    std::size_t outside_truth;       ///< Clusters before the first or after the last truth.
+
+    std::optional<std::uint64_t> ifTracked(std::uint64_t figure) const {
+        return figures.has_tracks ? std::optional(figure) : std::nullopt;
+    }
+};
+
+std::string textOf(std::optional<double> figure) {
+    return figure ? fmt::format("{:.4f}", *figure) : "-";
+}
+
+std::string textOf(std::optional<std::uint64_t> figure) {
+    return figure ? fmt::format("{}", *figure) : "-";
+}
+
+template <class Figure>
+nlohmann::ordered_json jsonOf(std::optional<Figure> figure) {
+    return figure ? nlohmann::ordered_json(*figure) : nlohmann::ordered_json(nullptr);
+}
+
+void printTable(const Score& score) {
+    const scoring::ScoreFigures& figures = score.figures;
+    fmt::print("frames             {}\n", figures.frames);
+    fmt::print("objects            {} ({} more ignored)\n", figures.objects,
+               figures.ignored_objects);
+    fmt::print("clusters           {} ({} of them on ignored objects)\n", figures.clusters,
+               figures.ignored_clusters);
+    fmt::print("matches            {} (IoU of {} or more)\n", figures.matches,
+               score.options.min_iou);
+    fmt::print("misses             {}\n", figures.misses());
+    fmt::print("false positives    {}\n", figures.falsePositives());
+    fmt::print("precision          {}\n", textOf(figures.precision()));
+    fmt::print("recall             {}\n", textOf(figures.recall()));
+    fmt::print("MOTA               {}{}\n", textOf(figures.mota()),
+               figures.has_tracks ? "" : " (without switches, that is MODA: no track_id)");
+    fmt::print("MOTP               {} (mean IoU of matches)\n", textOf(figures.motp()));
+    fmt::print("switches           {}\n", textOf(score.ifTracked(figures.switches)));
+    fmt::print("switches per 10 s  {}\n", textOf(figures.switchesPerTenSeconds(score.interval_us)));
+    fmt::print("fragmentations     {}\n", textOf(score.ifTracked(figures.fragmentations)));
+    fmt::print("trajectories       {}\n", figures.trajectories);
+    fmt::print("mostly tracked     {} (80 % of their frames or more)\n", figures.mostly_tracked);
+    fmt::print("partially tracked  {}\n", figures.partially_tracked);
+    fmt::print("mostly lost        {} (less than 20 %)\n", figures.mostly_lost);
+    fmt::print("left out           {} tentative, {} outside the time of the truth\n",
+               score.tentative_left_out, score.outside_truth);
+}
+
+nlohmann::ordered_json toJson(const Score& score) {
+    const scoring::ScoreFigures& figures = score.figures;
+    return {{"min_iou", score.options.min_iou},
+            {"min_visibility", score.options.min_visibility},
+            {"include_still", score.options.include_still},
+            {"has_tracks", figures.has_tracks},
+            {"frames", figures.frames},
+            {"objects", figures.objects},
+            {"ignored_objects", figures.ignored_objects},
+            {"clusters", figures.clusters},
+            {"ignored_clusters", figures.ignored_clusters},
+            {"matches", figures.matches},
+            {"misses", figures.misses()},
+            {"false_positives", figures.falsePositives()},
+            {"precision", jsonOf(figures.precision())},
+            {"recall", jsonOf(figures.recall())},
+            {"mota", jsonOf(figures.mota())},
+            {"motp", jsonOf(figures.motp())},
+            {"switches", jsonOf(score.ifTracked(figures.switches))},
+            {"switches_per_10_s", jsonOf(figures.switchesPerTenSeconds(score.interval_us))},
+            {"fragmentations", jsonOf(score.ifTracked(figures.fragmentations))},
+            {"trajectories", figures.trajectories},
+            {"mostly_tracked", figures.mostly_tracked},
+            {"partially_tracked", figures.partially_tracked},
+            {"mostly_lost", figures.mostly_lost},
+            {"tentative_left_out", score.tentative_left_out},
+            {"outside_truth", score.outside_truth}};
+}
+
+/// Windows that differ make scores that mean nothing, although some of the times agree.
+void warnOfIntervals(const scoring::FrameSequence& sequence) {
+    if (sequence.truth_interval_us != 0 && sequence.cluster_interval_us != 0 &&
+        sequence.truth_interval_us != sequence.cluster_interval_us) {
+        fmt::print(stderr,
+                   "kelvora: the truth has rows every {} us, but the clusters every {} us: were "
+                   "--truth-interval and --window the same?\n",
+                   sequence.truth_interval_us, sequence.cluster_interval_us);
+    }
+}
+
+}  // namespace
+
+ScoreCommand::ScoreCommand(CLI::App& program)
+    : command(program.add_subcommand(
+          "score", "Compare clusters with the truth: precision, recall, CLEAR MOT figures")) {
+    command
+        ->add_option("--truth", truth,
+                     "Where objects truly are, as 'kelvora simulate --truth' writes it")
+        ->required()
+        ->option_text("FILE REQUIRED");
+    command
+        ->add_option("--clusters", clusters,
+                     "Where clusters were found, as 'kelvora cluster' writes it")
+        ->required()
+        ->option_text("FILE REQUIRED");
+    command
+        ->add_option("--min-iou", options.min_iou,
+                     "Least intersection over union of an object and the cluster that shows it, "
+                     "above 0, up to 1")
+        ->check(CLI::Range(0.0, 1.0).description(""))
+        ->capture_default_str();
+    command
+        ->add_option("--min-visibility", options.min_visibility,
+                     "Ignore objects of which a smaller share can be seen")
+        ->check(CLI::Range(0.0, 1.0).description(""))
+        ->capture_default_str();
+    command->add_flag("--include-still", options.include_still,
+                      "Do not ignore objects that stand still");
+    command->add_flag("--tentative", with_tentative,
+                      "Do not leave out tentative tracks, which are not yet confirmed");
+    command->add_option("--json", json, "File for the figures as JSON; - is standard output")
+        ->option_text("FILE");
+    command->parse_complete_callback([this] {
+        if (!(options.min_iou > 0.0)) {
+            throw CLI::ValidationError("--min-iou", "must be above 0");
+        }
+    });
+}
+
+int ScoreCommand::run() const {
+    scoring::ClusterTable table = scoring::readClusters(clusters, with_tentative);
+    std::vector<scoring::TruthBox> objects = scoring::readTruth(truth);
+    const bool has_both = !objects.empty() && !table.clusters.empty();
+    const scoring::FrameSequence sequence =
+        scoring::joinFrames(std::move(objects), std::move(table.clusters));
+    if (has_both && sequence.common_times == 0) {
+        throw recording::RecordingError(
+            clusters.string(), "has no row at any of the times of " + truth.string(), "",
+            "cluster with a --window as long as the --truth-interval of the truth");
+    }
+    warnOfIntervals(sequence);
+
+    scoring::ScoreOptions score_options = options;
+    score_options.has_tracks = table.has_tracks;
+    scoring::TrackingScore tracking(score_options);
+    for (const scoring::Frame& frame : sequence.frames) {
+        tracking.add(frame);
+    }
+    const Score score = {tracking.figures(), options, sequence.truth_interval_us, table.left_out,
+                         sequence.clusters_outside};
+    if (json != "-") {
+        printTable(score);
+    }
+    if (!json.empty()) {
+        recording::OutputFile file(json);
+        file.write(toJson(score).dump(2) + '\n');
+        file.close();
+    }
+    return 0;
+}
+
+}  // namespace kelvora::tool

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/App.hpp>
+#include <filesystem>
+
+#include "scoring/tracking_score.hpp"
+
+namespace kelvora::tool {
+
+/// `kelvora score`: compares clusters with known truth.
+class ScoreCommand {
+public:
+    /// Adds the command and its options to the program.
+    explicit ScoreCommand(CLI::App& program);
+
+    /// Whether the user asked for this command.
+    bool isChosen() const { return command->parsed(); }
+
+    /// \returns the exit status of the program.
+    /// \throws recording::RecordingError  if a file cannot be read or written, or if truth and
+    ///     clusters have no time in common.
+    int run() const;
+
+private:
+    CLI::App* command;
+    std::filesystem::path truth;
+    std::filesystem::path clusters;
+    std::filesystem::path json;
+    scoring::ScoreOptions options;
+    bool with_tentative = false;
+};
+
+}  // namespace kelvora::tool

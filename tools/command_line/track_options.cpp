@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/track_options.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+
+namespace kelvora::tool {
+
+void declareOptions(CLI::App& command, TrackOptions& options) {
+    const char* const group = "Tracking";
+    CLI::Option* const track =
+        command
+            .add_flag("--track", options.is_wanted,
+                      "Follow objects from window to window: adds the columns "
+                      "track_id,vx,vy,state, and rows for objects hidden in other clusters")
+            ->group(group);
+    const auto add = [&](const char* name, auto& value, const char* unit, const char* description) {
+        return command.add_option(name, value, description)
+            ->option_text(fmt::format("{} [{}]", unit, value))
+            ->needs(track)
+            ->group(group);
+    };
+    add("--max-distance", options.max_distance, "PIXELS",
+        "Largest distance of a cluster from where its track expects it")
+        ->check(CLI::NonNegativeNumber);
+    add("--max-size-change", options.max_size_change, "PIXELS",
+        "Largest difference of a cluster from the usual width and height of its track")
+        ->check(CLI::NonNegativeNumber);
+    add("--max-missed", options.max_missed, "WINDOWS", "Windows that a track survives unseen")
+        ->check(CLI::NonNegativeNumber);
+    add("--min-hits", options.min_hits, "WINDOWS", "Windows with a cluster that confirm a track")
+        ->check(CLI::PositiveNumber);
+}
+
+bool isFollowed(const ClusterTracker::Track& track) {
+    return track.state == ClusterTracker::State::Confirmed &&
+           (track.cluster >= 0 || track.is_hidden);
+}
+
+}  // namespace kelvora::tool

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <opencv2/core/types.hpp>
+
+#include "command_line/clustering_method.hpp"
+#include "recording/output_file.hpp"
+
+namespace kelvora::tool {
+
+/// Writes one row per confirmed track (CSV): its number, the ends of its first and last windows, in
+/// how many windows it had a cluster, the length of its way in pixels and its mean speed in pixels
+/// per second.
+///
+/// Tracks that have ended stay in memory until `finish`, as rows come in the order of the numbers.
+class TrackWriter {
+public:
+    /// \param path  A file, or "-" for standard output.
+    /// \throws recording::RecordingError  if the file cannot be written; likewise `finish`.
+    explicit TrackWriter(const std::filesystem::path& path);
+
+    void add(const WindowClusters& found);
+
+    void finish();
+
+private:
+    struct Summary {
+        std::uint64_t first_time;
+        std::uint64_t last_time;
+        int windows;
+        double path_length;
+        cv::Point2f centre;
+        bool is_confirmed;
+    };
+
+    recording::OutputFile file;
+    std::map<int, Summary> summaries;
+};
+
+}  // namespace kelvora::tool
