@@ -16,6 +16,26 @@ namespace {
 
 constexpr std::size_t kLongestTrail = 100;  // windows
 
+/// What tells the colour of each event: the number of its track if objects are followed, so that
+/// events and boxes agree, else that of its cluster.
+std::vector<int> colourLabels(const WindowClusters& found) {
+    if (found.tracks.empty()) {
+        return found.labels;
+    }
+    std::vector<int> track_of_cluster(found.clusters.size(), kNoCluster);
+    for (const ClusterTracker::Track& track : found.tracks) {
+        if (track.cluster >= 0 && isFollowed(track)) {
+            track_of_cluster[static_cast<std::size_t>(track.cluster)] = track.id;
+        }
+    }
+    std::vector<int> labels = found.labels;
+    for (int& label : labels) {
+        label =
+            label == kNoCluster ? kNoCluster : track_of_cluster[static_cast<std::size_t>(label)];
+    }
+    return labels;
+}
+
 }  // namespace
 
 Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_)
@@ -32,8 +52,9 @@ Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_)
 void Pictures::add(const recording::Window& window, const WindowClusters& found) {
     const std::uint64_t origin = first_start.value_or(window.start_time);
     first_start = origin;
+    const std::vector<int> labels = colourLabels(found);
     const drawing::EventSpan events(window.first, window.size(),
-                                    found.labels.empty() ? nullptr : found.labels.data());
+                                    labels.empty() ? nullptr : labels.data());
     const std::string caption = drawing::windowCaption(
         window.start_time - origin, window.end_time - origin, found.clusters.size());
     const drawing::Overlay overlay = makeOverlay(found);
@@ -45,7 +66,7 @@ void Pictures::add(const recording::Window& window, const WindowClusters& found)
         sheet->add(events, overlay, caption);
     }
     if (!options.plot3d.empty()) {
-        keepIfBusiest(window, found.labels, caption);
+        keepIfBusiest(window, labels, caption);
     }
 }
 
