@@ -80,7 +80,7 @@ public:
     ///
     /// \param clusters  What a `generateClusters` reported, all with its timestamp, which must not be
     ///     lower than before. None means that no track was seen; predictions then stay where they
-    ///     are. Clusters without area, or with a field that is not finite, belong to no track.
+    ///     are. Clusters without area, or whose centre or area is not finite, belong to no track.
     /// \returns for each cluster the id of its track, 0 for none.
     /// \throws std::invalid_argument  for a timestamp lower than before; nothing changes.
     std::vector<int> update(const std::vector<ClusterGeometry>& clusters);

@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <new>
 #include <stdexcept>
@@ -14,6 +11,7 @@
 #include "kelvora/density_based_cluster_generator.hpp"
 #include "support/allocations.hpp"
 #include "support/density_settings.hpp"
+#include "support/long_stream.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -104,47 +102,6 @@ TEST(AllocationsOfTheDensityGenerator, AreNotNeededUpToOneAndAHalfTimesTheCapaci
         generator.processEvent(&event);
     }
     EXPECT_EQ(watch.allocations(), 0U);
-}
-
-/// A stream of twelve events per microsecond all over a sensor.
-class DenseStream {
-public:
-    Event2D next() {
-        state = state * 6364136223846793005 + 1442695040888963407;
-        const auto x = static_cast<unsigned short>((state >> 33) % 1280);
-        const auto y = static_cast<unsigned short>((state >> 45) % 720);
-        return {x, y, static_cast<unsigned char>(state >> 63), count++ / 12};
-    }
-
-private:
-    std::uint64_t state = 1;
-    unsigned long long count = 0;
-};
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsMemoryMeasurable = false;  // the sanitizers keep freed memory
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool kIsMemoryMeasurable = false;
-#else
-constexpr bool kIsMemoryMeasurable = true;
-#endif
-#else
-constexpr bool kIsMemoryMeasurable = true;
-#endif
-
-/// Resident memory in kilobytes.
-long residentMemory() {
-    std::ifstream statistics("/proc/self/statm");
-    long pages = 0;
-    long resident_pages = 0;
-    statistics >> pages >> resident_pages;
-    return resident_pages * 4;
-}
-
-std::size_t eventsToFeed() {
-    const char* const wanted = std::getenv("KELVORA_LONG_TESTS");
-    return wanted != nullptr && std::string(wanted) == "1" ? 50'000'000 : 2'000'000;
 }
 
 // Each call gets 120,000 events of 10 milliseconds, more than the capacity.
