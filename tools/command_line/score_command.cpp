@@ -26,7 +26,8 @@ struct Score {
     scoring::ScoreFigures figures;
     scoring::ScoreOptions options;
     std::uint64_t interval_us;       ///< From one truth to the next.
-    std::size_t tentative_left_out;  ///< Clusters.
+    std::size_t tentative_left_out;  ///< Clusters of tracks that are not yet confirmed.
+    std::size_t untracked_left_out;  ///< Clusters of no track, in a file of tracks.
     std::size_t outside_truth;       ///< Clusters before the first or after the last truth.
 
     std::optional<std::uint64_t> ifTracked(std::uint64_t figure) const {
@@ -70,8 +71,9 @@ void printTable(const Score& score) {
     fmt::print("mostly tracked     {} (80 % of their frames or more)\n", figures.mostly_tracked);
     fmt::print("partially tracked  {}\n", figures.partially_tracked);
     fmt::print("mostly lost        {} (less than 20 %)\n", figures.mostly_lost);
-    fmt::print("left out           {} tentative, {} outside the time of the truth\n",
-               score.tentative_left_out, score.outside_truth);
+    fmt::print(
+        "left out           {} tentative, {} without track, {} outside the time of the truth\n",
+        score.tentative_left_out, score.untracked_left_out, score.outside_truth);
 }
 
 nlohmann::ordered_json toJson(const Score& score) {
@@ -100,6 +102,7 @@ nlohmann::ordered_json toJson(const Score& score) {
             {"partially_tracked", figures.partially_tracked},
             {"mostly_lost", figures.mostly_lost},
             {"tentative_left_out", score.tentative_left_out},
+            {"untracked_left_out", score.untracked_left_out},
             {"outside_truth", score.outside_truth}};
 }
 
@@ -172,8 +175,8 @@ int ScoreCommand::run() const {
     for (const scoring::Frame& frame : sequence.frames) {
         tracking.add(frame);
     }
-    const Score score = {tracking.figures(), options, sequence.truth_interval_us, table.left_out,
-                         sequence.clusters_outside};
+    const Score score = {tracking.figures(), options,         sequence.truth_interval_us,
+                         table.tentative,    table.untracked, sequence.clusters_outside};
     if (json != "-") {
         printTable(score);
     }

@@ -48,15 +48,20 @@ double visibility(const TableReader& table) {
     return value;
 }
 
-bool isTentative(const TableReader& table) {
-    if (!table.has("state")) {
-        return false;
+enum class State { Reported, Tentative, Untracked };
+
+State state(const TableReader& table) {
+    const std::string text = table.has("state") ? table.text("state") : "confirmed";
+    if (text == "none") {
+        return State::Untracked;
     }
-    const std::string& text = table.text("state");
-    if (text != "tentative" && text != "confirmed") {
-        table.refuseField("state", "tentative or confirmed");
+    if (text == "tentative") {
+        return State::Tentative;
     }
-    return text == "tentative";
+    if (text != "confirmed" && text != "hidden") {
+        table.refuseField("state", "confirmed, hidden, tentative or none");
+    }
+    return State::Reported;
 }
 
 std::uint64_t track(const TableReader& table) {
@@ -102,13 +107,18 @@ ClusterTable readClusters(const std::filesystem::path& path, bool with_tentative
     result.has_tracks = table.has("track_id");
     UniqueIds<std::uint64_t> tracks;
     while (table.next()) {
-        const ClusterBox row = {table.countingNumber("timestamp_us"), box(table),
-                                result.has_tracks ? track(table) : 0};
+        const State row_state = state(table);
+        ClusterBox row = {table.countingNumber("timestamp_us"), box(table), 0};
+        if (row_state == State::Untracked) {
+            ++result.untracked;
+            continue;
+        }
         if (result.has_tracks) {
+            row.track = track(table);
             tracks.add(table, row.timestamp_us, row.track, "track");
         }
-        if (isTentative(table) && !with_tentative) {
-            ++result.left_out;
+        if (row_state == State::Tentative && !with_tentative) {
+            ++result.tentative;
         } else {
             result.clusters.push_back(row);
         }

@@ -19,15 +19,18 @@ std::vector<TruthBox> readTruth(const std::filesystem::path& path);
 /// The rows of a file of clusters.
 struct ClusterTable {
     std::vector<ClusterBox> clusters;
-    bool has_tracks = false;   ///< Whether there is a column track_id.
-    std::size_t left_out = 0;  ///< Tentative rows that were not wanted.
+    bool has_tracks = false;    ///< Whether there is a column track_id.
+    std::size_t tentative = 0;  ///< Rows left out, as their tracks are not yet confirmed.
+    std::size_t untracked = 0;  ///< Rows left out, as they belong to no track.
 };
 
 /// Reads where clusters were found, from a table with the columns timestamp_us, x, y, width and
-/// height, and of tracked clusters track_id (from 1) and state (tentative or confirmed). Other
-/// columns are ignored.
+/// height, and of tracked clusters track_id (from 1) and state. Other columns are ignored.
 ///
-/// \param with_tentative  Whether rows whose state is tentative are wanted.
+/// Of tracked clusters, those count whose state is `confirmed` or `hidden`, as a tracker claims
+/// objects at these places alone. Rows whose state is `none` are left out, whatever their track_id.
+///
+/// \param with_tentative  Whether rows whose state is `tentative` count, too.
 /// \throws recording::RecordingError  if the file cannot be read, or has a track twice at a time.
 ClusterTable readClusters(const std::filesystem::path& path, bool with_tentative);
 

@@ -133,7 +133,7 @@ TEST(ContactSheet, DrawsClustersAndCaptionsCrisplyAtTheSizeOfTheThumbnail) {
     ContactSheet full{{1280, 720}};
     for (int i = 0; i < 12; ++i) {
         bare.add(Events{}, {}, "");
-        full.add(Events{}, {{{640.0F, 360.0F, 128.0F, 72.0F, 0ULL}}, {}},
+        full.add(Events{}, {{{640.0F, 360.0F, 128.0F, 72.0F, 0ULL}}, {}, {}},
                  "0.000 - 0.010 s, 1 cluster");
     }
     const int boxes = countOf(full.compose(), kBoxColour) - countOf(bare.compose(), kBoxColour);

@@ -25,7 +25,7 @@ ClusterGeometry box(float x, float y, float width, float height) {
 
 // A picture in the size of the sensor: scale 1, lines of 2 pixels.
 cv::Mat renderBoxes(const Clusters& clusters) {
-    return FrameRenderer({640, 480}, {640, 480}).render(Events{}, {clusters, {}});
+    return FrameRenderer({640, 480}, {640, 480}).render(Events{}, {clusters, {}, {}});
 }
 
 // How many pixels lie between a pixel and the next outline in one direction.
@@ -108,7 +108,7 @@ TEST(FrameRenderer, OutlinesClustersAroundTheAreaTheyCover) {
 TEST(FrameRenderer, ScalesBoxesLikeEvents) {
     const FrameRenderer renderer{{128, 128}};
 
-    EXPECT_EQ(enclosedFrom(renderer.render(Events{}, {{box(10, 20, 5, 6)}, {}}), 45, 90),
+    EXPECT_EQ(enclosedFrom(renderer.render(Events{}, {{box(10, 20, 5, 6)}, {}, {}}), 45, 90),
               cv::Rect(40, 80, 20, 24));
 }
 
@@ -124,7 +124,7 @@ TEST(FrameRenderer, DoesNotCoverTheEventsOfACluster) {
             events.emplace_back(x, y, static_cast<unsigned char>(1), 0);
         }
     }
-    const cv::Mat picture = FrameRenderer({640, 480}).render(events, {{box(100, 50, 30, 20)}, {}});
+    const cv::Mat picture = FrameRenderer({640, 480}).render(events, {{box(100, 50, 30, 20)}, {}, {}});
 
     EXPECT_EQ(countOf(picture, kOnColour), 600);
 }
@@ -134,7 +134,7 @@ TEST(FrameRenderer, SetsOutlinesOffFromTheEventsAroundThem) {
     for (unsigned short x = 0; x < 640; ++x) {
         events.emplace_back(x, static_cast<unsigned short>(60), static_cast<unsigned char>(1), 0);
     }
-    const cv::Mat picture = FrameRenderer({640, 480}).render(events, {{box(100, 50, 30, 20)}, {}});
+    const cv::Mat picture = FrameRenderer({640, 480}).render(events, {{box(100, 50, 30, 20)}, {}, {}});
 
     EXPECT_EQ(colourAt(picture, 96, 60), kOnColour);
     EXPECT_EQ(colourAt(picture, 97, 60), kBackgroundColour);
@@ -144,7 +144,7 @@ TEST(FrameRenderer, SetsOutlinesOffFromTheEventsAroundThem) {
 }
 
 TEST(FrameRenderer, MarksCentroidsByCrossesInTheMiddleOfTheirPixels) {
-    const cv::Mat picture = FrameRenderer({64, 48}, {640, 480}).render(Events{}, {{}, {{20, 10}}});
+    const cv::Mat picture = FrameRenderer({64, 48}, {640, 480}).render(Events{}, {{}, {{20, 10}}, {}});
 
     EXPECT_EQ(colourAt(picture, 205, 105), kBoxColour);
     EXPECT_EQ(colourAt(picture, 210, 105), kBoxColour);
@@ -155,7 +155,7 @@ TEST(FrameRenderer, MarksCentroidsByCrossesInTheMiddleOfTheirPixels) {
 
 TEST(FrameRenderer, LeavesOutCentroidsOffTheSensor) {
     const cv::Mat picture = FrameRenderer({64, 48}, {640, 480})
-                                .render(Events{}, {{}, {{64, 10}, {-2, 10}, {kNaN, 10}}});
+                                .render(Events{}, {{}, {{64, 10}, {-2, 10}, {kNaN, 10}}, {}});
 
     EXPECT_EQ(countOf(picture, kBoxColour), 0);
 }
@@ -209,7 +209,7 @@ TEST(FrameRenderer, OutlinesAClusterThatFillsTheSensor) {
 
 TEST(FrameRenderer, SurvivesBoxesInPicturesOfOnePixel) {
     const cv::Mat picture =
-        FrameRenderer({640, 480}, {1, 1}).render(Events{}, {{box(0, 0, 640, 480)}, {}});
+        FrameRenderer({640, 480}, {1, 1}).render(Events{}, {{box(0, 0, 640, 480)}, {}, {}});
 
     EXPECT_EQ(picture.size(), cv::Size(1, 1));
 }
