@@ -32,13 +32,15 @@ std::vector<Clusters> circlingObjects(std::size_t count, std::size_t lost_one_in
     std::vector<Clusters> updates(kRound);
     for (std::size_t i = 0; i < count; ++i) {
         const float phase = uniform(random, 0, 6.2832F);
+        const std::size_t column = i % columns;
+        const std::size_t row = i / columns;
         for (std::size_t k = 0; k < kRound; ++k) {
             if (lost_one_in > 0 && random() % lost_one_in == 0) {
                 continue;
             }
             const float angle = phase + 6.2832F * static_cast<float>(k) / kRound;
-            const float x = kSpacing * static_cast<float>(i % columns) + kRadius * std::cos(angle);
-            const float y = kSpacing * static_cast<float>(i / columns) + kRadius * std::sin(angle);
+            const float x = kSpacing * static_cast<float>(column) + kRadius * std::cos(angle);
+            const float y = kSpacing * static_cast<float>(row) + kRadius * std::sin(angle);
             updates[k].emplace_back(x, y, 10 + uniform(random, 0, 1), 10 + uniform(random, 0, 1),
                                     0);
         }

@@ -2,15 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <iostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "kelvora/centroid_based_cluster_generator.hpp"
+#include "support/allocation_checks.hpp"
 #include "support/allocations.hpp"
 #include "support/centroid_settings.hpp"
-#include "support/long_stream.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -66,30 +65,9 @@ TEST(AllocationsOfTheCentroidGenerator, AreReportedWhenPointsDoNotFitIntoMemory)
 }
 
 TEST(AllocationsOfTheCentroidGenerator, AreAllFreedWheneverOneOfThemFails) {
-    const auto settings = CentroidSettings().capacity(100);
-    std::size_t needed = 0;
-    {
-        const AllocationWatch watch;
-        buildAndDestroy(settings);
-        needed = watch.allocations();
-    }
     // The implementation, the counts, two buffers, the counter and its bins.
-    ASSERT_GE(needed, 6U);
-    std::size_t failures = 0;
-    for (std::size_t allowed = 0; allowed < needed; ++allowed) {
-        std::ptrdiff_t unfreed = 0;
-        {
-            const AllocationWatch watch(allowed);
-            try {
-                buildAndDestroy(settings);
-            } catch (const std::exception&) {
-                ++failures;
-            }
-            unfreed = watch.unfreed();
-        }
-        EXPECT_EQ(unfreed, 0) << "after " << allowed << " allocations";
-    }
-    EXPECT_EQ(failures, needed);
+    expectAllIsFreedWheneverAnAllocationFails(
+        [] { buildAndDestroy(CentroidSettings().capacity(100)); }, 6);
 }
 
 TEST(AllocationsOfTheCentroidGenerator, AreNotNeededUpToOneAndAHalfTimesTheCapacity) {
@@ -121,36 +99,7 @@ TEST(AllocationsOfTheCentroidGenerator, AreNotNeededForEventsOfALongStreamWhoseM
                          .clusters(8)
                          .iterations(5)
                          .build<Kind>();
-    constexpr std::size_t kBatch = 12'000;
-    DenseStream stream;
-    std::vector<ClusterGeometry> clusters;
-    std::size_t allocations = 0;
-    std::size_t events = 0;
-    long memory_at_first = 0;
-    while (events < eventsToFeed()) {
-        {
-            const AllocationWatch watch;
-            for (std::size_t i = 0; i < kBatch; ++i) {
-                const Event2D event = stream.next();
-                generator.processEvent(&event);
-            }
-            allocations += watch.allocations();
-        }
-        events += kBatch;
-        generator.generateClusters(events / 12, clusters);
-        ASSERT_EQ(clusters.size(), 8U);
-        if (events == 5 * kBatch) {
-            memory_at_first = residentMemory();
-        }
-    }
-    EXPECT_EQ(allocations, 0U);
-    const long growth = residentMemory() - memory_at_first;
-    std::cout << events << " events, memory " << memory_at_first << " kB after five calls, "
-              << growth << " kB more at last\n";
-    if (kIsMemoryMeasurable) {
-        EXPECT_GT(memory_at_first, 1000);
-        EXPECT_LT(growth, 4096);
-    }
+    expectEventsOfALongStreamNeedNoAllocation(generator, 12'000);
 }
 
 }  // namespace

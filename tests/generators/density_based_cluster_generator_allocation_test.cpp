@@ -2,16 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <iostream>
 #include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "kelvora/density_based_cluster_generator.hpp"
+#include "support/allocation_checks.hpp"
 #include "support/allocations.hpp"
 #include "support/density_settings.hpp"
-#include "support/long_stream.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -69,29 +68,9 @@ TEST(AllocationsOfTheDensityGenerator, AreReportedWhenPointsDoNotFitIntoMemory) 
 }
 
 TEST(AllocationsOfTheDensityGenerator, AreAllFreedWheneverOneOfThemFails) {
-    const auto settings = DensitySettings().capacity(100);
-    std::size_t needed = 0;
-    {
-        const AllocationWatch watch;
-        buildAndDestroy(settings);
-        needed = watch.allocations();
-    }
-    ASSERT_GT(needed, 2U);
-    std::size_t freed = 0;
-    for (std::size_t allowed = 0; allowed < needed; ++allowed) {
-        std::ptrdiff_t unfreed = 0;
-        {
-            const AllocationWatch watch(allowed);
-            try {
-                buildAndDestroy(settings);
-            } catch (const std::exception&) {
-                ++freed;
-            }
-            unfreed = watch.unfreed();
-        }
-        EXPECT_EQ(unfreed, 0) << "after " << allowed << " allocations";
-    }
-    EXPECT_EQ(freed, needed);
+    // At least the implementation and two buffers.
+    expectAllIsFreedWheneverAnAllocationFails(
+        [] { buildAndDestroy(DensitySettings().capacity(100)); }, 3);
 }
 
 TEST(AllocationsOfTheDensityGenerator, AreNotNeededUpToOneAndAHalfTimesTheCapacity) {
@@ -112,36 +91,7 @@ TEST(AllocationsOfTheDensityGenerator, AreNotNeededForEventsOfALongStreamWhoseMe
                          .timeLength(10'000)
                          .density(1.1, 4)
                          .build<Kind>();
-    constexpr std::size_t kBatch = 120'000;
-    DenseStream stream;
-    std::vector<ClusterGeometry> clusters;
-    std::size_t allocations = 0;
-    std::size_t events = 0;
-    long memory_at_first = 0;
-    while (events < eventsToFeed()) {
-        {
-            const AllocationWatch watch;
-            for (std::size_t i = 0; i < kBatch; ++i) {
-                const Event2D event = stream.next();
-                generator.processEvent(&event);
-            }
-            allocations += watch.allocations();
-        }
-        events += kBatch;
-        generator.generateClusters(events / 12, clusters);
-        ASSERT_FALSE(clusters.empty());
-        if (events == 5 * kBatch) {
-            memory_at_first = residentMemory();
-        }
-    }
-    EXPECT_EQ(allocations, 0U);
-    const long growth = residentMemory() - memory_at_first;
-    std::cout << events << " events, " << clusters.size() << " clusters at last, memory "
-              << memory_at_first << " kB after five calls, " << growth << " kB more at last\n";
-    if (kIsMemoryMeasurable) {
-        EXPECT_GT(memory_at_first, 1000);
-        EXPECT_LT(growth, 4096);
-    }
+    expectEventsOfALongStreamNeedNoAllocation(generator, 120'000);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace kelvora::recording {
 
@@ -19,5 +20,9 @@ public:
     RecordingError(const std::string& file, const std::string& problem, const std::string& where,
                    const std::string& remedy);
 };
+
+/// A field of a file as it may stand in a message: the file may hold anything, the message is one
+/// short line.
+std::string inQuotes(std::string_view field);
 
 }  // namespace kelvora::recording

@@ -16,16 +16,6 @@
 namespace kelvora::recording {
 namespace {
 
-// A field as it may stand in a message: the file may hold anything, the message is one short line.
-std::string quoted(std::string_view field) {
-    constexpr std::size_t kMaxShown = 24;
-    std::string shown = "'";
-    for (const char character : field.substr(0, kMaxShown)) {
-        shown += character >= ' ' && character <= '~' ? character : '?';
-    }
-    return shown + (field.size() > kMaxShown ? "...'" : "'");
-}
-
 std::string withoutPlus(std::string_view field) {
     return std::string(field.substr(!field.empty() && field.front() == '+' ? 1 : 0));
 }
@@ -121,13 +111,13 @@ std::uint64_t TextDecoder::decodeTime(std::string_view field) {
         time_unit = isDecimal(field) ? TimeUnit::Seconds : TimeUnit::Microseconds;
         unit_is_assumed = true;
     } else if (unit_is_assumed && *time_unit == TimeUnit::Microseconds && isDecimal(field)) {
-        refuse("has the time " + quoted(field) +
+        refuse("has the time " + inQuotes(field) +
                    " with a decimal point, while times before were whole numbers",
                "give the unit with --time-unit");
     }
     const auto microseconds = microsecondsFromDecimal(field, *time_unit);
     if (!microseconds) {
-        refuse("has the time " + quoted(field) + ", which is negative, too large or not a number",
+        refuse("has the time " + inQuotes(field) + ", which is negative, too large or not a number",
                "check the line and the order of the columns (--columns)");
     }
     return *microseconds;
@@ -137,7 +127,7 @@ std::uint16_t TextDecoder::decodeCoordinate(std::string_view name, std::string_v
     const auto number = wholeNumber(field);
     if (!number || *number < 0 || *number > std::numeric_limits<std::uint16_t>::max()) {
         refuse(fmt::format("has {} = {}, which is not a whole number from 0 to 65535", name,
-                           quoted(field)),
+                           inQuotes(field)),
                "check the line and the order of the columns (--columns)");
     }
     return static_cast<std::uint16_t>(*number);
@@ -146,7 +136,7 @@ std::uint16_t TextDecoder::decodeCoordinate(std::string_view name, std::string_v
 unsigned char TextDecoder::decodePolarity(std::string_view field) const {
     const auto number = wholeNumber(field);
     if (!number || *number < -1 || *number > 1) {
-        refuse("has the polarity " + quoted(field) + " instead of 0, 1 or -1",
+        refuse("has the polarity " + inQuotes(field) + " instead of 0, 1 or -1",
                "give the order of the columns with --columns");
     }
     return *number == 1 ? 1 : 0;

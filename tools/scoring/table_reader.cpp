@@ -18,17 +18,6 @@ constexpr std::size_t kMaxLine = 65536;
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-// Text of the file as it may stand in a message: the file may hold anything, the message is one
-// short line.
-std::string inQuotes(std::string_view field) {
-    constexpr std::size_t kMaxShown = 24;
-    std::string shown = "'";
-    for (const char character : field.substr(0, kMaxShown)) {
-        shown += character >= ' ' && character <= '~' ? character : '?';
-    }
-    return shown + (field.size() > kMaxShown ? "...'" : "'");
-}
-
 std::string_view withoutBlanks(std::string_view text) {
     const std::size_t begin = text.find_first_not_of(kBlanks);
     if (begin == std::string_view::npos) {
@@ -111,7 +100,8 @@ void TableReader::refuse(const std::string& problem, const std::string& remedy) 
 }
 
 void TableReader::refuseField(std::string_view column, const std::string& expected) const {
-    refuse(fmt::format("has {} = {}, which is not {}", column, inQuotes(text(column)), expected),
+    refuse(fmt::format("has {} = {}, which is not {}", column, recording::inQuotes(text(column)),
+                       expected),
            "correct the line");
 }
 
@@ -178,7 +168,7 @@ void TableReader::requireColumns(const std::vector<std::string>& required) const
     }
     for (auto name = names.begin(); name != names.end(); ++name) {
         if (std::find(names.begin(), name, *name) != name) {
-            refuse("has two columns " + inQuotes(*name), "rename one of them");
+            refuse("has two columns " + recording::inQuotes(*name), "rename one of them");
         }
     }
 }
@@ -200,7 +190,8 @@ void TableReader::readJsonRow() {
     for (const std::string& name : names) {
         const auto member = row.find(name);
         if (member == row.end()) {
-            refuse("has a row without " + inQuotes(name), "give each row the members of the first");
+            refuse("has a row without " + recording::inQuotes(name),
+                   "give each row the members of the first");
         }
         fields.push_back(textOf(*member));
     }

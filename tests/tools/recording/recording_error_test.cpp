@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "recording/recording_error.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kelvora::recording {
+namespace {
+
+TEST(RecordingError, IsOneLineThatNamesFileProblemPlaceAndRemedy) {
+    EXPECT_STREQ(RecordingError("a.raw", "is cut off", "byte 12", "copy it again").what(),
+                 "a.raw: is cut off, byte 12, copy it again");
+    EXPECT_STREQ(RecordingError("a.raw", "is empty", "", "record it again").what(),
+                 "a.raw: is empty, record it again");
+}
+
+TEST(InQuotes, ShowsShortTextAsItIs) {
+    EXPECT_EQ(inQuotes(""), "''");
+    EXPECT_EQ(inQuotes("1.5 ~"), "'1.5 ~'");
+    EXPECT_EQ(inQuotes(std::string(24, 'a')), "'" + std::string(24, 'a') + "'");
+}
+
+TEST(InQuotes, CutsLongText) {
+    EXPECT_EQ(inQuotes(std::string(25, 'a')), "'" + std::string(24, 'a') + "...'");
+}
+
+TEST(InQuotes, HidesWhatWouldBreakTheLine) {
+    EXPECT_EQ(inQuotes("a\nb\x01\x7F"
+                       "c\xFF"),
+              std::string("'a?b") + "??" + "c?'");
+}
+
+}  // namespace
+}  // namespace kelvora::recording
