@@ -77,7 +77,7 @@ def cluster_points(program, method, points, *parameters):
     """The lines that our program writes."""
     kind = f"{points.shape[1]}{'f' if points.dtype == np.float32 else 'd'}"
     run = subprocess.run([program, method, kind, *map(str, parameters)],
-                         input=points.tobytes(), stdout=subprocess.PIPE, check=True)
+                         input=points.tobytes(), stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
     return run.stdout.splitlines()
 
 
