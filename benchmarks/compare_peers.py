@@ -9,7 +9,7 @@ Before anything is timed, the results must agree:
 - DBSCAN: the same core points in the same clusters and the same noise with one job. With two jobs, which join clusters
   through border points and need one neighbour more, no cluster may be split and the noise must be the same.
 - k-means: started from the centroids at which ours has come to rest, the others must stay there: the same labels for
-  999 of 1,000 points, and the same inertia within 1e-5.
+  999 of 1,000 points, and the same inertia within 1e-4, as all compute in single precision.
 
 Iterations of k-means are timed as the difference between a run of 2 and one of 11, or of as many as the others do
 before they come to rest. These start from upright stripes with equally many points.
@@ -161,7 +161,7 @@ def check_kmeans(program, points, k):
     (labels, centroids), _ = program.centroid(points, k, 1000, "1e-300")
     theirs = kmeans(points, centroids, FEW_ITERATIONS)
     ours = inertia(points, labels, centroids)
-    if np.mean(theirs.labels_ != labels) > 1e-3 or abs(theirs.inertia_ / ours - 1) > 1e-5:
+    if np.mean(theirs.labels_ != labels) > 1e-3 or abs(theirs.inertia_ / ours - 1) > 1e-4:
         return "scikit-learn differs"
     # It starts from a run of its own, which comes to rest elsewhere: what must agree is that nothing moves.
     (resting, rested), _ = program.opencv(points, k, 1000, FEW_ITERATIONS)
@@ -212,19 +212,21 @@ def compare(program, scenes, sizes, rounds):
         for size in sizes:
             for setting, dim, eps in DENSITY_SETTINGS:
                 points = read_points(path, size, dim)
-                add("density", scene, points, setting, compare_density(program, points, eps, rounds),
-                    "kelvora, 2 jobs", check_density(program, points, eps))
+                disagreement = check_density(program, points, eps)
+                figures = compare_density(program, points, eps, rounds)
+                add("density", scene, points, setting, figures, "kelvora, 2 jobs", disagreement)
             points = read_points(path, size, 2)
             for k in CLUSTER_NUMBERS:
-                add("centroid", scene, points, f"k = {k}", compare_kmeans(program, points, k, rounds), "kelvora",
-                    check_kmeans(program, points, k))
+                disagreement = check_kmeans(program, points, k)
+                figures = compare_kmeans(program, points, k, rounds)
+                add("centroid", scene, points, f"k = {k}", figures, "kelvora", disagreement)
     return rows
 
 
 def draw_chart(rows, path):
     """Bars for the first scene with the most events: times of each contender, on a logarithmic axis."""
     import matplotlib
-    matplotlib.use("svg")
+    matplotlib.use("agg")
     import matplotlib.pyplot as plt
     plt.rcParams["svg.hashsalt"] = "kelvora"
     most = max(row["events"] for row in rows)
