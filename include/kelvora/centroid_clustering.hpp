@@ -12,6 +12,8 @@ namespace kelvora {
 
 template <int DIM, typename T>
 class CentroidBasedClusterGenerator;
+template <int DIM, typename T>
+class NearestCentroid;
 
 /// Divides points into k clusters around centroids: k-means, by the iteration of S. P. Lloyd: "Least
 /// Squares Quantization in PCM", IEEE Transactions on Information Theory 28(2), 1982.
@@ -89,6 +91,7 @@ private:
 
     KELVORA_NO_EXPORT void iterate(const std::vector<Point>& points);
     KELVORA_NO_EXPORT double assignPoints(const std::vector<Point>& points,
+                                          NearestCentroid<DIM, T>& nearest,
                                           std::vector<Point>& sums);
     KELVORA_NO_EXPORT bool moveCentroids(const std::vector<Point>& points,
                                          std::vector<Point>& sums);
@@ -103,7 +106,9 @@ private:
     KDTree<DIM, T> kd_tree;  ///< Over `centroids`, as they were before they moved last.
     std::vector<Point> centroids;
     std::vector<std::size_t> num_points_per_cluster;
-    std::vector<std::size_t> labels;  ///< The cluster of each point.
+    std::vector<std::size_t> labels;         ///< The cluster of each point.
+    std::vector<std::size_t> nearest_index;  ///< What the tree answers, kept to allocate once.
+    std::vector<T> nearest_squared_distance;
 };
 
 extern template class KELVORA_EXPORT CentroidClustering<2, float>;

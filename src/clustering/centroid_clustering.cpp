@@ -7,6 +7,8 @@
 #include <random>
 #include <stdexcept>
 
+#include "clustering/furthest_point.hpp"
+#include "clustering/nearest_centroid.hpp"
 #include "clustering/point_box.hpp"
 
 namespace kelvora {
@@ -18,44 +20,6 @@ std::size_t drawIndex(std::size_t count) {
     std::random_device seed;
     std::mt19937 generator(seed());
     return std::uniform_int_distribution<std::size_t>(0, count - 1)(generator);
-}
-
-/// The index of the largest number above 0, the first of them, and 0 if there is none.
-std::size_t indexOfLargest(const std::vector<float>& values) {
-    std::size_t index = 0;
-    float largest = 0.0F;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        if (values[i] > largest) {
-            largest = values[i];
-            index = i;
-        }
-    }
-    return index;
-}
-
-/// Narrowed to `float` for all kinds of points.
-template <int DIM, typename T>
-float distanceBetween(const KDPoint<DIM, T>& a, const KDPoint<DIM, T>& b) {
-    return static_cast<float>(a.euclideanDistance(b));
-}
-
-template <int DIM, typename T>
-std::vector<float> distancesTo(const KDPoint<DIM, T>& centroid,
-                               const std::vector<KDPoint<DIM, T>>& points) {
-    std::vector<float> distances(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        distances[i] = distanceBetween(points[i], centroid);
-    }
-    return distances;
-}
-
-/// Lowers the distance of each point to its nearest centroid where the new one is nearer.
-template <int DIM, typename T>
-void lowerDistances(std::vector<float>& distances, const std::vector<KDPoint<DIM, T>>& points,
-                    const KDPoint<DIM, T>& centroid) {
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        distances[i] = std::min(distances[i], distanceBetween(points[i], centroid));
-    }
 }
 
 /// A box, as minima and maxima, that any point widens.
@@ -138,19 +102,20 @@ void CentroidClustering<DIM, T>::furthestPointSample(const std::vector<Point>& p
     chosen.clear();
     chosen.reserve(k);
     chosen.push_back(points[drawIndex(points.size())]);
-    std::vector<float> distances = distancesTo(chosen.front(), points);
+    FurthestPoint<DIM, T> furthest(points, chosen.front());
     while (chosen.size() < k) {
-        chosen.push_back(points[indexOfLargest(distances)]);
-        lowerDistances(distances, points, chosen.back());
+        chosen.push_back(points[furthest.index()]);
+        furthest.addCentroid(chosen.back());
     }
 }
 
 template <int DIM, typename T>
 void CentroidClustering<DIM, T>::iterate(const std::vector<Point>& points) {
+    NearestCentroid<DIM, T> nearest(points, k);
     std::vector<Point> sums;
     double previous_total = std::numeric_limits<double>::max();
     for (std::size_t iteration = 0; iteration < max_iter; ++iteration) {
-        const double total = assignPoints(points, sums);
+        const double total = assignPoints(points, nearest, sums);
         const bool none_was_empty = moveCentroids(points, sums);
         if (none_was_empty && tol > std::abs(total - previous_total)) {
             break;
@@ -163,20 +128,30 @@ void CentroidClustering<DIM, T>::iterate(const std::vector<Point>& points) {
 /// the squared distances.
 template <int DIM, typename T>
 double CentroidClustering<DIM, T>::assignPoints(const std::vector<Point>& points,
+                                                NearestCentroid<DIM, T>& nearest,
                                                 std::vector<Point>& sums) {
-    kd_tree.build(centroids, 1);
     sums.assign(k, Point());
     std::fill(num_points_per_cluster.begin(), num_points_per_cluster.end(), 0);
+    nearest.setCentroids(centroids);
+    bool tree_is_built = false;
     double total = 0.0;
-    std::vector<std::size_t> nearest;
-    std::vector<T> squared_distance;
     for (std::size_t i = 0; i < points.size(); ++i) {
-        kd_tree.knnSearchPoint(1, nearest, squared_distance, points[i]);
-        const std::size_t cluster = nearest.front();
-        labels[i] = cluster;
-        total += static_cast<double>(squared_distance.front());
-        ++num_points_per_cluster[cluster];
-        sums[cluster] += points[i];
+        auto found = nearest.find(points[i], i);
+        if (found.is_tied) {
+            if (!tree_is_built) {
+                kd_tree.build(centroids, 1);
+                tree_is_built = true;
+            }
+            kd_tree.knnSearchPoint(1, nearest_index, nearest_squared_distance, points[i]);
+            found.index = nearest_index.front();
+            found.squared_distance = nearest_squared_distance.front();
+        }
+        labels[i] = found.index;
+        total += static_cast<double>(found.squared_distance);
+        ++num_points_per_cluster[found.index];
+        for (std::size_t axis = 0; axis < DIM; ++axis) {
+            sums[found.index].coordinates[axis] += points[i].coordinates[axis];
+        }
     }
     return total;
 }
