@@ -253,6 +253,39 @@ TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesForLargeSets) {
     }
 }
 
+/// Groups of points and some noise, long in the last dimension, and as far from the origin as times
+/// since 1970.
+template <class Kind>
+typename Kind::Points pointsFarFromTheOrigin(Random& random, std::size_t count, bool on_grid) {
+    const double origin = Kind::kDim == 2 ? -1e6 : 1.6e15;
+    typename Kind::Points points(count);
+    for (auto& point : points) {
+        const bool is_noise = randomInt(random, 0, 9) == 0;
+        const double group = is_noise ? 50 * randomReal(random) : 20 * randomInt(random, -3, 3);
+        const double x = group + 5 * randomReal(random);
+        const double y = 3 * group + randomReal(random);
+        const double z = origin + 5e9 * randomReal(random);
+        point = on_grid ? at<Kind>(std::round(x), std::round(y), z) : at<Kind>(x + origin, y, z);
+    }
+    return points;
+}
+
+TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesForLargeSetsFarFromTheOrigin) {
+    for (std::uint64_t seed = 0; seed < 6; ++seed) {
+        Random random(seed);
+        const auto points = pointsFarFromTheOrigin<TypeParam>(random, 400, seed % 2 == 0);
+        Settings settings(random);
+        settings.k = seed < 3 ? 7 : 50;
+        settings.max_iter = 6;
+        settings.tol = kUndefined;
+        CentroidClustering<TypeParam::kDim, typename TypeParam::T> clustering(
+            settings.k, settings.max_iter, settings.tol);
+        const auto found = outcomeOf<TypeParam>(clustering, points);
+        EXPECT_TRUE(firstCentroidOf<TypeParam>(found, points, settings).has_value())
+            << "seed " << seed;
+    }
+}
+
 template <class Kind>
 class DistancesThatFloatHidesLeaveSetsThat : public ::testing::Test {};
 using DoubleKinds = ::testing::Types<PointKind<2, double>, PointKind<3, double>>;
