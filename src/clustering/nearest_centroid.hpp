@@ -82,7 +82,7 @@ private:
 
 template <int DIM, typename T>
 NearestCentroid<DIM, T>::NearestCentroid(const std::vector<Point>& points, std::size_t k) {
-    constexpr std::size_t kCellsPerCentroid = 32;
+    constexpr std::size_t kCellsPerCentroid = 64;
     constexpr std::size_t kMostCells = 16384;
     if (measure(points)) {
         chooseHalvings(std::min({kCellsPerCentroid * k, points.size() / 4, kMostCells}));
