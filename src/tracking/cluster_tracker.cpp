@@ -35,10 +35,11 @@ float requireNotNegative(float value, const char* message) {
 }
 
 /// Whether a box can be followed: it is somewhere, and has an area. Generators report clusters
-/// without one at the origin.
+/// without one at the origin. Neither area nor centre must exceed what a float holds.
 bool isVisible(const ClusterGeometry& cluster) {
-    return std::isfinite(cluster.x) && std::isfinite(cluster.y) && std::isfinite(cluster.width) &&
-           std::isfinite(cluster.height) && cluster.width > 0.0F && cluster.height > 0.0F;
+    const cv::Point_<float> centre = cluster.getCenter();
+    return std::isfinite(centre.x) && std::isfinite(centre.y) && std::isfinite(cluster.getArea()) &&
+           cluster.width > 0.0F && cluster.height > 0.0F && cluster.getArea() > 0.0F;
 }
 
 float commonArea(const ClusterGeometry& a, const ClusterGeometry& b) {
@@ -208,8 +209,7 @@ void ClusterTracker::sight(Target& target, const ClusterGeometry& cluster,
     if (target.sightings.size() == kMostSightings) {
         target.sightings.erase(target.sightings.begin());
     }
-    target.sightings.push_back(
-        {cluster.timestamp, centre.x, centre.y, cluster.width, cluster.height});
+    target.sightings.push_back({last_timestamp, centre.x, centre.y, cluster.width, cluster.height});
     Line x;
     Line y;
     for (const Sighting& sighting : target.sightings) {

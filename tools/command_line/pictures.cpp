@@ -50,6 +50,9 @@ Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_)
 }
 
 void Pictures::add(const recording::Window& window, const WindowClusters& found) {
+    if (!options.isWanted()) {
+        return;
+    }
     const std::uint64_t origin = first_start.value_or(window.start_time);
     first_start = origin;
     const std::vector<int> labels = colourLabels(found);

@@ -15,7 +15,8 @@ namespace kelvora::tool {
 /// how many windows it had a cluster, the length of its way in pixels and its mean speed in pixels
 /// per second.
 ///
-/// Tracks that have ended stay in memory until `finish`, as rows come in the order of the numbers.
+/// Rows come in the order of the numbers: tracks that have ended stay in memory as long as one with
+/// a lower number goes on.
 class TrackWriter {
 public:
     /// \param path  A file, or "-" for standard output.
@@ -24,6 +25,7 @@ public:
 
     void add(const WindowClusters& found);
 
+    /// Ends all tracks.
     void finish();
 
 private:
@@ -36,8 +38,13 @@ private:
         bool is_confirmed;
     };
 
+    static void addWindow(Summary& summary, const ClusterTracker::Track& track);
+    void end(const std::map<int, Summary>& tracks);
+    void writeEnded();
+
     recording::OutputFile file;
-    std::map<int, Summary> summaries;
+    std::map<int, Summary> going_on;
+    std::map<int, Summary> ended;  ///< The confirmed ones.
 };
 
 }  // namespace kelvora::tool

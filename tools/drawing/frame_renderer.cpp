@@ -148,8 +148,12 @@ void drawTracks(cv::Mat& frame, const std::vector<TrackMark>& tracks, cv::Size s
         }
         cv::polylines(frame, trail, false, cv::Scalar(idColour(static_cast<std::size_t>(track.id))),
                       thickness, cv::LINE_AA);
-        if (isDrawable(track.box)) {
-            drawNumber(frame, boxInPicture(track.box, sensor, frame.size()), track.id, thickness);
+        if (!isDrawable(track.box)) {
+            continue;
+        }
+        const cv::Rect box = boxInPicture(track.box, sensor, frame.size());
+        if (!(box & cv::Rect({0, 0}, frame.size())).empty()) {
+            drawNumber(frame, box, track.id, thickness);
         }
     }
 }

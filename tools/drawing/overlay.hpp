@@ -25,7 +25,8 @@ struct Overlay {
     /// (0, 0).
     std::vector<cv::Point2f> centroids;
 
-    /// Drawn over the others, each in the colour of its number.
+    /// Drawn over the others, each in the colour of its number: the box and the number if the box
+    /// would be outlined above, and the trail as far as it is finite.
     std::vector<TrackMark> tracks;
 };
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Runs the program as its users do.
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -232,6 +234,68 @@ TEST_F(Program, RefusesDensityOptionsThatContradict) {
     EXPECT_EQ(run("cluster x --method density --scale-time 1 --us-per-pixel 1").status, 2);
     EXPECT_EQ(run("cluster x --method density --dim 3 --window 3600s").status, 2);
     EXPECT_EQ(run("cluster x --method density --time-length 0ms").status, 2);
+}
+
+TEST_F(Program, FollowsObjectsFromWindowToWindow) {
+    const std::string scene = simulate("scene.raw");
+    const Outcome outcome = run("cluster --track " + scene + " --tracks " + path("tracks.csv") +
+                                " --overview " + path("overview.png"));
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_THAT(
+        outcome.output,
+        StartsWith("timestamp_us,x,y,width,height,start_time_us,duration_us,track_id,vx,vy,state\n"
+                   "10000,"));
+    EXPECT_THAT(outcome.output, HasSubstr(",1,0.0,0.0,tentative\n"));
+    EXPECT_THAT(outcome.output, HasSubstr(",confirmed\n"));
+    EXPECT_THAT(contents(path("tracks.csv")),
+                StartsWith("track_id,first_time_us,last_time_us,windows,path_length_px,"
+                           "mean_speed_px_s\n1,10000,"));
+    EXPECT_THAT(contents(path("overview.png")), StartsWith("\x89PNG"));
+}
+
+TEST_F(Program, FindsTheSameClustersWithTracksAsWithout) {
+    const std::string scene = simulate("scene.raw");
+    std::istringstream rows(run("cluster " + scene).output);
+    std::istringstream tracked_rows(run("cluster --track " + scene).output);
+    std::string row;
+    std::string tracked_row;
+    while (std::getline(tracked_rows, tracked_row)) {
+        if (tracked_row.find("hidden") == std::string::npos) {
+            ASSERT_TRUE(std::getline(rows, row));
+            EXPECT_THAT(tracked_row, StartsWith(row + ','));
+        }
+    }
+    EXPECT_FALSE(std::getline(rows, row));
+}
+
+TEST_F(Program, NumbersTheFramesOfTheChallengeFromTheFirstEventsOn) {
+    // A square of events in windows 101 to 103, and again in window 106. Boxes go to the end of the
+    // cell behind the last active one.
+    std::ofstream recording(path("square.txt"));
+    recording << "64 64\n";
+    for (const int window : {101, 102, 103, 106}) {
+        for (int pixel = 0; pixel < 400; ++pixel) {
+            recording << fmt::format("{:.6f} {} {} 1\n", 0.01 * window + 1e-6 * pixel,
+                                     20 + pixel % 20, 20 + pixel / 20);
+        }
+    }
+    recording.close();
+    EXPECT_EQ(run("cluster --track --format mot --min-hits 1 " + path("square.txt")).output,
+              "1,1,21.00,21.00,25.00,25.00,1,-1,-1,-1\n"
+              "2,1,21.00,21.00,25.00,25.00,1,-1,-1,-1\n"
+              "3,1,21.00,21.00,25.00,25.00,1,-1,-1,-1\n"
+              "6,1,21.00,21.00,25.00,25.00,1,-1,-1,-1\n");
+}
+
+TEST_F(Program, RefusesTrackOptionsThatContradict) {
+    EXPECT_EQ(run("cluster x --tracks y").status, 2);
+    EXPECT_EQ(run("cluster x --format mot").status, 2);
+    EXPECT_EQ(run("cluster x --max-missed 3").status, 2);
+    EXPECT_EQ(run("cluster x --track --min-hits 0").status, 2);
+    EXPECT_EQ(run("cluster x --track --max-missed -1").status, 2);
+    EXPECT_EQ(run("cluster x --track --max-distance -1").status, 2);
+    EXPECT_EQ(run("cluster x --track --max-size-change inf").status, 2);
+    EXPECT_THAT(run("cluster x --format mot").errors, HasSubstr("needs --track"));
 }
 
 TEST_F(Program, TellsWhatIsInARecording) {

@@ -124,7 +124,8 @@ TEST(FrameRenderer, DoesNotCoverTheEventsOfACluster) {
             events.emplace_back(x, y, static_cast<unsigned char>(1), 0);
         }
     }
-    const cv::Mat picture = FrameRenderer({640, 480}).render(events, {{box(100, 50, 30, 20)}, {}, {}});
+    const cv::Mat picture =
+        FrameRenderer({640, 480}).render(events, {{box(100, 50, 30, 20)}, {}, {}});
 
     EXPECT_EQ(countOf(picture, kOnColour), 600);
 }
@@ -134,7 +135,8 @@ TEST(FrameRenderer, SetsOutlinesOffFromTheEventsAroundThem) {
     for (unsigned short x = 0; x < 640; ++x) {
         events.emplace_back(x, static_cast<unsigned short>(60), static_cast<unsigned char>(1), 0);
     }
-    const cv::Mat picture = FrameRenderer({640, 480}).render(events, {{box(100, 50, 30, 20)}, {}, {}});
+    const cv::Mat picture =
+        FrameRenderer({640, 480}).render(events, {{box(100, 50, 30, 20)}, {}, {}});
 
     EXPECT_EQ(colourAt(picture, 96, 60), kOnColour);
     EXPECT_EQ(colourAt(picture, 97, 60), kBackgroundColour);
@@ -144,7 +146,8 @@ TEST(FrameRenderer, SetsOutlinesOffFromTheEventsAroundThem) {
 }
 
 TEST(FrameRenderer, MarksCentroidsByCrossesInTheMiddleOfTheirPixels) {
-    const cv::Mat picture = FrameRenderer({64, 48}, {640, 480}).render(Events{}, {{}, {{20, 10}}, {}});
+    const cv::Mat picture =
+        FrameRenderer({64, 48}, {640, 480}).render(Events{}, {{}, {{20, 10}}, {}});
 
     EXPECT_EQ(colourAt(picture, 205, 105), kBoxColour);
     EXPECT_EQ(colourAt(picture, 210, 105), kBoxColour);

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/window_pipeline.hpp"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace kelvora::tool {
+namespace {
+
+constexpr std::uint64_t kWindow = 10'000;
+
+/// Reports a box of 20 by 20 pixels at each event of polarity 1.
+class BoxPerEvent : public ClusteringMethod {
+public:
+    void cluster(const recording::Window& window, WindowClusters& found) override {
+        found.clusters.clear();
+        for (const Event2D& event : window) {
+            if (event.polarity == 1) {
+                found.clusters.emplace_back(event.x, event.y, 20.0F, 20.0F, window.end_time);
+            }
+        }
+    }
+};
+
+class WindowPipelineTest : public testing::Test {
+protected:
+    WindowPipelineTest() {
+        output.clusters = folder / "window_pipeline_test.csv";
+        output.format = ClusterFormat::Mot;
+        track.is_wanted = true;
+        track.min_hits = 1;
+        track.max_missed = 3;
+    }
+
+    ~WindowPipelineTest() override {
+        std::filesystem::remove(output.clusters);
+        std::filesystem::remove(output.tracks);
+    }
+
+    /// Shows one box in each of these windows, and returns what was written.
+    std::string run(const std::vector<std::uint64_t>& windows, std::uint64_t first_window = 7) {
+        WindowPipeline pipeline(std::make_unique<BoxPerEvent>(), output, track, {640, 480},
+                                kWindow);
+        recording::WindowSlicer slicer(kWindow);
+        for (const std::uint64_t window : windows) {
+            slicer.add({Event2D(99, 49, 1, (first_window + window) * kWindow + 5)});
+            pipeline.process(slicer);
+        }
+        slicer.finish();
+        pipeline.process(slicer);
+        pipeline.finish();
+        window_count = pipeline.windowCount();
+        cluster_count = pipeline.clusterCount();
+        return contents(output.clusters);
+    }
+
+    static std::string contents(const std::filesystem::path& path) {
+        std::ostringstream text;
+        text << std::ifstream(path).rdbuf();
+        return text.str();
+    }
+
+    static std::string row(int frame, int id) {
+        return std::to_string(frame) + ',' + std::to_string(id) +
+               ",100.00,50.00,20.00,20.00,1,-1,-1,-1\n";
+    }
+
+    std::filesystem::path folder = testing::TempDir();
+    OutputOptions output;
+    TrackOptions track;
+    std::uint64_t window_count = 0;
+    std::uint64_t cluster_count = 0;
+};
+
+TEST_F(WindowPipelineTest, NumbersWindowsFromTheFirstWithEventsAndCountsThoseWithout) {
+    EXPECT_EQ(run({0, 1, 4}), row(1, 1) + row(2, 1) + row(5, 1));
+    EXPECT_EQ(window_count, 3U);
+    EXPECT_EQ(cluster_count, 3U);
+}
+
+TEST_F(WindowPipelineTest, NumbersWindowsTheSameWhereverTheRecordingBegins) {
+    EXPECT_EQ(run({0, 2}, 0), row(1, 1) + row(3, 1));
+    EXPECT_EQ(run({0, 2}, 161'521'168'300), row(1, 1) + row(3, 1));
+}
+
+TEST_F(WindowPipelineTest, EndsTracksInWindowsWithoutEvents) {
+    EXPECT_EQ(run({0, 4}), row(1, 1) + row(5, 1));
+    EXPECT_EQ(run({0, 5}), row(1, 1) + row(6, 2));
+}
+
+TEST_F(WindowPipelineTest, CountsWindowsWithoutEventsBetweenAllPairsOfWindows) {
+    EXPECT_EQ(run({0, 4, 8, 13, 14}), row(1, 1) + row(5, 1) + row(9, 1) + row(14, 2) + row(15, 2));
+}
+
+// Going through all windows without events would take years.
+TEST_F(WindowPipelineTest, SkipsGapsOfAnyLength) {
+    EXPECT_EQ(run({0, 100'000'000'000}),
+              row(1, 1) + "100000000001,2,100.00,50.00,20.00,20.00,1,-1,-1,-1\n");
+}
+
+TEST_F(WindowPipelineTest, WritesTheTracksAtTheEnd) {
+    output.tracks = folder / "window_pipeline_tracks.csv";
+    run({0, 1, 2, 10, 11});
+    EXPECT_EQ(contents(output.tracks),
+              "track_id,first_time_us,last_time_us,windows,path_length_px,mean_speed_px_s\n"
+              "1,80000,100000,3,0.0,0.0\n"
+              "2,180000,190000,2,0.0,0.0\n");
+}
+
+TEST_F(WindowPipelineTest, FollowsNothingUnlessWanted) {
+    track.is_wanted = false;
+    output.format = ClusterFormat::Csv;
+    EXPECT_EQ(run({0}),
+              "timestamp_us,x,y,width,height,start_time_us,duration_us\n80000,99,49,20,20,-1,0\n");
+}
+
+}  // namespace
+}  // namespace kelvora::tool
