@@ -14,9 +14,6 @@
 
 namespace kelvora {
 
-class DisjointSets;
-class SeedStack;
-
 /// Groups points by density: DBSCAN, after M. Ester, H.-P. Kriegel, J. Sander, X. Xu: "A
 /// Density-Based Algorithm for Discovering Clusters in Large Spatial Databases with Noise", KDD
 /// 1996.
@@ -81,26 +78,23 @@ private:
         unsigned char n_jobs);
     KELVORA_NO_EXPORT void thouroughSearch();
 
-    KELVORA_NO_EXPORT bool searchNeighbours(std::size_t index, Neighbours& neighbours) const;
-    KELVORA_NO_EXPORT std::vector<std::size_t> expandCluster(std::size_t seed, std::vector<T>& box);
-    KELVORA_NO_EXPORT void pushUnvisited(const Neighbours& neighbours);
+    struct KELVORA_NO_EXPORT Engines;
+
+    KELVORA_NO_EXPORT std::size_t requiredPoints() const;
+    KELVORA_NO_EXPORT void prepareSearch(const std::vector<Point>& points);
     KELVORA_NO_EXPORT void runWorkers(unsigned char n_jobs);
-    KELVORA_NO_EXPORT void joinNeighbours(DisjointSets& sets) const;
-    KELVORA_NO_EXPORT void reportSets(DisjointSets& sets,
-                                      std::vector<std::vector<std::size_t>>& clusters,
-                                      std::vector<std::vector<T>>& boxes) const;
-    KELVORA_NO_EXPORT bool hasCoreList(std::size_t index) const;
 
     double eps;
     int min_pts;
     KDTree<DIM, T> kd_tree;
+    // Established members, without use: the engines keep the like of them in less memory.
     std::vector<bool> visited;
-    std::vector<std::uint32_t> unused;  ///< Keeps the layout of the class.
-    std::unique_ptr<SeedStack> seeds;
+    std::vector<std::uint32_t> unused;
     Neighbours seed_list;
     Neighbours neighbour_list;
     std::vector<std::vector<std::size_t>> neighbour_lists;
-    std::atomic<std::size_t> next_point;
+    std::atomic<std::size_t> next_point;  ///< The next block of points to be searched or joined.
+    std::unique_ptr<Engines> engines;
 };
 
 extern template class KELVORA_EXPORT DensityClustering<2, float>;

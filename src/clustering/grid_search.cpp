@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "clustering/radix_sort.hpp"
+#include "clustering/squared_distance.hpp"
 
 namespace kelvora {
 
@@ -156,7 +157,7 @@ bool GridSearch<DIM, T>::measure(const std::vector<Point>& points, T radius, Ext
     }
     extent.index_bits = bitsFor(static_cast<double>(points.size()));
     extent.cell_bits = bitsFor(all_cells);
-    return extent.index_bits + extent.cell_bits <= 64;
+    return extent.index_bits <= 32 && extent.index_bits + extent.cell_bits <= 64;
 }
 
 template <int DIM, typename T>
@@ -227,8 +228,8 @@ void GridSearch<DIM, T>::placeRows(const Extent& extent) {
         if (DIM == 3) {
             rows += offsets[row][1] * static_cast<std::int64_t>(extent.cells[1]);
         }
-        row_distance[row] = static_cast<std::uint64_t>(
-            rows * static_cast<std::int64_t>(extent.cells[0]) - kReach);
+        row_distance[row] =
+            static_cast<std::uint64_t>(rows * static_cast<std::int64_t>(extent.cells[0]) - kReach);
     }
 }
 
@@ -328,8 +329,7 @@ template <int DIM, typename T>
 bool GridSearch<DIM, T>::isNearCorePoint(std::size_t point, Range points) const {
     const auto center = coordinatesOf(point);
     for (std::size_t k = points.begin; k < points.end; ++k) {
-        if (state[k] == kCore &&
-            squaredDistance<DIM>(center, coordinatesOf(k)) < squared_radius) {
+        if (state[k] == kCore && squaredDistance<DIM>(center, coordinatesOf(k)) < squared_radius) {
             return true;
         }
     }

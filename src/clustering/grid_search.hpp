@@ -88,8 +88,8 @@ private:
     ConcurrentSets sets;  ///< The first point stands for a cell that has core points.
 
     std::vector<std::uint64_t> cell_number;
-    std::vector<std::uint32_t> cell_begin;    ///< First point of each cell, and the end of the last.
-    std::vector<std::uint8_t> cell_has_core;  ///< Not bool: threads write neighbouring ones.
+    std::vector<std::uint32_t> cell_begin;  ///< First point of each cell, and the end of the last.
+    std::vector<std::uint8_t> cell_has_core;        ///< Not bool: threads write neighbouring ones.
     std::array<std::uint64_t, kRows> row_distance;  ///< From a cell to the first in reach in a row.
 };
 
