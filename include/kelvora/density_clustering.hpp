@@ -86,8 +86,8 @@ private:
 
     double eps;
     int min_pts;
-    KDTree<DIM, T> kd_tree;
     // Established members, without use: the engines keep the like of them in less memory.
+    KDTree<DIM, T> kd_tree;
     std::vector<bool> visited;
     std::vector<std::uint32_t> unused;
     Neighbours seed_list;

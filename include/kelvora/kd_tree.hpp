@@ -11,11 +11,6 @@
 
 namespace kelvora {
 
-template <int DIM, typename T>
-class DensityClustering;
-template <int DIM, typename T>
-struct FlatTree;
-
 /// An index over a vector of points that finds neighbours by radius or by number.
 ///
 /// The points stay where they are: the vector given to `build` must live, unchanged, as long as the
@@ -76,10 +71,6 @@ private:
     // NOLINTNEXTLINE(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp): an established name.
     class KELVORA_NO_EXPORT __KDPointAdaptor;
     class KELVORA_NO_EXPORT Index;
-    friend class DensityClustering<DIM, T>;
-
-    KELVORA_NO_EXPORT void buildOnce(const std::vector<Point>& points, int n_thread_build);
-    KELVORA_NO_EXPORT void flatten(FlatTree<DIM, T>& tree) const;
 
     std::vector<Point> points;  ///< Always empty; the tree reads the caller's vector.
     bool built = false;

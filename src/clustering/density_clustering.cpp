@@ -52,7 +52,7 @@ void DensityClustering<DIM, T>::generateClustersMultiThread(
     if (n_jobs == 0) {
         throw std::runtime_error("n_jobs must be greater than 0");
     }
-    if (points.size() > SeedStack::kMostNumbers) {
+    if (points.size() > SeedStack::kMostHeld) {
         throw std::length_error("too many points for density clustering: at most 2^30");
     }
     engines->points = &points;
@@ -70,8 +70,7 @@ void DensityClustering<DIM, T>::generateClustersPrivate(
     }
     clusters.reserve(points.size() / requiredPoints());
     boxes.reserve(points.size() / requiredPoints());
-    kd_tree.buildOnce(points, 1);
-    kd_tree.flatten(engines->expansion.tree);
+    engines->expansion.tree.build(points);
     engines->expansion.run(points, static_cast<T>(eps), requiredPoints(), clusters, boxes);
 }
 
@@ -105,9 +104,8 @@ void DensityClustering<DIM, T>::prepareSearch(const std::vector<Point>& points) 
     const T radius = static_cast<T>(eps);
     engines->search = &engines->grid;
     if (!engines->grid.build(points, radius, requiredPoints())) {
-        kd_tree.buildOnce(points, 1);
-        kd_tree.flatten(engines->tree.tree);
-        engines->tree.reset(points, radius, requiredPoints());
+        engines->tree.tree.build(points);
+        engines->tree.reset(radius, requiredPoints());
         engines->search = &engines->tree;
     }
 }

@@ -3,10 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <limits>
-
-#include "clustering/flat_tree.hpp"
 
 namespace kelvora {
 
@@ -56,25 +53,6 @@ class KDTree<DIM, T>::Index : public nanoflann::KDTreeSingleIndexAdaptor<
                                   __KDPointAdaptor, DIM, std::size_t> {
 public:
     using Index::KDTreeSingleIndexAdaptor::KDTreeSingleIndexAdaptor;
-    using FlatNode = typename FlatTree<DIM, T>::Node;
-
-    /// Appends a node and all below it. Returns their depth.
-    static std::size_t copyNodes(const typename Index::Node& node, std::vector<FlatNode>& nodes) {
-        if (node.child1 == nullptr) {
-            const auto& points = node.node_type.lr;
-            nodes.push_back({T{0}, T{0}, static_cast<std::uint32_t>(points.left),
-                             FlatTree<DIM, T>::kLeaf,
-                             static_cast<std::uint8_t>(points.right - points.left)});
-            return 1;
-        }
-        const auto& split = node.node_type.sub;
-        const std::size_t place = nodes.size();
-        nodes.push_back(
-            {split.divlow, split.divhigh, 0, static_cast<std::uint8_t>(split.divfeat), 0});
-        const std::size_t first_depth = copyNodes(*node.child1, nodes);
-        nodes[place].other = static_cast<std::uint32_t>(nodes.size());
-        return 1 + std::max(first_depth, copyNodes(*node.child2, nodes));
-    }
 };
 
 template <int DIM, typename T>
@@ -85,15 +63,6 @@ KDTree<DIM, T>::~KDTree() = default;
 
 template <int DIM, typename T>
 bool KDTree<DIM, T>::build(const std::vector<Point>& points_, int n_thread_build) {
-    buildOnce(points_, n_thread_build);
-    built = false;
-    index->buildIndex();
-    built = true;
-    return true;
-}
-
-template <int DIM, typename T>
-void KDTree<DIM, T>::buildOnce(const std::vector<Point>& points_, int n_thread_build) {
     // The old index refers to the old adaptor: it must not be searched if making the new ones
     // fails.
     built = false;
@@ -105,22 +74,9 @@ void KDTree<DIM, T>::buildOnce(const std::vector<Point>& points_, int n_thread_b
         kLeafMaxSize, nanoflann::KDTreeSingleIndexAdaptorFlags::None,
         static_cast<unsigned int>(n_thread_build));
     index = std::make_unique<Index>(DIM, *adaptor, params);
+    index->buildIndex();
     built = true;
-}
-
-/// Copies the index. Not before it is built.
-template <int DIM, typename T>
-void KDTree<DIM, T>::flatten(FlatTree<DIM, T>& tree) const {
-    const std::size_t n = getPointsCount();
-    tree.order.assign(index->vAcc_.begin(), index->vAcc_.end());
-    for (std::size_t axis = 0; axis < DIM; ++axis) {
-        tree.coordinates[axis].resize(n);
-        for (std::size_t position = 0; position < n; ++position) {
-            tree.coordinates[axis][position] = adaptor->kdtree_get_pt(tree.order[position], axis);
-        }
-    }
-    tree.nodes.clear();
-    tree.depth = n == 0 ? 0 : index->copyNodes(*index->root_node_, tree.nodes);
+    return true;
 }
 
 template <int DIM, typename T>

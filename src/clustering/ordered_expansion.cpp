@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "clustering/ordered_expansion.hpp"
 
-#include <algorithm>
-#include <cmath>
-#include <utility>
+#include <limits>
 
 #include "clustering/point_box.hpp"
 
@@ -11,20 +9,41 @@ namespace kelvora {
 
 namespace {
 
-/// Minima and extents of some points, by position.
+constexpr std::uint32_t kNoSlot = std::numeric_limits<std::uint32_t>::max();
+
+/// Number of bits, below the 16th, that are set. Instructions for it are not to be had everywhere.
+unsigned countBits(unsigned bits) {
+    bits -= bits >> 1U & 0x5555U;
+    bits = (bits & 0x3333U) + (bits >> 2U & 0x3333U);
+    bits = (bits + (bits >> 4U)) & 0x0f0fU;
+    return (bits + (bits >> 8U)) & 0x1fU;
+}
+
+unsigned lowestBit(unsigned bits) {
+    return static_cast<unsigned>(__builtin_ctz(bits));
+}
+
+unsigned highestBit(unsigned bits) {
+    return 31U - static_cast<unsigned>(__builtin_clz(bits));
+}
+
+/// All but the lowest `count` of the bits that are set.
+unsigned withoutLowest(unsigned bits, std::size_t count) {
+    for (; count > 0; --count) {
+        bits &= bits - 1;
+    }
+    return bits;
+}
+
+/// Minima and extents.
 template <int DIM, typename T>
-std::vector<T> boxOf(const FlatTree<DIM, T>& tree, const std::vector<std::uint32_t>& members) {
-    std::vector<T> box(2 * DIM);
-    for (std::size_t axis = 0; axis < DIM; ++axis) {
-        const std::vector<T>& values = tree.coordinates[axis];
-        T low = values[members[0]];
-        T high = low;
-        for (const std::uint32_t position : members) {
-            low = std::min(low, values[position]);
-            high = std::max(high, values[position]);
-        }
-        box[axis] = low;
-        box[DIM + axis] = high;
+std::vector<T> boxOf(const std::vector<KDPoint<DIM, T>>& points,
+                     const std::vector<std::size_t>& members) {
+    const auto& first = points[members[0]].coordinates;
+    std::vector<T> box(first.begin(), first.end());
+    box.insert(box.end(), first.begin(), first.end());
+    for (const std::size_t member : members) {
+        widenBox(box, points[member]);
     }
     maximaToExtents<DIM>(box);
     return box;
@@ -36,49 +55,55 @@ template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::run(const std::vector<Point>& points, T radius, std::size_t min_pts,
                                    std::vector<std::vector<std::size_t>>& clusters,
                                    std::vector<std::vector<T>>& boxes) {
-    reset(points);
-    TreeWalk<DIM, T> walk(tree, radius * radius);
-    for (const std::uint32_t position : position_of) {
+    reset();
+    Walk walk(tree, radius * radius);
+    for (const std::uint32_t slot : slot_of) {
         // A point that is not core stays unvisited: a later cluster may take it in as border point.
-        if ((state[position] & kUnvisited) == 0 || !findNeighbours(position, walk, min_pts)) {
-            continue;
+        const bool is_unvisited =
+            slot != kNoSlot && (unvisited[Tree::leafOf(slot)] >> Tree::laneOf(slot) & 1U) != 0;
+        if (is_unvisited && findNeighbours(slot, walk, min_pts)) {
+            std::vector<std::size_t>& members = clusters.emplace_back();
+            members.reserve(neighbour_count);
+            expand(slot, walk, min_pts, members);
+            boxes.push_back(boxOf(points, members));
         }
-        expand(position, walk, min_pts);
-        std::vector<std::size_t>& cluster = clusters.emplace_back(members.size());
-        std::transform(members.begin(), members.end(), cluster.begin(),
-                       [this](std::uint32_t member) { return tree.order[member]; });
-        boxes.push_back(boxOf(tree, members));
     }
 }
 
 template <int DIM, typename T>
-void OrderedExpansion<DIM, T>::reset(const std::vector<Point>& points) {
-    const std::size_t n = tree.size();
-    state.resize(n);
-    position_of.resize(n);
-    for (std::size_t position = 0; position < n; ++position) {
-        const auto& coordinates = points[tree.order[position]].coordinates;
-        const bool is_finite = std::all_of(coordinates.begin(), coordinates.end(),
-                                           [](T value) { return std::isfinite(value); });
-        state[position] = is_finite ? kUnvisited : kUnvisited | kSparse;
-        position_of[tree.order[position]] = static_cast<std::uint32_t>(position);
+void OrderedExpansion<DIM, T>::reset() {
+    unvisited = tree.finite_lanes;
+    may_be_core = tree.finite_lanes;
+    slot_of.assign(tree.points, kNoSlot);
+    const std::size_t leaves = tree.leaves();
+    for (std::size_t leaf = 0; leaf < leaves; ++leaf) {
+        for (unsigned lanes = tree.finite_lanes[leaf]; lanes != 0; lanes &= lanes - 1) {
+            const std::uint32_t slot = Tree::slotAt(leaf, lowestBit(lanes));
+            slot_of[tree.order[slot]] = slot;
+        }
     }
-    neighbours.resize(n + 1);
-    unvisited_rest.resize(n + 1);
-    seeds.reset(n);
+    neighbours.resize(leaves + 1);
+    behind.resize(tree.points);
+    seeds.reset(leaves << Tree::kLaneBits, tree.points);
 }
 
 /// Returns whether a point is core; then its neighbours are listed.
 template <int DIM, typename T>
-bool OrderedExpansion<DIM, T>::findNeighbours(std::uint32_t position, TreeWalk<DIM, T>& walk,
-                                              std::size_t min_pts) {
-    if ((state[position] & kSparse) != 0) {
+bool OrderedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, std::size_t min_pts) {
+    std::uint16_t& core_lanes = may_be_core[Tree::leafOf(slot)];
+    if ((core_lanes >> Tree::laneOf(slot) & 1U) == 0) {
         return false;
     }
-    const std::uint32_t* end = walk.neighboursOf(position, neighbours.data());
-    neighbour_count = static_cast<std::size_t>(end - neighbours.data());
+    leaf_count = 0;
+    neighbour_count = 0;
+    walk.neighboursOf(slot, [this](const LanesOfLeaf& near) {
+        neighbours[leaf_count] = near;
+        leaf_count += near.count > 0 ? 1 : 0;
+        neighbour_count += near.count;
+        return true;
+    });
     if (neighbour_count < min_pts) {
-        state[position] |= kSparse;
+        core_lanes = static_cast<std::uint16_t>(core_lanes & ~(1U << Tree::laneOf(slot)));
         return false;
     }
     return true;
@@ -86,45 +111,92 @@ bool OrderedExpansion<DIM, T>::findNeighbours(std::uint32_t position, TreeWalk<D
 
 /// Collects the cluster of a core point whose neighbours are listed.
 template <int DIM, typename T>
-void OrderedExpansion<DIM, T>::expand(std::uint32_t seed, TreeWalk<DIM, T>& walk,
-                                      std::size_t min_pts) {
-    members.assign(1, seed);
-    state[seed] = 0;
-    for (std::size_t k = 0; k < neighbour_count; ++k) {
-        if ((state[neighbours[k]] & kUnvisited) != 0) {
-            seeds.push(neighbours[k]);
+void OrderedExpansion<DIM, T>::expand(std::uint32_t seed, Walk& walk, std::size_t min_pts,
+                                      std::vector<std::size_t>& members) {
+    const auto visit = [&](std::uint32_t slot) {
+        std::uint16_t& lanes = unvisited[Tree::leafOf(slot)];
+        lanes = static_cast<std::uint16_t>(lanes & ~(1U << Tree::laneOf(slot)));
+        members.push_back(tree.order[slot]);
+    };
+    visit(seed);
+    pushUnvisited();
+    while (!seeds.empty()) {
+        const std::uint32_t slot = seeds.pop();
+        visit(slot);
+        if (findNeighbours(slot, walk, min_pts)) {
+            partitionAndPushUnvisited();
         }
     }
-    while (!seeds.empty()) {
-        const std::uint32_t position = seeds.pop();
-        members.push_back(position);
-        state[position] &= static_cast<std::uint8_t>(~kUnvisited);
-        if (findNeighbours(position, walk, min_pts)) {
-            pushUnvisited();
-        }
+}
+
+/// Pushes the unvisited neighbours in the order of the walk.
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::pushUnvisited() {
+    for (std::size_t i = 0; i < leaf_count; ++i) {
+        const LanesOfLeaf& near = neighbours[i];
+        pushFilled(near.leaf, near.lanes & unvisited[near.leaf]);
     }
 }
 
 /// Pushes the unvisited neighbours in the order in which `std::partition` would put them first: each
 /// gap that a visited one leaves in front is filled with the last unvisited one from behind. Their
-/// order decides that of the cluster's members. As much of them is visited as not, in no order:
-/// without branches, this takes a third of the time.
+/// order decides that of the cluster's members.
 template <int DIM, typename T>
-void OrderedExpansion<DIM, T>::pushUnvisited() {
-    std::size_t unvisited = 0;
-    for (std::size_t k = 0; k < neighbour_count; ++k) {
-        unvisited += state[neighbours[k]] & kUnvisited;
+void OrderedExpansion<DIM, T>::partitionAndPushUnvisited() {
+    std::size_t in_front = countUnvisited();
+    std::size_t middle = 0;
+    while (middle < leaf_count && in_front >= neighbours[middle].count) {
+        in_front -= neighbours[middle++].count;
     }
-    std::uint32_t* rest = unvisited_rest.data();
-    for (std::size_t k = neighbour_count; k-- > unvisited;) {
-        *rest = neighbours[k];
-        rest += state[neighbours[k]] & kUnvisited;
+    next_behind = behind.size();
+    for (std::size_t i = leaf_count; i-- > middle + 1;) {
+        collectFromBehind(neighbours[i].leaf, neighbours[i].lanes);
     }
-    rest = unvisited_rest.data();
-    for (std::size_t k = 0; k < unvisited; ++k) {
-        const std::size_t is_unvisited = state[neighbours[k]] & kUnvisited;
-        seeds.push(is_unvisited != 0 ? neighbours[k] : *rest);
-        rest += 1 - is_unvisited;
+    unsigned middle_lanes = 0;
+    if (middle < leaf_count) {
+        const LanesOfLeaf& near = neighbours[middle];
+        const unsigned lanes_behind = withoutLowest(near.lanes, in_front);
+        collectFromBehind(near.leaf, lanes_behind);
+        middle_lanes = near.lanes & ~lanes_behind;
+    }
+    next_behind = behind.size();
+    for (std::size_t i = 0; i < middle; ++i) {
+        pushFilled(neighbours[i].leaf, neighbours[i].lanes);
+    }
+    if (middle_lanes != 0) {
+        pushFilled(neighbours[middle].leaf, middle_lanes);
+    }
+}
+
+template <int DIM, typename T>
+std::size_t OrderedExpansion<DIM, T>::countUnvisited() const {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < leaf_count; ++i) {
+        const LanesOfLeaf& near = neighbours[i];
+        count += countBits(near.lanes & unvisited[near.leaf]);
+    }
+    return count;
+}
+
+/// Keeps the unvisited ones, in the order from the last to the first.
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::collectFromBehind(std::size_t leaf, unsigned lanes) {
+    unsigned left = lanes & unvisited[leaf];
+    while (left != 0) {
+        const unsigned lane = highestBit(left);
+        behind[--next_behind] = Tree::slotAt(leaf, lane);
+        left ^= 1U << lane;
+    }
+}
+
+/// Pushes neighbours, and those from behind in place of visited ones.
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::pushFilled(std::size_t leaf, unsigned lanes) {
+    const unsigned unvisited_lanes = unvisited[leaf];
+    for (unsigned left = lanes; left != 0; left &= left - 1) {
+        const unsigned lane = lowestBit(left);
+        const bool is_unvisited = (unvisited_lanes >> lane & 1U) != 0;
+        seeds.push(is_unvisited ? Tree::slotAt(leaf, lane) : behind[--next_behind]);
     }
 }
 

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 #include "clustering/flat_tree.hpp"
@@ -17,9 +16,9 @@ namespace kelvora {
 /// It follows from the walk through nanoflann's tree, and from how the standard library partitions a
 /// list of neighbours.
 ///
-/// All that is kept per point, and the neighbours themselves, are positions in the flat tree, of 32
-/// bits, without distances. The time is 25 to 50 % of that of a search in nanoflann's own tree with
-/// lists of its results: see benchmarks/README.md.
+/// Neighbours are kept leaf by leaf, with a bit for each point, and so is which points have been
+/// visited. The time is 25 to 50 % of that of searches in nanoflann's own tree with lists of its
+/// results: see benchmarks/README.md.
 template <int DIM, typename T>
 class OrderedExpansion {
 public:
@@ -29,28 +28,33 @@ public:
     void run(const std::vector<Point>& points, T radius, std::size_t min_pts,
              std::vector<std::vector<std::size_t>>& clusters, std::vector<std::vector<T>>& boxes);
 
-    /// Copied from an index of the points before `run`.
+    /// Built of the points before `run`.
     FlatTree<DIM, T> tree;
 
 private:
-    /// What is known of a point.
-    enum : std::uint8_t {
-        kUnvisited = 1,
-        kSparse = 2,  ///< It is no core point; whether it is one need not be asked again.
-    };
+    using Tree = FlatTree<DIM, T>;
+    using Walk = TreeWalk<DIM, T>;
 
-    void reset(const std::vector<Point>& points);
-    bool findNeighbours(std::uint32_t position, TreeWalk<DIM, T>& walk, std::size_t min_pts);
-    void expand(std::uint32_t seed, TreeWalk<DIM, T>& walk, std::size_t min_pts);
+    void reset();
+    bool findNeighbours(std::uint32_t slot, Walk& walk, std::size_t min_pts);
+    void expand(std::uint32_t seed, Walk& walk, std::size_t min_pts,
+                std::vector<std::size_t>& members);
     void pushUnvisited();
+    void partitionAndPushUnvisited();
+    std::size_t countUnvisited() const;
+    void collectFromBehind(std::size_t leaf, unsigned lanes);
+    void pushFilled(std::size_t leaf, unsigned lanes);
 
-    std::vector<std::uint8_t> state;            ///< Of the point at each position.
-    std::vector<std::uint32_t> position_of;     ///< Of the caller's points.
-    std::vector<std::uint32_t> neighbours;      ///< The first `neighbour_count` are in use.
-    std::vector<std::uint32_t> unvisited_rest;  ///< Those that fill gaps in front.
+    std::vector<std::uint16_t> unvisited;  ///< One bit for each point of a leaf.
+    /// The same for points that may be core: it need not be asked again whether others are.
+    std::vector<std::uint16_t> may_be_core;
+    std::vector<std::uint32_t> slot_of;   ///< Of the caller's points.
+    std::vector<LanesOfLeaf> neighbours;  ///< The first `leaf_count` are in use.
+    std::size_t leaf_count = 0;
     std::size_t neighbour_count = 0;
+    std::vector<std::uint32_t> behind;  ///< Unvisited neighbours that fill gaps in front.
+    std::size_t next_behind = 0;
     SeedStack seeds;
-    std::vector<std::uint32_t> members;
 };
 
 extern template class OrderedExpansion<2, float>;

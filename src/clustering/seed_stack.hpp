@@ -18,12 +18,12 @@ namespace kelvora {
 /// out the old entry at once.
 class SeedStack {
 public:
-    /// The most numbers it takes.
-    static constexpr std::size_t kMostNumbers = std::size_t{1} << 30;
+    /// The most numbers it holds.
+    static constexpr std::size_t kMostHeld = std::size_t{1} << 30;
 
-    /// Empties the stack and makes room for the numbers 0 to n - 1.
-    void reset(std::size_t n) {
-        entries.resize(kRoomPerNumber * n);
+    /// Empties the stack and makes room for numbers below n, so many at most at a time.
+    void reset(std::size_t n, std::size_t most_held) {
+        entries.resize(kRoomPerNumber * most_held);
         last_entry.resize(n);
         count = 0;
     }

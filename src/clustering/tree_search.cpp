@@ -2,101 +2,79 @@
 #include "clustering/tree_search.hpp"
 
 #include <algorithm>
-#include <cmath>
 
 namespace kelvora {
 
 namespace {
 
-constexpr std::size_t kPointsPerBlock = 256;
+constexpr std::size_t kLeavesPerBlock = 32;
 
 }  // namespace
 
 template <int DIM, typename T>
-void TreeSearch<DIM, T>::reset(const std::vector<Point>& points, T radius, std::size_t min_pts_) {
+void TreeSearch<DIM, T>::reset(T radius, std::size_t min_pts_) {
     squared_radius = radius * radius;
     min_pts = min_pts_;
-    state.resize(tree.size());
-    for (std::size_t position = 0; position < tree.size(); ++position) {
-        const auto& coordinates = points[tree.order[position]].coordinates;
-        const bool is_finite = std::all_of(coordinates.begin(), coordinates.end(),
-                                           [](T value) { return std::isfinite(value); });
-        state[position] = is_finite ? kOrdinary : kNotFinite;
-    }
-    sets.reset(tree.size());
+    is_core.assign(tree.order.size(), 0);
+    sets.reset(tree.order.size());
 }
 
 template <int DIM, typename T>
 std::size_t TreeSearch<DIM, T>::blocks() const {
-    return (tree.size() + kPointsPerBlock - 1) / kPointsPerBlock;
+    return (tree.leaves() + kLeavesPerBlock - 1) / kLeavesPerBlock;
 }
 
-/// Points at the same place have the same neighbours, and are next to each other more often than not.
 template <int DIM, typename T>
-bool TreeSearch<DIM, T>::isLikeTheOneBefore(std::size_t position) const {
-    return position % kPointsPerBlock > 0 && state[position - 1] != kNotFinite &&
-           tree.coordinatesAt(position) == tree.coordinatesAt(position - 1);
+template <class OnPoint>
+void TreeSearch<DIM, T>::forPointsOf(std::size_t block, OnPoint onPoint) const {
+    const std::size_t end = std::min((block + 1) * kLeavesPerBlock, tree.leaves());
+    for (std::size_t leaf = block * kLeavesPerBlock; leaf < end; ++leaf) {
+        for (unsigned lane = 0; lane < Tree::kLanes; ++lane) {
+            const std::uint32_t slot = Tree::slotAt(leaf, lane);
+            if (tree.isFinite(slot)) {
+                onPoint(slot, lane > 0 && tree.isFinite(slot - 1) &&
+                                  tree.coordinatesAt(slot) == tree.coordinatesAt(slot - 1));
+            }
+        }
+    }
 }
 
 template <int DIM, typename T>
 void TreeSearch<DIM, T>::findCorePoints(std::size_t block) {
-    TreeWalk<DIM, T> walk(tree, squared_radius);
-    const std::size_t begin = block * kPointsPerBlock;
-    const std::size_t end = std::min(begin + kPointsPerBlock, tree.size());
-    for (std::size_t position = begin; position < end; ++position) {
-        if (state[position] == kNotFinite) {
-            continue;
+    Walk walk(tree, squared_radius);
+    forPointsOf(block, [&](std::uint32_t slot, bool is_like_the_one_before) {
+        if (is_like_the_one_before) {
+            is_core[slot] = is_core[slot - 1];
+            return;
         }
-        if (isLikeTheOneBefore(position)) {
-            state[position] = state[position - 1];
-        } else if (isCore(static_cast<std::uint32_t>(position), walk)) {
-            state[position] = kCore;
-        }
-    }
-}
-
-/// Counts until there are enough; the point itself is among those counted.
-template <int DIM, typename T>
-bool TreeSearch<DIM, T>::isCore(std::uint32_t position, TreeWalk<DIM, T>& walk) const {
-    const auto center = tree.coordinatesAt(position);
-    std::size_t count = 0;
-    walk.leavesAround(center, [&](std::uint32_t begin, std::uint32_t end) {
-        for (std::uint32_t k = begin; k < end; ++k) {
-            count += walk.isNear(center, k) ? 1 : 0;
-        }
-        return count <= min_pts;
+        std::size_t count = 0;  // the point itself among them
+        walk.neighboursOf(slot, [&](const LanesOfLeaf& near) {
+            count += near.count;
+            return count <= min_pts;
+        });
+        is_core[slot] = count > min_pts ? 1 : 0;
     });
-    return count > min_pts;
 }
 
 template <int DIM, typename T>
 void TreeSearch<DIM, T>::joinNeighbours(std::size_t block) {
-    TreeWalk<DIM, T> walk(tree, squared_radius);
-    const std::size_t begin = block * kPointsPerBlock;
-    const std::size_t end = std::min(begin + kPointsPerBlock, tree.size());
-    for (std::size_t k = begin; k < end; ++k) {
-        const auto position = static_cast<std::uint32_t>(k);
-        if (state[position] != kCore) {
-            continue;
+    Walk walk(tree, squared_radius);
+    forPointsOf(block, [&](std::uint32_t slot, bool is_like_the_one_before) {
+        if (is_core[slot] == 0) {
+            return;
         }
-        if (isLikeTheOneBefore(position)) {
-            sets.join(position, position - 1);
-        } else {
-            joinNeighboursOf(position, walk);
+        if (is_like_the_one_before) {
+            sets.join(slot, slot - 1);
+            return;
         }
-    }
-}
-
-template <int DIM, typename T>
-void TreeSearch<DIM, T>::joinNeighboursOf(std::uint32_t position, TreeWalk<DIM, T>& walk) {
-    const auto center = tree.coordinatesAt(position);
-    walk.leavesAround(center, [&](std::uint32_t begin, std::uint32_t end) {
-        for (std::uint32_t k = begin; k < end; ++k) {
-            if (walk.isNear(center, k)) {
-                sets.join(position, k);
+        walk.neighboursOf(slot, [&](const LanesOfLeaf& near) {
+            for (unsigned lane = 0; near.lanes >> lane != 0; ++lane) {
+                if ((near.lanes >> lane & 1U) != 0) {
+                    sets.join(slot, Tree::slotAt(near.leaf, lane));
+                }
             }
-        }
-        return true;
+            return true;
+        });
     });
 }
 
@@ -104,11 +82,12 @@ void TreeSearch<DIM, T>::joinNeighboursOf(std::uint32_t position, TreeWalk<DIM, 
 template <int DIM, typename T>
 void TreeSearch<DIM, T>::writeSets(std::vector<std::uint32_t>& set_of) {
     std::fill(set_of.begin(), set_of.end(), kNoSet);
-    for (std::size_t k = 0; k < tree.size(); ++k) {
-        const std::uint32_t set = sets.find(static_cast<std::uint32_t>(k));
-        if (set != k) {
-            set_of[tree.order[k]] = set;
-            set_of[tree.order[set]] = set;
+    for (std::uint32_t slot = 0; slot < tree.order.size(); ++slot) {
+        const std::uint32_t first = sets.find(slot);
+        if (first != slot) {
+            const std::uint32_t set = tree.order[first];
+            set_of[tree.order[slot]] = set;
+            set_of[set] = set;
         }
     }
 }

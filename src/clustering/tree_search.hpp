@@ -9,7 +9,6 @@
 #include "clustering/flat_tree.hpp"
 #include "clustering/parallel_search.hpp"
 #include "clustering/tree_walk.hpp"
-#include "kelvora/kd_point.hpp"
 
 namespace kelvora {
 
@@ -18,31 +17,31 @@ namespace kelvora {
 template <int DIM, typename T>
 class TreeSearch : public ParallelSearch {
 public:
-    using Point = KDPoint<DIM, T>;
-
-    /// Takes in `points`, which `tree` holds.
-    void reset(const std::vector<Point>& points, T radius, std::size_t min_pts);
+    /// Takes in the points of `tree`.
+    void reset(T radius, std::size_t min_pts);
 
     std::size_t blocks() const override;
     void findCorePoints(std::size_t block) override;
     void joinNeighbours(std::size_t block) override;
     void writeSets(std::vector<std::uint32_t>& set_of) override;
 
-    /// Copied from an index of the points before `reset`.
+    /// Built before `reset`.
     FlatTree<DIM, T> tree;
 
 private:
-    enum PointState : std::uint8_t { kOrdinary, kCore, kNotFinite };
+    using Tree = FlatTree<DIM, T>;
+    using Walk = TreeWalk<DIM, T>;
 
-    bool isCore(std::uint32_t position, TreeWalk<DIM, T>& walk) const;
-    void joinNeighboursOf(std::uint32_t position, TreeWalk<DIM, T>& walk);
-    bool isLikeTheOneBefore(std::size_t position) const;
+    /// Calls `onPoint(slot, is_like_the_one_before)` for each point of a block that is finite. Points
+    /// at the same place have the same neighbours, and are next to each other more often than not.
+    template <class OnPoint>
+    void forPointsOf(std::size_t block, OnPoint onPoint) const;
 
     T squared_radius;
     std::size_t min_pts;
-    // By position in the tree.
-    std::vector<std::uint8_t> state;
-    ConcurrentSets sets;
+    std::vector<std::uint8_t>
+        is_core;          ///< Of each slot. Not bool: threads write neighbouring ones.
+    ConcurrentSets sets;  ///< Of slots.
 };
 
 extern template class TreeSearch<2, float>;

@@ -24,7 +24,7 @@ std::vector<std::uint32_t> popAll(SeedStack& stack) {
 
 std::vector<std::uint32_t> poppedAfter(const std::vector<std::uint32_t>& pushed) {
     SeedStack stack;
-    stack.reset(10);
+    stack.reset(10, 10);
     for (const std::uint32_t i : pushed) {
         stack.push(i);
     }
@@ -48,7 +48,7 @@ TEST(SeedStack, MovesANumberThatIsPushedAgainToTheTop) {
 
 TEST(SeedStack, TakesANumberBackAfterItWasPopped) {
     SeedStack stack;
-    stack.reset(3);
+    stack.reset(3, 3);
     stack.push(2);
     stack.push(1);
     EXPECT_EQ(stack.pop(), 1U);
@@ -58,10 +58,10 @@ TEST(SeedStack, TakesANumberBackAfterItWasPopped) {
 
 TEST(SeedStack, ForgetsAllNumbersWhenReset) {
     SeedStack stack;
-    stack.reset(3);
+    stack.reset(3, 3);
     stack.push(2);
     stack.push(1);
-    stack.reset(5);
+    stack.reset(5, 5);
     EXPECT_TRUE(stack.empty());
     stack.push(2);
     stack.push(4);
@@ -73,7 +73,7 @@ TEST(SeedStack, GivesTheOrderOfAStackWithAllCopiesWhoseOldOnesAreSkipped) {
     constexpr std::size_t kCount = 30;
     for (int round = 0; round < 300; ++round) {
         SeedStack stack;
-        stack.reset(kCount);
+        stack.reset(kCount, kCount);
         std::vector<std::uint32_t> copies;
         std::vector<bool> popped(kCount, false);
         while (true) {
