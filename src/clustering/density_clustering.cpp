@@ -20,6 +20,9 @@ namespace {
 /// Larger than any number of blocks, and far from the end of the numbers.
 constexpr std::size_t kNothingLeft = std::numeric_limits<std::size_t>::max() / 2;
 
+/// Fewer blocks than these are joined by one worker sooner than the others would wake up.
+constexpr std::size_t kBlocksToShare = 32;
+
 }  // namespace
 
 /// What finds neighbours. Kept from call to call for its memory.
@@ -162,7 +165,13 @@ void DensityClustering<DIM, T>::thouroughSearch() {
         search.findCorePoints(i);
         ++searched;
     }
-    engines->core_points_found.done(searched);
+    const bool is_last = engines->core_points_found.done(searched);
+    if (blocks < kBlocksToShare) {
+        for (i = is_last ? 0 : blocks; i < blocks; ++i) {
+            search.joinNeighbours(i);
+        }
+        return;
+    }
     if (!engines->core_points_found.wait()) {
         return;
     }

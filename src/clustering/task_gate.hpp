@@ -16,13 +16,14 @@ public:
         is_given_up = false;
     }
 
-    /// Says that a thread has done so many of the tasks.
-    void done(std::size_t tasks) {
+    /// Says that a thread has done so many of the tasks. Returns whether the last one was among them.
+    bool done(std::size_t tasks) {
         const std::lock_guard<std::mutex> lock(mutex);
         tasks_left -= tasks;
         if (tasks_left == 0) {
             opened.notify_all();
         }
+        return tasks > 0 && tasks_left == 0;
     }
 
     /// Says that the tasks will not all be done.
