@@ -148,7 +148,8 @@ std::size_t FlatTree<DIM, T>::addLeaf(Range range) {
     finite_lanes.push_back(0);
     order.resize(order.size() + (std::size_t{1} << kLaneBits));
     lanes.resize(lanes.size() + DIM * kLanes, std::numeric_limits<T>::quiet_NaN());
-    for (unsigned lane = 0; lane < range.end - range.begin; ++lane) {
+    const auto count = static_cast<unsigned>(range.end - range.begin);
+    for (unsigned lane = 0; lane < count; ++lane) {
         const Entry& entry = range.begin[lane];
         order[slotAt(leaf, lane)] = entry.number;
         if (entry.is_finite) {

@@ -18,8 +18,8 @@ namespace kelvora {
 /// Leaves are numbered in the order of the tree, and points known by their slot, which says their
 /// leaf and their lane in it: neighbours have close slots, and a leaf's neighbours are a few bits.
 ///
-/// Building it once takes a sixth of the time of building nanoflann's twice, and walking it a third
-/// of nanoflann's search, which finds the same points in the same order.
+/// A search in it takes about half the time of nanoflann's, which finds the same points in the same
+/// order, and building it half the time of building nanoflann's and copying it.
 template <int DIM, typename T>
 class FlatTree {
 public:

@@ -221,7 +221,7 @@ void GridSearch<DIM, T>::collectCells(const Extent& extent) {
 
 template <int DIM, typename T>
 void GridSearch<DIM, T>::placeRows(const Extent& extent) {
-    const auto offsets = rowOffsets<DIM, kReach, kRows>();
+    static const auto offsets = rowOffsets<DIM, kReach, kRows>();
     for (std::size_t row = 0; row < kRows; ++row) {
         // Negative ones wrap around, and back when they are added.
         std::int64_t rows = offsets[row][0];

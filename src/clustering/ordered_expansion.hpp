@@ -17,7 +17,7 @@ namespace kelvora {
 /// list of neighbours.
 ///
 /// Neighbours are kept leaf by leaf, with a bit for each point, and so is which points have been
-/// visited. The time is 25 to 50 % of that of searches in nanoflann's own tree with lists of its
+/// visited. The time is 40 to 55 % of that of searches in nanoflann's own tree with lists of its
 /// results: see benchmarks/README.md.
 template <int DIM, typename T>
 class OrderedExpansion {

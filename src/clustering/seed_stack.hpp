@@ -14,8 +14,8 @@ namespace kelvora {
 ///
 /// Pushing again leaves the old entry where it is, to be skipped: an entry counts if it is the last
 /// one of its number. When the room is used up, entries that do not count are dropped, which takes
-/// constant time per push. A third of the time of a list that is linked in both directions, to take
-/// out the old entry at once.
+/// constant time per push. A list linked in both directions would take out the old entry at once, and
+/// have four places to write to instead of two.
 class SeedStack {
 public:
     /// The most numbers it holds.
