@@ -111,7 +111,7 @@ template <int DIM, typename T>
 bool GridSearch<DIM, T>::build(const std::vector<Point>& points, T radius, std::size_t min_pts_) {
     min_pts = min_pts_;
     squared_radius = radius * radius;
-    Extent extent;
+    Extent extent{};  // without finite points, no cells
     if (!measure(points, radius, extent)) {
         return false;
     }
@@ -152,7 +152,7 @@ bool GridSearch<DIM, T>::measure(const std::vector<Point>& points, T radius, Ext
         if (!(cells < kMostCells)) {
             return false;
         }
-        extent.cells[axis] = static_cast<std::uint64_t>(cells) + 1 + 2 * kReach;
+        extent.cells[axis] = static_cast<std::uint64_t>(cells) + kRowWidth;
         all_cells *= static_cast<double>(extent.cells[axis]);
     }
     extent.index_bits = bitsFor(static_cast<double>(points.size()));

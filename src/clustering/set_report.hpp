@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    std::array<T, 2 * DIM> values;
+    std::array<T, std::size_t{2} * DIM> values;
 };
 
 /// Renumbers the sets in the order of their first points. Returns their sizes.

@@ -94,7 +94,9 @@ private:
     using Integer = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
     static constexpr std::size_t kVectorBytes = 16;
     static constexpr std::size_t kWidth = kVectorBytes / sizeof(T);
+    // NOLINTNEXTLINE(modernize-use-using): vectors of a template's type are not to be had otherwise.
     typedef T Values __attribute__((vector_size(kVectorBytes)));
+    // NOLINTNEXTLINE(modernize-use-using)
     typedef Integer Integers __attribute__((vector_size(kVectorBytes)));
 
     static constexpr auto kLaneCodes = laneCodes<Integer, kLanes, kCountBits>();
