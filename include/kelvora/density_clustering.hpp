@@ -14,9 +14,6 @@
 
 namespace kelvora {
 
-class DisjointSets;
-class SeedStack;
-
 /// Groups points by density: DBSCAN, after M. Ester, H.-P. Kriegel, J. Sander, X. Xu: "A
 /// Density-Based Algorithm for Discovering Clusters in Large Spatial Databases with Noise", KDD
 /// 1996.
@@ -55,8 +52,10 @@ public:
     DensityClustering(const DensityClustering&) = delete;
     DensityClustering& operator=(const DensityClustering&) = delete;
 
-    /// Clusters `points`. About n log n + n m time for n points with m neighbours on average, and n
-    /// m memory with several jobs.
+    /// Clusters `points`. With one job, about n log n + n m time for n points with m neighbours on
+    /// average, and 100 bytes of memory per point (`float`). With several, time and memory hardly
+    /// depend on m, and 60 bytes per point are enough: about n log n time, unless the points lie so far
+    /// apart for the radius that a tree has to be searched, as with one job.
     ///
     /// \param points  Must not change during the call; not used afterwards.
     /// \param clusters  Emptied first; then the indices of each cluster's points. With one job,
@@ -66,6 +65,7 @@ public:
     ///     coordinate on each axis followed by the extent on each axis.
     /// \param n_jobs  Threads that look for neighbours, at least 1. With 1, none is started.
     /// \throws std::runtime_error  "n_jobs must be greater than 0"; nothing changes.
+    /// \throws std::length_error  with more than 2^30 points.
     /// \throws std::system_error  if a thread cannot be started.
     void generateClustersMultiThread(const std::vector<Point>& points,
                                      std::vector<std::vector<std::size_t>>& clusters,
@@ -81,26 +81,23 @@ private:
         unsigned char n_jobs);
     KELVORA_NO_EXPORT void thouroughSearch();
 
-    KELVORA_NO_EXPORT bool searchNeighbours(std::size_t index, Neighbours& neighbours) const;
-    KELVORA_NO_EXPORT std::vector<std::size_t> expandCluster(std::size_t seed, std::vector<T>& box);
-    KELVORA_NO_EXPORT void pushUnvisited(const Neighbours& neighbours);
+    struct KELVORA_NO_EXPORT Engines;
+
+    KELVORA_NO_EXPORT std::size_t requiredPoints() const;
+    KELVORA_NO_EXPORT void prepareSearch(const std::vector<Point>& points);
     KELVORA_NO_EXPORT void runWorkers(unsigned char n_jobs);
-    KELVORA_NO_EXPORT void joinNeighbours(DisjointSets& sets) const;
-    KELVORA_NO_EXPORT void reportSets(DisjointSets& sets,
-                                      std::vector<std::vector<std::size_t>>& clusters,
-                                      std::vector<std::vector<T>>& boxes) const;
-    KELVORA_NO_EXPORT bool hasCoreList(std::size_t index) const;
 
     double eps;
     int min_pts;
+    // Established members, without use: the engines keep the like of them in less memory.
     KDTree<DIM, T> kd_tree;
     std::vector<bool> visited;
-    std::vector<std::uint32_t> unused;  ///< Keeps the layout of the class.
-    std::unique_ptr<SeedStack> seeds;
+    std::vector<std::uint32_t> unused;
     Neighbours seed_list;
     Neighbours neighbour_list;
     std::vector<std::vector<std::size_t>> neighbour_lists;
-    std::atomic<std::size_t> next_point;
+    std::atomic<std::size_t> next_point;  ///< The next block of points to be searched or joined.
+    std::unique_ptr<Engines> engines;
 };
 
 extern template class KELVORA_EXPORT DensityClustering<2, float>;

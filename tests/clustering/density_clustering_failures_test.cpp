@@ -30,6 +30,10 @@ protected:
         EXPECT_EQ(inOrderOfFirstMembers(found), expected);
     }
 
+    /// A point so far away that a grid would have too many cells: a tree takes its place, which
+    /// needs memory in each thread.
+    void addAFarPoint() { points.push_back(at<Kind>(1e12)); }
+
     void run(int n_jobs) {
         clustering.generateClustersMultiThread(points, found.clusters, found.boxes,
                                                static_cast<unsigned char>(n_jobs));
@@ -40,7 +44,7 @@ protected:
         return randomGridPoints<Kind>(random, 1000, 0, 40, 1);
     }
 
-    const Kind::Points points = somePoints();
+    Kind::Points points = somePoints();
     const Clustering<float> expected = modelOfManyJobs<Kind>(points, 1.5, 3);
     DensityClustering<2, float> clustering{1.5, 3};
     Clustering<float> found;
@@ -65,7 +69,8 @@ TEST_F(DensityClusteringThatFails, ToStartAThreadThrowsWhenTheOthersHaveEnded) {
 }
 
 TEST_F(DensityClusteringThatFails, ToAllocateInAThreadThrowsInTheCallingOne) {
-    for (const int allowed : {0, 1, 10, 500}) {
+    addAFarPoint();
+    for (const int allowed : {0, 1, 3, 6}) {
         {
             const ThreadStartWatch watch;
             const FailingThreadAllocations failing(allowed);
@@ -75,6 +80,11 @@ TEST_F(DensityClusteringThatFails, ToAllocateInAThreadThrowsInTheCallingOne) {
         }
         expectItIsRight(4);
     }
+}
+
+TEST_F(DensityClusteringThatFails, NeedsNoMemoryInThreadsWithoutFarPoints) {
+    const FailingThreadAllocations failing(0);
+    expectItIsRight(4);
 }
 
 TEST_F(DensityClusteringThatFails, LeavesOtherAllocationsAlone) {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "support/event_builders.hpp"
@@ -13,18 +14,18 @@ namespace {
 
 using ::testing::ElementsAre;
 
-std::vector<std::size_t> popAll(SeedStack& stack) {
-    std::vector<std::size_t> popped;
+std::vector<std::uint32_t> popAll(SeedStack& stack) {
+    std::vector<std::uint32_t> popped;
     while (!stack.empty()) {
         popped.push_back(stack.pop());
     }
     return popped;
 }
 
-std::vector<std::size_t> poppedAfter(const std::vector<std::size_t>& pushed) {
+std::vector<std::uint32_t> poppedAfter(const std::vector<std::uint32_t>& pushed) {
     SeedStack stack;
-    stack.reset(10);
-    for (const std::size_t i : pushed) {
+    stack.reset(10, 10);
+    for (const std::uint32_t i : pushed) {
         stack.push(i);
     }
     return popAll(stack);
@@ -47,7 +48,7 @@ TEST(SeedStack, MovesANumberThatIsPushedAgainToTheTop) {
 
 TEST(SeedStack, TakesANumberBackAfterItWasPopped) {
     SeedStack stack;
-    stack.reset(3);
+    stack.reset(3, 3);
     stack.push(2);
     stack.push(1);
     EXPECT_EQ(stack.pop(), 1U);
@@ -57,10 +58,10 @@ TEST(SeedStack, TakesANumberBackAfterItWasPopped) {
 
 TEST(SeedStack, ForgetsAllNumbersWhenReset) {
     SeedStack stack;
-    stack.reset(3);
+    stack.reset(3, 3);
     stack.push(2);
     stack.push(1);
-    stack.reset(5);
+    stack.reset(5, 5);
     EXPECT_TRUE(stack.empty());
     stack.push(2);
     stack.push(4);
@@ -72,12 +73,12 @@ TEST(SeedStack, GivesTheOrderOfAStackWithAllCopiesWhoseOldOnesAreSkipped) {
     constexpr std::size_t kCount = 30;
     for (int round = 0; round < 300; ++round) {
         SeedStack stack;
-        stack.reset(kCount);
-        std::vector<std::size_t> copies;
+        stack.reset(kCount, kCount);
+        std::vector<std::uint32_t> copies;
         std::vector<bool> popped(kCount, false);
         while (true) {
             for (std::size_t pushes = random() % 6; pushes > 0; --pushes) {
-                const std::size_t i = random() % kCount;
+                const auto i = static_cast<std::uint32_t>(random() % kCount);
                 if (!popped[i]) {
                     stack.push(i);
                     copies.push_back(i);

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include "clustering/ordered_expansion.hpp"
+
+#include <limits>
+
+#include "clustering/point_box.hpp"
+
+namespace kelvora {
+
+namespace {
+
+constexpr std::uint32_t kNoSlot = std::numeric_limits<std::uint32_t>::max();
+
+/// Number of bits, below the 16th, that are set. Instructions for it are not to be had everywhere.
+unsigned countBits(unsigned bits) {
+    bits -= bits >> 1U & 0x5555U;
+    bits = (bits & 0x3333U) + (bits >> 2U & 0x3333U);
+    bits = (bits + (bits >> 4U)) & 0x0f0fU;
+    return (bits + (bits >> 8U)) & 0x1fU;
+}
+
+unsigned lowestBit(unsigned bits) {
+    return static_cast<unsigned>(__builtin_ctz(bits));
+}
+
+unsigned highestBit(unsigned bits) {
+    return 31U - static_cast<unsigned>(__builtin_clz(bits));
+}
+
+/// All but the lowest `count` of the bits that are set.
+unsigned withoutLowest(unsigned bits, std::size_t count) {
+    for (; count > 0; --count) {
+        bits &= bits - 1;
+    }
+    return bits;
+}
+
+/// Minima and extents.
+template <int DIM, typename T>
+std::vector<T> boxOf(const std::vector<KDPoint<DIM, T>>& points,
+                     const std::vector<std::size_t>& members) {
+    const auto& first = points[members[0]].coordinates;
+    std::vector<T> box(first.begin(), first.end());
+    box.insert(box.end(), first.begin(), first.end());
+    for (const std::size_t member : members) {
+        widenBox(box, points[member]);
+    }
+    maximaToExtents<DIM>(box);
+    return box;
+}
+
+}  // namespace
+
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::run(const std::vector<Point>& points, T radius, std::size_t min_pts,
+                                   std::vector<std::vector<std::size_t>>& clusters,
+                                   std::vector<std::vector<T>>& boxes) {
+    reset();
+    Walk walk(tree, radius * radius);
+    for (const std::uint32_t slot : slot_of) {
+        // A point that is not core stays unvisited: a later cluster may take it in as border point.
+        const bool is_unvisited =
+            slot != kNoSlot && (unvisited[Tree::leafOf(slot)] >> Tree::laneOf(slot) & 1U) != 0;
+        if (is_unvisited && findNeighbours(slot, walk, min_pts)) {
+            std::vector<std::size_t>& members = clusters.emplace_back();
+            members.reserve(neighbour_count);
+            expand(slot, walk, min_pts, members);
+            boxes.push_back(boxOf(points, members));
+        }
+    }
+}
+
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::reset() {
+    unvisited = tree.finite_lanes;
+    may_be_core = tree.finite_lanes;
+    slot_of.assign(tree.points, kNoSlot);
+    const std::size_t leaves = tree.leaves();
+    for (std::size_t leaf = 0; leaf < leaves; ++leaf) {
+        for (unsigned lanes = tree.finite_lanes[leaf]; lanes != 0; lanes &= lanes - 1) {
+            const std::uint32_t slot = Tree::slotAt(leaf, lowestBit(lanes));
+            slot_of[tree.order[slot]] = slot;
+        }
+    }
+    neighbours.resize(leaves + 1);
+    behind.resize(tree.points);
+    seeds.reset(leaves << Tree::kLaneBits, tree.points);
+}
+
+/// Returns whether a point is core; then its neighbours are listed.
+template <int DIM, typename T>
+bool OrderedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, std::size_t min_pts) {
+    std::uint16_t& core_lanes = may_be_core[Tree::leafOf(slot)];
+    if ((core_lanes >> Tree::laneOf(slot) & 1U) == 0) {
+        return false;
+    }
+    leaf_count = 0;
+    neighbour_count = 0;
+    walk.neighboursOf(slot, [this](const LanesOfLeaf& near) {
+        neighbours[leaf_count] = near;
+        leaf_count += near.count > 0 ? 1 : 0;
+        neighbour_count += near.count;
+        return true;
+    });
+    if (neighbour_count < min_pts) {
+        core_lanes = static_cast<std::uint16_t>(core_lanes & ~(1U << Tree::laneOf(slot)));
+        return false;
+    }
+    return true;
+}
+
+/// Collects the cluster of a core point whose neighbours are listed.
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::expand(std::uint32_t seed, Walk& walk, std::size_t min_pts,
+                                      std::vector<std::size_t>& members) {
+    const auto visit = [&](std::uint32_t slot) {
+        std::uint16_t& lanes = unvisited[Tree::leafOf(slot)];
+        lanes = static_cast<std::uint16_t>(lanes & ~(1U << Tree::laneOf(slot)));
+        members.push_back(tree.order[slot]);
+    };
+    visit(seed);
+    pushUnvisited();
+    while (!seeds.empty()) {
+        const std::uint32_t slot = seeds.pop();
+        visit(slot);
+        if (findNeighbours(slot, walk, min_pts)) {
+            partitionAndPushUnvisited();
+        }
+    }
+}
+
+/// Pushes the unvisited neighbours in the order of the walk.
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::pushUnvisited() {
+    for (std::size_t i = 0; i < leaf_count; ++i) {
+        const LanesOfLeaf& near = neighbours[i];
+        pushFilled(near.leaf, near.lanes & unvisited[near.leaf]);
+    }
+}
+
+/// Pushes the unvisited neighbours in the order in which `std::partition` would put them first: each
+/// gap that a visited one leaves in front is filled with the last unvisited one from behind. Their
+/// order decides that of the cluster's members.
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::partitionAndPushUnvisited() {
+    std::size_t in_front = countUnvisited();
+    std::size_t middle = 0;
+    while (middle < leaf_count && in_front >= neighbours[middle].count) {
+        in_front -= neighbours[middle++].count;
+    }
+    next_behind = behind.size();
+    for (std::size_t i = leaf_count; i-- > middle + 1;) {
+        collectFromBehind(neighbours[i].leaf, neighbours[i].lanes);
+    }
+    unsigned middle_lanes = 0;
+    if (middle < leaf_count) {
+        const LanesOfLeaf& near = neighbours[middle];
+        const unsigned lanes_behind = withoutLowest(near.lanes, in_front);
+        collectFromBehind(near.leaf, lanes_behind);
+        middle_lanes = near.lanes & ~lanes_behind;
+    }
+    next_behind = behind.size();
+    for (std::size_t i = 0; i < middle; ++i) {
+        pushFilled(neighbours[i].leaf, neighbours[i].lanes);
+    }
+    if (middle_lanes != 0) {
+        pushFilled(neighbours[middle].leaf, middle_lanes);
+    }
+}
+
+template <int DIM, typename T>
+std::size_t OrderedExpansion<DIM, T>::countUnvisited() const {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < leaf_count; ++i) {
+        const LanesOfLeaf& near = neighbours[i];
+        count += countBits(near.lanes & unvisited[near.leaf]);
+    }
+    return count;
+}
+
+/// Keeps the unvisited ones, in the order from the last to the first.
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::collectFromBehind(std::size_t leaf, unsigned lanes) {
+    unsigned left = lanes & unvisited[leaf];
+    while (left != 0) {
+        const unsigned lane = highestBit(left);
+        behind[--next_behind] = Tree::slotAt(leaf, lane);
+        left ^= 1U << lane;
+    }
+}
+
+/// Pushes neighbours, and those from behind in place of visited ones.
+template <int DIM, typename T>
+void OrderedExpansion<DIM, T>::pushFilled(std::size_t leaf, unsigned lanes) {
+    const unsigned unvisited_lanes = unvisited[leaf];
+    for (unsigned left = lanes; left != 0; left &= left - 1) {
+        const unsigned lane = lowestBit(left);
+        const bool is_unvisited = (unvisited_lanes >> lane & 1U) != 0;
+        seeds.push(is_unvisited ? Tree::slotAt(leaf, lane) : behind[--next_behind]);
+    }
+}
+
+template class OrderedExpansion<2, float>;
+template class OrderedExpansion<2, double>;
+template class OrderedExpansion<3, float>;
+template class OrderedExpansion<3, double>;
+
+}  // namespace kelvora

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "clustering/concurrent_sets.hpp"
+#include "clustering/flat_tree.hpp"
+#include "clustering/parallel_search.hpp"
+#include "clustering/tree_walk.hpp"
+
+namespace kelvora {
+
+/// Finds neighbours with a tree and joins them as they are found, so that none are kept. For points
+/// and radii that a grid cannot serve: a point far away from the others, or a radius that is tiny for
+/// them, would take more cells than can be numbered. A grid is faster wherever there can be one.
+template <int DIM, typename T>
+class TreeSearch : public ParallelSearch {
+public:
+    /// Takes in the points of `tree`.
+    void reset(T radius, std::size_t min_pts);
+
+    std::size_t blocks() const override;
+    void findCorePoints(std::size_t block) override;
+    void joinNeighbours(std::size_t block) override;
+    void writeSets(std::vector<std::uint32_t>& set_of) override;
+
+    /// Built before `reset`.
+    FlatTree<DIM, T> tree;
+
+private:
+    using Tree = FlatTree<DIM, T>;
+    using Walk = TreeWalk<DIM, T>;
+
+    /// Calls `onPoint(slot, is_like_the_one_before)` for each point of a block that is finite. Points
+    /// at the same place have the same neighbours, and are next to each other more often than not.
+    template <class OnPoint>
+    void forPointsOf(std::size_t block, OnPoint onPoint) const;
+
+    T squared_radius;
+    std::size_t min_pts;
+    std::vector<std::uint8_t>
+        is_core;          ///< Of each slot. Not bool: threads write neighbouring ones.
+    ConcurrentSets sets;  ///< Of slots.
+};
+
+extern template class TreeSearch<2, float>;
+extern template class TreeSearch<2, double>;
+extern template class TreeSearch<3, float>;
+extern template class TreeSearch<3, double>;
+
+}  // namespace kelvora
