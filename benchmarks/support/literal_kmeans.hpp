@@ -29,10 +29,12 @@ public:
                               std::vector<std::vector<std::size_t>>& clusters,
                               std::vector<std::vector<T>>& cluster_boxes);
 
+    /// Chooses the centroids to begin with, the first of which is point number `first`.
+    void furthestPointSample(std::size_t first, const std::vector<Point>& points);
+
     const std::vector<Point>& getCentroids() const { return centroids; }
 
 private:
-    void furthestPointSample(std::size_t first, const std::vector<Point>& points);
     void iterate(const std::vector<Point>& points);
     double assignPoints(const std::vector<Point>& points, std::vector<Point>& sums);
     bool moveCentroids(const std::vector<Point>& points, std::vector<Point>& sums);

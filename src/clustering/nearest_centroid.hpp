@@ -85,7 +85,7 @@ NearestCentroid<DIM, T>::NearestCentroid(const std::vector<Point>& points, std::
     constexpr std::size_t kCellsPerCentroid = 64;
     constexpr std::size_t kMostCells = 16384;
     if (measure(points)) {
-        chooseHalvings(std::min({kCellsPerCentroid * k, points.size() / 4, kMostCells}));
+        chooseHalvings(std::min({kCellsPerCentroid * k, points.size() / 16, kMostCells}));
         locate(points);
     }
 }
