@@ -47,18 +47,30 @@ bool areSame(const std::vector<ClusterGeometry>& a, const std::vector<ClusterGeo
                       [&](const auto& x, const auto& y) { return fields(x) == fields(y); });
 }
 
+template <class Generator>
+void feedOneByOne(Generator& generator, const std::vector<Event2D>& events) {
+    for (const Event2D& event : events) {
+        generator.processEvent(&event);
+    }
+}
+
+void feedBatch(GridBasedClusterGenerator& generator, const std::vector<Event2D>& events) {
+    generator.processEvents(events.data(), events.size());
+}
+
+template <class Generator>
+using Feed = void (*)(Generator&, const std::vector<Event2D>&);
+
 /// Whether library and model find the same clusters, and any at all.
-bool modelAgrees(const Workload& workload, const Mode& mode) {
+bool modelAgrees(const Workload& workload, const Mode& mode, Feed<GridBasedClusterGenerator> feed) {
     auto library = build<GridBasedClusterGenerator>(workload, mode);
     auto model = build<LiteralGridModel>(workload, mode);
     std::vector<ClusterGeometry> from_library;
     std::vector<ClusterGeometry> from_model;
     std::size_t clusters = 0;
     for (std::size_t i = 0; i < workload.batches.size(); ++i) {
-        for (const Event2D& event : workload.batches[i]) {
-            library.processEvent(&event);
-            model.processEvent(&event);
-        }
+        feed(library, workload.batches[i]);
+        feedOneByOne(model, workload.batches[i]);
         library.generateClusters(i, from_library);
         model.generateClusters(i, from_model);
         if (!areSame(from_library, from_model)) {
@@ -77,14 +89,12 @@ struct Seconds {
 /// Runs all batches once, and times intake and extraction apart. A batch is long enough for the
 /// clock not to matter.
 template <class Generator>
-Seconds run(Generator& generator, const Workload& workload,
+Seconds run(Generator& generator, const Workload& workload, Feed<Generator> feed,
             std::vector<ClusterGeometry>& clusters) {
     Seconds seconds;
     for (const auto& batch : workload.batches) {
         const double start = processorTime();
-        for (const Event2D& event : batch) {
-            generator.processEvent(&event);
-        }
+        feed(generator, batch);
         const double fed = processorTime();
         generator.generateClusters(0, clusters);
         benchmark::DoNotOptimize(clusters.data());
@@ -94,11 +104,11 @@ Seconds run(Generator& generator, const Workload& workload,
     return seconds;
 }
 
-/// Time of `processEvent`, without that of the extraction between batches.
-template <class Generator>
+/// Time of feeding the events, without that of the extraction between batches.
+template <class Generator, Feed<Generator> feed>
 void intake(benchmark::State& state, const Workload& (*scene)(), const Mode& mode) {
     const Workload& workload = scene();
-    if (!modelAgrees(workload, mode)) {
+    if (!modelAgrees(workload, mode, feedOneByOne) || !modelAgrees(workload, mode, feedBatch)) {
         state.SkipWithError("library and model give different clusters");
         return;
     }
@@ -109,7 +119,7 @@ void intake(benchmark::State& state, const Workload& (*scene)(), const Mode& mod
         events += batch.size();
     }
     for ([[maybe_unused]] auto iteration : state) {
-        state.SetIterationTime(run(generator, workload, clusters).intake);
+        state.SetIterationTime(run(generator, workload, feed, clusters).intake);
     }
     const auto processed = static_cast<double>(state.iterations()) * static_cast<double>(events);
     state.counters["per_event"] =
@@ -127,14 +137,15 @@ void extraction(benchmark::State& state, CellPattern pattern) {
                                kRows * kCellSize,
                                kCellSize,
                                {activatedCells(pattern, kRows, kCols, kCellSize)}};
-    if (!modelAgrees(workload, kMode)) {
+    if (!modelAgrees(workload, kMode, feedOneByOne)) {
         state.SkipWithError("library and model give different clusters");
         return;
     }
     auto generator = build<Generator>(workload, kMode);
     std::vector<ClusterGeometry> clusters;
     for ([[maybe_unused]] auto iteration : state) {
-        state.SetIterationTime(run(generator, workload, clusters).extraction);
+        state.SetIterationTime(
+            run(generator, workload, feedOneByOne<Generator>, clusters).extraction);
     }
     state.counters["clusters"] = static_cast<double>(clusters.size());
 }
@@ -154,30 +165,43 @@ constexpr Mode kCommonOnce = {POLARITY_FREE, true, 6};
 constexpr Mode kSeparate = {POLARITY_SEPARATE, false, 3};
 constexpr Mode kSeparateOnce = {POLARITY_SEPARATE, true, 3};
 
-constexpr auto library_intake = intake<GridBasedClusterGenerator>;
-constexpr auto literal_intake = intake<LiteralGridModel>;
+constexpr auto library_intake = intake<GridBasedClusterGenerator, feedOneByOne>;
+constexpr auto library_batch_intake = intake<GridBasedClusterGenerator, feedBatch>;
+constexpr auto literal_intake = intake<LiteralGridModel, feedOneByOne>;
 constexpr auto library_extraction = extraction<GridBasedClusterGenerator>;
 constexpr auto literal_extraction = extraction<LiteralGridModel>;
 
-BENCHMARK_CAPTURE(library_intake, 346x260, smallSensor, kCommon)->UseManualTime();
 BENCHMARK_CAPTURE(literal_intake, 346x260, smallSensor, kCommon)->UseManualTime();
-BENCHMARK_CAPTURE(library_intake, 346x260_pixels_once, smallSensor, kCommonOnce)->UseManualTime();
+BENCHMARK_CAPTURE(library_intake, 346x260, smallSensor, kCommon)->UseManualTime();
+BENCHMARK_CAPTURE(library_batch_intake, 346x260, smallSensor, kCommon)->UseManualTime();
 BENCHMARK_CAPTURE(literal_intake, 346x260_pixels_once, smallSensor, kCommonOnce)->UseManualTime();
-BENCHMARK_CAPTURE(library_intake, 346x260_separate, smallSensor, kSeparate)->UseManualTime();
-BENCHMARK_CAPTURE(literal_intake, 346x260_separate, smallSensor, kSeparate)->UseManualTime();
-BENCHMARK_CAPTURE(library_intake, 346x260_separate_pixels_once, smallSensor, kSeparateOnce)
+BENCHMARK_CAPTURE(library_intake, 346x260_pixels_once, smallSensor, kCommonOnce)->UseManualTime();
+BENCHMARK_CAPTURE(library_batch_intake, 346x260_pixels_once, smallSensor, kCommonOnce)
     ->UseManualTime();
+BENCHMARK_CAPTURE(literal_intake, 346x260_separate, smallSensor, kSeparate)->UseManualTime();
+BENCHMARK_CAPTURE(library_intake, 346x260_separate, smallSensor, kSeparate)->UseManualTime();
+BENCHMARK_CAPTURE(library_batch_intake, 346x260_separate, smallSensor, kSeparate)->UseManualTime();
 BENCHMARK_CAPTURE(literal_intake, 346x260_separate_pixels_once, smallSensor, kSeparateOnce)
     ->UseManualTime();
-BENCHMARK_CAPTURE(library_intake, 1280x720, largeSensor, kCommon)->UseManualTime();
+BENCHMARK_CAPTURE(library_intake, 346x260_separate_pixels_once, smallSensor, kSeparateOnce)
+    ->UseManualTime();
+BENCHMARK_CAPTURE(library_batch_intake, 346x260_separate_pixels_once, smallSensor, kSeparateOnce)
+    ->UseManualTime();
 BENCHMARK_CAPTURE(literal_intake, 1280x720, largeSensor, kCommon)->UseManualTime();
-BENCHMARK_CAPTURE(library_intake, 1280x720_pixels_once, largeSensor, kCommonOnce)->UseManualTime();
+BENCHMARK_CAPTURE(library_intake, 1280x720, largeSensor, kCommon)->UseManualTime();
+BENCHMARK_CAPTURE(library_batch_intake, 1280x720, largeSensor, kCommon)->UseManualTime();
 BENCHMARK_CAPTURE(literal_intake, 1280x720_pixels_once, largeSensor, kCommonOnce)->UseManualTime();
-BENCHMARK_CAPTURE(library_intake, 1280x720_separate, largeSensor, kSeparate)->UseManualTime();
+BENCHMARK_CAPTURE(library_intake, 1280x720_pixels_once, largeSensor, kCommonOnce)->UseManualTime();
+BENCHMARK_CAPTURE(library_batch_intake, 1280x720_pixels_once, largeSensor, kCommonOnce)
+    ->UseManualTime();
 BENCHMARK_CAPTURE(literal_intake, 1280x720_separate, largeSensor, kSeparate)->UseManualTime();
+BENCHMARK_CAPTURE(library_intake, 1280x720_separate, largeSensor, kSeparate)->UseManualTime();
+BENCHMARK_CAPTURE(library_batch_intake, 1280x720_separate, largeSensor, kSeparate)->UseManualTime();
+BENCHMARK_CAPTURE(literal_intake, 1280x720_separate_pixels_once, largeSensor, kSeparateOnce)
+    ->UseManualTime();
 BENCHMARK_CAPTURE(library_intake, 1280x720_separate_pixels_once, largeSensor, kSeparateOnce)
     ->UseManualTime();
-BENCHMARK_CAPTURE(literal_intake, 1280x720_separate_pixels_once, largeSensor, kSeparateOnce)
+BENCHMARK_CAPTURE(library_batch_intake, 1280x720_separate_pixels_once, largeSensor, kSeparateOnce)
     ->UseManualTime();
 BENCHMARK_CAPTURE(library_extraction, random, CellPattern::kRandom)->UseManualTime();
 BENCHMARK_CAPTURE(literal_extraction, random, CellPattern::kRandom)->UseManualTime();

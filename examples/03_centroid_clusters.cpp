@@ -23,9 +23,8 @@ int main() {
     // sum of the squared distances to the centroids changes by less than 1 square pixel.
     kelvora::CentroidBasedClusterGenerator<2, float> generator(640, 480, kelvora::POLARITY_FREE, 3,
                                                                50, 1.0);
-    for (const kelvora::Event2D& event : flashingMarkers()) {
-        generator.processEvent(&event);
-    }
+    const std::vector<kelvora::Event2D> events = flashingMarkers();
+    generator.processEvents(events.data(), events.size());
     std::vector<kelvora::ClusterGeometry> clusters;
     generator.generateClusters(10'000, clusters);
 

@@ -64,6 +64,14 @@ public:
     template <class Event>
     void processEvent(const Event* event);
 
+    /// Counts events, one after the other: the same as `processEvent` for each of them, in about half
+    /// the time.
+    ///
+    /// \param events  `count` events in a row. Null is ignored, whatever `count` is.
+    /// \throws std::out_of_range  as `processEvent` for the first event; none is counted then.
+    template <class Event>
+    void processEvents(const Event* events, std::size_t count);
+
     /// Reports the clusters of the events since the last call, and starts counting afresh.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
@@ -102,5 +110,22 @@ extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvent(
     const Event2DPeriod<long long>*);
 extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvent(
     const Event2DPeriod<unsigned long long>*);
+
+extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvents(const Event2D*,
+                                                                             std::size_t);
+extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvents(
+    const Event2DFrequency*, std::size_t);
+extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvents(
+    const Event2DPeriod<int>*, std::size_t);
+extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvents(
+    const Event2DPeriod<unsigned int>*, std::size_t);
+extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvents(
+    const Event2DPeriod<float>*, std::size_t);
+extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvents(
+    const Event2DPeriod<double>*, std::size_t);
+extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvents(
+    const Event2DPeriod<long long>*, std::size_t);
+extern template KELVORA_EXPORT void GridBasedClusterGenerator::processEvents(
+    const Event2DPeriod<unsigned long long>*, std::size_t);
 
 }  // namespace kelvora

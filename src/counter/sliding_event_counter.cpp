@@ -67,6 +67,33 @@ void SlidingEventCounter::addTimestamp(std::uint64_t timestamp) {
     }
 }
 
+void SlidingEventCounter::addTimestamps(const unsigned long long* timestamps, std::size_t count) {
+    if (timestamps == nullptr && count > 0) {
+        throw std::invalid_argument("SlidingEventCounter: null pointer to timestamps");
+    }
+    std::size_t i = 0;
+    while (i < count) {
+        addTimestamp(timestamps[i]);
+        ++i;
+        // All events up to the next gap that is as long as a bin go to the same bin.
+        const std::size_t run_begin = i;
+        while (i < count && timestamps[i] - timestamps[i - 1] < bin_length) {
+            ++i;
+        }
+        last_timestamp = timestamps[i - 1];
+        countInBin(i - run_begin);
+    }
+}
+
+/// Counts events in the current bin, as many as it can hold.
+void SlidingEventCounter::countInBin(std::size_t events) {
+    std::uint32_t& bin = bins[current_bin];
+    const std::size_t room = std::numeric_limits<std::uint32_t>::max() - bin;
+    const auto counted = static_cast<std::uint32_t>(std::min(events, room));
+    bin += counted;
+    event_count += counted;
+}
+
 void SlidingEventCounter::advance(std::uint64_t elapsed) {
     const std::size_t n = bins.size();
     const std::uint64_t steps = elapsed / bin_length;
@@ -74,11 +101,11 @@ void SlidingEventCounter::advance(std::uint64_t elapsed) {
         std::fill(bins.begin(), bins.end(), 0);
         event_count = 0;
     } else {
-        const std::size_t cleared = std::min<std::uint64_t>(n, steps);
-        for (std::size_t i = 0; i < cleared; ++i) {
-            std::uint32_t& bin = bins[(current_bin + 1 + i) % n];
-            event_count -= bin;
-            bin = 0;
+        std::size_t bin = current_bin;
+        for (std::size_t cleared = 0; cleared < std::min<std::uint64_t>(n, steps); ++cleared) {
+            bin = bin + 1 < n ? bin + 1 : 0;
+            event_count -= bins[bin];
+            bins[bin] = 0;
         }
     }
     current_bin = (current_bin + steps % n) % n;

@@ -38,6 +38,9 @@ public:
     template <class EventT>
     void processEvent(const EventT* event);
 
+    template <class EventT>
+    void processEvents(const EventT* events, std::size_t count);
+
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& out) override;
 
     void reset() override;
@@ -99,6 +102,13 @@ template <int DIM, typename T>
 template <class EventT>
 void CentroidBasedClusterGenerator<DIM, T>::Impl::processEvent(const EventT* event) {
     takeEvent(event, rejected_polarity, scales, *event_counter, incoming_points);
+}
+
+template <int DIM, typename T>
+template <class EventT>
+void CentroidBasedClusterGenerator<DIM, T>::Impl::processEvents(const EventT* events,
+                                                                std::size_t count) {
+    takeEvents(events, count, rejected_polarity, scales, *event_counter, incoming_points);
 }
 
 template <int DIM, typename T>
@@ -190,6 +200,12 @@ void CentroidBasedClusterGenerator<DIM, T>::processEvent(const EventT* event) {
 }
 
 template <int DIM, typename T>
+template <class EventT>
+void CentroidBasedClusterGenerator<DIM, T>::processEvents(const EventT* events, std::size_t count) {
+    impl->processEvents(events, count);
+}
+
+template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::generateClusters(
     std::size_t timestamp, std::vector<ClusterGeometry>& clusters) {
     impl->generateClusters(timestamp, clusters);
@@ -262,6 +278,19 @@ template void CentroidBasedClusterGenerator<3, float>::processEvent(const Event2
 template void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2D*);
 template void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2DFrequency*);
 template void CentroidBasedClusterGenerator<3, double>::processEvent(const Event2DPeriod<double>*);
+
+template void CentroidBasedClusterGenerator<2, float>::processEvents(const Event2D*, std::size_t);
+template void CentroidBasedClusterGenerator<2, float>::processEvents(const Event2DFrequency*, std::size_t);
+template void CentroidBasedClusterGenerator<2, float>::processEvents(const Event2DPeriod<float>*, std::size_t);
+template void CentroidBasedClusterGenerator<2, double>::processEvents(const Event2D*, std::size_t);
+template void CentroidBasedClusterGenerator<2, double>::processEvents(const Event2DFrequency*, std::size_t);
+template void CentroidBasedClusterGenerator<2, double>::processEvents(const Event2DPeriod<double>*, std::size_t);
+template void CentroidBasedClusterGenerator<3, float>::processEvents(const Event2D*, std::size_t);
+template void CentroidBasedClusterGenerator<3, float>::processEvents(const Event2DFrequency*, std::size_t);
+template void CentroidBasedClusterGenerator<3, float>::processEvents(const Event2DPeriod<float>*, std::size_t);
+template void CentroidBasedClusterGenerator<3, double>::processEvents(const Event2D*, std::size_t);
+template void CentroidBasedClusterGenerator<3, double>::processEvents(const Event2DFrequency*, std::size_t);
+template void CentroidBasedClusterGenerator<3, double>::processEvents(const Event2DPeriod<double>*, std::size_t);
 // clang-format on
 
 }  // namespace kelvora

@@ -18,19 +18,22 @@ namespace {
 /// Stands for no polarity that a filter type rejects.
 constexpr std::uint8_t kUndecided = 255;
 
+constexpr std::uint8_t kNone = 0;
+constexpr std::uint8_t kOne = 1;
+constexpr std::uint8_t kMost = 255;
+
 /// Where the counters of a cell lie: one per cell, or one per polarity side by side.
 ///
-/// The choice is made once per generator and expressed in numbers: with one counter, the positive
+/// The choice is made once per generator and expressed in a number: with one counter, the positive
 /// one is the negative one, `positive_offset` 0 away. So counting needs neither an indirect call
 /// nor a branch on the polarity, which is wrongly predicted every other time.
 struct CellCounters {
     std::uint16_t* counts = nullptr;
     std::size_t cols = 0;
-    std::size_t per_cell = 1;
-    std::size_t positive_offset = 0;
+    std::size_t positive_offset = 0;  ///< 1 if the polarities are counted apart, else 0.
 
     std::uint16_t* of(std::size_t row, std::size_t col) const {
-        return counts + per_cell * (row * cols + col);
+        return counts + ((row * cols + col) << positive_offset);
     }
 };
 
@@ -41,12 +44,13 @@ struct AddToCell {
 
     /// Returns whether this event made the counter arrive at the threshold.
     bool operator()(std::size_t row, std::size_t col, bool positive, unsigned events) const {
-        // A product, as compilers make a branch of a choice.
-        const std::size_t offset = counters.positive_offset * std::size_t{positive};
-        std::uint16_t& count = counters.of(row, col)[offset];
-        count = static_cast<std::uint16_t>(count + events);
-        // Without an event the left side has all bits set, and no counter arrives there.
-        return (count | (events - 1)) == arrival;
+        std::uint16_t& count =
+            counters.of(row, col)[counters.positive_offset & std::size_t{positive}];
+        const unsigned counted = count + events;
+        count = static_cast<std::uint16_t>(counted);
+        // Without an event the left side has all bits set, and no counter arrives there. Nor does
+        // one that wraps to 0.
+        return (counted | (events - 1)) == arrival;
     }
 };
 
@@ -59,6 +63,24 @@ struct IsCellActive {
         const std::uint16_t* const cell = counters.of(row, col);
         return cell[0] >= activation_threshold &&
                cell[counters.positive_offset] >= activation_threshold;
+    }
+};
+
+/// Counts the events of pixels, which stop at a largest number.
+struct AddToPixel {
+    std::uint8_t* counts = nullptr;
+    std::size_t width = 0;
+    std::uint8_t largest_count = 255;
+    std::uint8_t repeated =
+        1;  ///< 1 if the cell counts all events of a pixel, 0 if only the first.
+
+    /// Returns the number of events that the cell has to count: 0 or 1.
+    unsigned operator()(std::size_t x, std::size_t y) const {
+        std::uint8_t& count = counts[y * width + x];
+        // No branches, as whether a pixel has events already is hard to predict.
+        const unsigned counted = count < largest_count ? 1 : 0;
+        count = static_cast<std::uint8_t>(count + counted);
+        return counted | repeated;
     }
 };
 
@@ -96,6 +118,9 @@ public:
     template <class Event>
     void processEvent(const Event& event);
 
+    template <class Event>
+    void processEvents(const Event* events, std::size_t count);
+
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters) override;
 
     void reset() override;
@@ -104,8 +129,19 @@ public:
 
 private:
     template <class Event>
-    [[gnu::noinline]] void processFirstEvent(const Event& event,
-                                             std::atomic<std::uint8_t>& rejected_polarity);
+    static std::atomic<std::uint8_t>& rejectedPolarityOf();
+
+    template <class Event>
+    [[gnu::noinline]] void decideOnRejectedPolarity();
+
+    template <class Event>
+    [[gnu::noinline]] void processFirstEvent(const Event& event);
+
+    template <class Event, bool kIsSeparate, bool kIsPixelOnce>
+    void processBatch(const Event* event, const Event* end);
+
+    template <class Event, bool kIsSeparate, bool kIsPixelOnce>
+    [[gnu::noinline]] const Event* countUntilActivation(const Event* event, const Event* end) const;
 
     void reportRegion(const CellRegion& region, std::size_t timestamp,
                       std::vector<ClusterGeometry>& clusters) const;
@@ -119,8 +155,6 @@ private:
     EventFilterType filter_type;
     bool count_pixel_once;
     std::uint16_t activation_threshold;
-    std::uint16_t counted_per_pixel;   ///< Events of a pixel that its cell counts: one, or all.
-    std::uint8_t largest_pixel_count;  ///< Where the counter of a pixel stops.
     std::vector<std::uint16_t> cell_counts;  ///< One or two counters per cell; they wrap.
     std::vector<std::uint8_t> pixel_counts;  ///< One counter per pixel; they saturate.
     ActiveCells active_cells;
@@ -128,6 +162,7 @@ private:
     std::vector<std::uint16_t> row_to_cell;
     IsCellActive is_cell_active;
     AddToCell add_to_cell;
+    AddToPixel add_to_pixel;
     std::vector<CellRegion> regions;  ///< Scratch of `generateClusters`, kept for its storage.
 };
 
@@ -144,34 +179,47 @@ GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int
       min_cluster_size(min_cluster_size_),
       filter_type(filter_type_),
       count_pixel_once(count_pixel_once_),
-      activation_threshold(activation_threshold_),
-      counted_per_pixel(count_pixel_once ? 1 : 256),
-      largest_pixel_count(count_pixel_once ? 1 : 255) {
+      activation_threshold(activation_threshold_) {
     if (cell_rows < 1 || cell_cols < 1) {
         throw std::invalid_argument("Invalid cell size or sensor size");
     }
-    const std::size_t per_cell = filter_type == POLARITY_SEPARATE ? 2 : 1;
+    const std::size_t positive_offset = filter_type == POLARITY_SEPARATE ? 1 : 0;
     pixel_counts.resize(product(sensor_width, sensor_height));
-    cell_counts.resize(per_cell * product(cell_rows, cell_cols));
+    cell_counts.resize(product(cell_rows, cell_cols) << positive_offset);
     const CellCounters counters = {cell_counts.data(), static_cast<std::size_t>(cell_cols),
-                                   per_cell, per_cell - 1};
+                                   positive_offset};
     is_cell_active = {counters, activation_threshold};
     add_to_cell = {counters, std::max<std::uint16_t>(activation_threshold, 1)};
+    add_to_pixel = {pixel_counts.data(), static_cast<std::size_t>(sensor_width),
+                    count_pixel_once ? kOne : kMost, count_pixel_once ? kNone : kOne};
     active_cells = ActiveCells(cell_rows, cell_cols);
     column_to_cell = cellOfPixel(sensor_width, cell_width);
     row_to_cell = cellOfPixel(sensor_height, cell_height);
 }
 
+/// Deliberately one value per event type for the whole process: see the note in the header.
+/// Initialising it from `filter_type` would cost every event a fifth of its time, for the registers
+/// that the call needs.
+template <class Event>
+std::atomic<std::uint8_t>& GridBasedClusterGenerator::Impl::rejectedPolarityOf() {
+    static std::atomic<std::uint8_t> rejected_polarity{kUndecided};
+    return rejected_polarity;
+}
+
+/// Decides on the rejected polarity for all events of this type, unless another thread has just
+/// done so.
+template <class Event>
+void GridBasedClusterGenerator::Impl::decideOnRejectedPolarity() {
+    std::uint8_t undecided = kUndecided;
+    rejectedPolarityOf<Event>().compare_exchange_strong(undecided, rejectedPolarity(filter_type));
+}
+
 template <class Event>
 void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
-    // Deliberately one value per event type for the whole process: see the note in the header.
-    // Initialising it here from `filter_type` would cost every event a fifth of its time, for the
-    // registers that the call needs.
-    static std::atomic<std::uint8_t> rejected_polarity{kUndecided};
-    const std::uint8_t rejected = rejected_polarity.load(std::memory_order_relaxed);
+    const std::uint8_t rejected = rejectedPolarityOf<Event>().load(std::memory_order_relaxed);
     const auto polarity = static_cast<std::uint8_t>(event.polarity);
     if (rejected == kUndecided) {
-        return processFirstEvent(event, rejected_polarity);
+        return processFirstEvent(event);
     }
     if (polarity == rejected) {
         return;
@@ -179,27 +227,86 @@ void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
     assert(event.x < sensor_width && event.y < sensor_height);
     const std::size_t row = row_to_cell[event.y];
     const std::size_t col = column_to_cell[event.x];
-    std::uint8_t& pixel = pixel_counts[event.y * static_cast<std::size_t>(sensor_width) + event.x];
-    // No branches here, as whether a pixel has events already is hard to predict.
-    const std::uint8_t seen = pixel;
-    const bool arrived = add_to_cell(row, col, polarity != 0, seen < counted_per_pixel ? 1 : 0);
-    pixel = static_cast<std::uint8_t>(seen + (seen < largest_pixel_count ? 1 : 0));
     // A cell can become active only when a counter arrives at the threshold: rarely, so that this
     // branch is well predicted. One that stays active needs no second mark, since marks are cleared
     // only together with the counters.
-    if (arrived && is_cell_active(row, col)) {
+    if (add_to_cell(row, col, polarity != 0, add_to_pixel(event.x, event.y)) &&
+        is_cell_active(row, col)) {
         active_cells.markBlock(row, col);
     }
 }
 
-/// Decides on the rejected polarity for all events of this type, unless another thread has just
-/// done so.
 template <class Event>
-void GridBasedClusterGenerator::Impl::processFirstEvent(
-    const Event& event, std::atomic<std::uint8_t>& rejected_polarity) {
-    std::uint8_t undecided = kUndecided;
-    rejected_polarity.compare_exchange_strong(undecided, rejectedPolarity(filter_type));
+void GridBasedClusterGenerator::Impl::processFirstEvent(const Event& event) {
+    decideOnRejectedPolarity<Event>();
     processEvent(event);
+}
+
+template <class Event>
+void GridBasedClusterGenerator::Impl::processEvents(const Event* events, std::size_t count) {
+    if (events == nullptr || count == 0) {
+        return;
+    }
+    if (rejectedPolarityOf<Event>().load(std::memory_order_relaxed) == kUndecided) {
+        decideOnRejectedPolarity<Event>();
+    }
+    const Event* const end = events + count;
+    const bool is_separate = filter_type == POLARITY_SEPARATE;
+    if (is_separate && count_pixel_once) {
+        processBatch<Event, true, true>(events, end);
+    } else if (is_separate) {
+        processBatch<Event, true, false>(events, end);
+    } else if (count_pixel_once) {
+        processBatch<Event, false, true>(events, end);
+    } else {
+        processBatch<Event, false, false>(events, end);
+    }
+}
+
+/// Counts all events of a batch, for one mode of counting.
+template <class Event, bool kIsSeparate, bool kIsPixelOnce>
+void GridBasedClusterGenerator::Impl::processBatch(const Event* event, const Event* end) {
+    for (;;) {
+        event = countUntilActivation<Event, kIsSeparate, kIsPixelOnce>(event, end);
+        if (event == end) {
+            return;
+        }
+        active_cells.markBlock(row_to_cell[event->y], column_to_cell[event->x]);
+        ++event;
+    }
+}
+
+/// Counts events up to the first that makes its cell active.
+///
+/// Nothing is called in between, so that all that events need stays in registers. The modes are
+/// known to the compiler, which leaves out what they do not need.
+///
+/// \returns that event, which is counted too, or `end`.
+template <class Event, bool kIsSeparate, bool kIsPixelOnce>
+const Event* GridBasedClusterGenerator::Impl::countUntilActivation(const Event* event,
+                                                                   const Event* end) const {
+    const std::uint8_t rejected = rejectedPolarityOf<Event>().load(std::memory_order_relaxed);
+    const std::uint16_t* const row_to_cell_of = row_to_cell.data();
+    const std::uint16_t* const column_to_cell_of = column_to_cell.data();
+    AddToCell add_to = add_to_cell;
+    add_to.counters.positive_offset = kIsSeparate ? 1 : 0;
+    const IsCellActive is_active = {add_to.counters, activation_threshold};
+    AddToPixel add_pixel = add_to_pixel;
+    add_pixel.largest_count = kIsPixelOnce ? kOne : kMost;
+    add_pixel.repeated = kIsPixelOnce ? kNone : kOne;
+    for (; event != end; ++event) {
+        const auto polarity = static_cast<std::uint8_t>(event->polarity);
+        if (polarity == rejected) {
+            continue;
+        }
+        assert(event->x < sensor_width && event->y < sensor_height);
+        const std::size_t row = row_to_cell_of[event->y];
+        const std::size_t col = column_to_cell_of[event->x];
+        if (add_to(row, col, polarity != 0, add_pixel(event->x, event->y)) && is_active(row, col)) {
+            break;
+        }
+    }
+    return event;
 }
 
 void GridBasedClusterGenerator::Impl::generateClusters(std::size_t timestamp,
@@ -255,6 +362,11 @@ void GridBasedClusterGenerator::processEvent(const Event* event) {
     impl->processEvent(*event);
 }
 
+template <class Event>
+void GridBasedClusterGenerator::processEvents(const Event* events, std::size_t count) {
+    impl->processEvents(events, count);
+}
+
 void GridBasedClusterGenerator::generateClusters(std::size_t timestamp,
                                                  std::vector<ClusterGeometry>& clusters) {
     impl->generateClusters(timestamp, clusters);
@@ -276,5 +388,16 @@ template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<float>
 template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<double>*);
 template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<long long>*);
 template void GridBasedClusterGenerator::processEvent(const Event2DPeriod<unsigned long long>*);
+template void GridBasedClusterGenerator::processEvents(const Event2D*, std::size_t);
+template void GridBasedClusterGenerator::processEvents(const Event2DFrequency*, std::size_t);
+template void GridBasedClusterGenerator::processEvents(const Event2DPeriod<int>*, std::size_t);
+template void GridBasedClusterGenerator::processEvents(const Event2DPeriod<unsigned int>*,
+                                                       std::size_t);
+template void GridBasedClusterGenerator::processEvents(const Event2DPeriod<float>*, std::size_t);
+template void GridBasedClusterGenerator::processEvents(const Event2DPeriod<double>*, std::size_t);
+template void GridBasedClusterGenerator::processEvents(const Event2DPeriod<long long>*,
+                                                       std::size_t);
+template void GridBasedClusterGenerator::processEvents(const Event2DPeriod<unsigned long long>*,
+                                                       std::size_t);
 
 }  // namespace kelvora

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -32,14 +33,58 @@ KDPoint<DIM, T> toPoint(const EventT& event, const PointScales& scales) {
 }
 
 /// Takes an event, unless it is null or of the rejected polarity: counts it, and appends its point.
+// Flattened, since calls would take as long as what they do.
 template <int DIM, typename T, class EventT>
-void takeEvent(const EventT* event, std::uint8_t rejected_polarity, const PointScales& scales,
-               SlidingEventCounter& counter, std::vector<KDPoint<DIM, T>>& incoming_points) {
+[[gnu::flatten]] void takeEvent(const EventT* event, std::uint8_t rejected_polarity,
+                                const PointScales& scales, SlidingEventCounter& counter,
+                                std::vector<KDPoint<DIM, T>>& incoming_points) {
     if (event == nullptr || static_cast<std::uint8_t>(event->polarity) == rejected_polarity) {
         return;
     }
     counter.addEvent(event);
     incoming_points.push_back(toPoint<DIM, T>(*event, scales));
+}
+
+/// Takes up to `kMost` events of one batch; their points must fit `incoming_points` as it is.
+template <std::size_t kMost, int DIM, typename T, class EventT>
+void takeSomeEvents(const EventT* events, std::size_t count, std::uint8_t rejected_polarity,
+                    const PointScales& scales, SlidingEventCounter& counter,
+                    std::vector<KDPoint<DIM, T>>& incoming_points) {
+    std::array<unsigned long long, kMost> timestamps;
+    std::array<KDPoint<DIM, T>, kMost> points;
+    std::size_t taken = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        timestamps[taken] = events[i].timestamp;
+        points[taken] = toPoint<DIM, T>(events[i], scales);
+        // Rejected events are overwritten by the next: no branch, as polarities are hard to predict.
+        taken += static_cast<std::uint8_t>(events[i].polarity) != rejected_polarity ? 1 : 0;
+    }
+    counter.addTimestamps(timestamps.data(), taken);
+    const auto end = points.begin() + static_cast<std::ptrdiff_t>(taken);
+    incoming_points.insert(incoming_points.end(), points.begin(), end);
+}
+
+/// Takes a batch of events: what `takeEvent` does with each of them. A null batch is ignored.
+template <int DIM, typename T, class EventT>
+void takeEvents(const EventT* events, std::size_t count, std::uint8_t rejected_polarity,
+                const PointScales& scales, SlidingEventCounter& counter,
+                std::vector<KDPoint<DIM, T>>& incoming_points) {
+    constexpr std::size_t kMost = 256;
+    std::size_t done = events == nullptr ? count : 0;
+    while (done < count) {
+        const std::size_t room = incoming_points.capacity() - incoming_points.size();
+        const std::size_t some = std::min({count - done, room, kMost});
+        if (some > 0) {
+            takeSomeEvents<kMost>(events + done, some, rejected_polarity, scales, counter,
+                                  incoming_points);
+            done += some;
+        } else {
+            // Makes room, if the event is not rejected. Should that fail, the events before are
+            // taken, as if they had come one by one.
+            takeEvent(events + done, rejected_polarity, scales, counter, incoming_points);
+            ++done;
+        }
+    }
 }
 
 /// Keeps the last `count` points, if there are more, and moves them to the front.

@@ -10,6 +10,9 @@
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
+
+#include "support/event_builders.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -265,6 +268,50 @@ TEST(SlidingEventCounter, TakesAnEventOfTheLargestTimeAfterTheSmallest) {
     SlidingEventCounter counter(kLargest, 1);
     count(counter, 0, 3);
     EXPECT_EQ(countAfter(counter, kLargest), 1U);
+}
+
+TEST(SlidingEventCounter, CountsTimestampsAsItCountsEvents) {
+    for (std::uint64_t seed = 0; seed < 200; ++seed) {
+        Random random(seed);
+        const auto window = static_cast<std::size_t>(randomInt(random, 1, 2000));
+        const auto num_bins = static_cast<std::size_t>(randomInt(random, 1, 120));
+        SlidingEventCounter one_by_one(window, num_bins);
+        SlidingEventCounter at_once(window, num_bins);
+        unsigned long long time = 5000;
+        for (int batch = 0; batch < 20; ++batch) {
+            std::vector<unsigned long long> times(
+                static_cast<std::size_t>(randomInt(random, 0, 50)));
+            // Mostly gaps within a bin, some within the window, some longer, some backwards.
+            const int longest_gap = randomInt(random, 1, 3000);
+            for (unsigned long long& timestamp : times) {
+                time += static_cast<unsigned long long>(
+                    randomInt(random, 0, randomInt(random, 0, longest_gap)));
+                time -= randomInt(random, 0, 99) == 0 ? 700 : 0;
+                timestamp = time;
+                count(one_by_one, timestamp);
+            }
+            at_once.addTimestamps(times.data(), times.size());
+            ASSERT_EQ(at_once.getEventCount(), one_by_one.getEventCount()) << "seed " << seed;
+        }
+    }
+}
+
+TEST(SlidingEventCounter, StartsAfreshWithTimestampsAfterAReset) {
+    SlidingEventCounter counter(100, 10);
+    const std::vector<unsigned long long> times = {1000, 1001, 1050};
+    counter.addTimestamps(times.data(), times.size());
+    counter.reset();
+    counter.addTimestamps(times.data(), 2);
+    EXPECT_EQ(counter.getEventCount(), 2U);
+}
+
+TEST(SlidingEventCounter, RefusesNullTimestampsUnlessThereAreNone) {
+    SlidingEventCounter counter(100, 10);
+    count(counter, 1000, 3);
+    EXPECT_EQ(messageOf([&] { counter.addTimestamps(nullptr, 1); }),
+              "SlidingEventCounter: null pointer to timestamps");
+    EXPECT_NO_THROW(counter.addTimestamps(nullptr, 0));
+    EXPECT_EQ(counter.getEventCount(), 3U);
 }
 
 }  // namespace

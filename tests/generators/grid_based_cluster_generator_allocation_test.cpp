@@ -59,6 +59,7 @@ TEST(AllocationsOfTheGridGenerator, AreNotNeededToProcessEvents) {
     const auto events = randomEvents(random, 40, 40, 10'000);
     const AllocationWatch watch;
     feedAll(generator, events);
+    generator.processEvents(events.data(), events.size());
     EXPECT_EQ(watch.allocations(), 0U);
 }
 

@@ -19,6 +19,15 @@ TEST_P(ThousandRandomCases, GiveTheClustersOfTheModel) {
     }
 }
 
+TEST_P(ThousandRandomCases, GiveTheClustersOfTheModelAlsoIfFedInBatches) {
+    for (std::uint64_t seed = GetParam(); seed < GetParam() + 1000; ++seed) {
+        const GridCase grid_case = randomGridCase(seed);
+        const auto difference =
+            compareWithModel(grid_case, grid_case.settings, Feeding::kInBatches);
+        ASSERT_FALSE(difference) << *difference << "\nseed " << seed << ": " << grid_case.settings;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(FromSeed, ThousandRandomCases,
                          ::testing::Range<std::uint64_t>(0, 10'000, 1000));
 

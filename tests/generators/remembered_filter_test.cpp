@@ -33,6 +33,27 @@ std::vector<Box> boxesByPolarity(EventFilterType filter) {
     return boxesOf(generate(generator));
 }
 
+/// The same of events that come in one batch.
+template <class Event>
+std::vector<Box> boxesOfBatchByPolarity(EventFilterType filter) {
+    auto generator = GridSettings().filter(filter).build();
+    const std::vector<Event> events = {makeEvent<Event>(0, 0, 0), makeEvent<Event>(16, 0, 1),
+                                       makeEvent<Event>(32, 0, 7)};
+    generator.processEvents(events.data(), events.size());
+    return boxesOf(generate(generator));
+}
+
+/// What a batch of one event throws.
+template <class Event>
+std::string messageForBatchOf(GridBasedClusterGenerator& generator, const Event& event) {
+    try {
+        generator.processEvents(&event, 1);
+    } catch (const std::out_of_range& error) {
+        return error.what();
+    }
+    return "nothing was thrown";
+}
+
 constexpr Box kNegative = {0, 0, 8, 8};
 constexpr Box kPositive = {16, 0, 8, 8};
 constexpr Box kOther = {32, 0, 8, 8};
@@ -54,7 +75,12 @@ TEST(RememberedFilter, IgnoresTrueAndAcceptsDefaultEventsIfItIsPositiveFree) {
 }
 
 TEST(RememberedFilter, IgnoresOnlyPolarityOneIfItIsPositiveFree) {
+    // The first event of this type comes in a batch.
+    EXPECT_THAT(boxesOfBatchByPolarity<Event2DPeriod<int>>(POSITIVE_FREE),
+                ElementsAre(kNegative, kOther));
     EXPECT_THAT(boxesByPolarity<Event2DPeriod<int>>(POSITIVE_FREE), ElementsAre(kNegative, kOther));
+    EXPECT_THAT(boxesOfBatchByPolarity<Event2DPeriod<int>>(NEGATIVE_FREE),
+                ElementsAre(kNegative, kOther));
 }
 
 TEST(RememberedFilter, IgnoresOnlyPolarityZeroIfItIsNegativeFree) {
@@ -106,7 +132,14 @@ TEST(RememberedFilter, IsNotRememberedWhileItIsUnknown) {
             EXPECT_EQ(error.what(), std::string("invalid unordered_map<K, T> key"));
         }
     }
+    EXPECT_EQ(messageForBatchOf(generator, event), "invalid unordered_map<K, T> key");
+    EXPECT_NO_THROW(generator.processEvents(&event, 0));
     EXPECT_THAT(generate(generator), IsEmpty());
+
+    // A batch without events decides nothing.
+    auto negative_free = GridSettings().filter(NEGATIVE_FREE).build();
+    negative_free.processEvents(&event, 0);
+    negative_free.processEvents(static_cast<const Event*>(nullptr), 5);
 
     auto known = GridSettings().filter(POLARITY_FREE).build();
     known.processEvent(&event);

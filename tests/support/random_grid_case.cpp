@@ -10,6 +10,7 @@
 
 #include "support/brute_force_grid_model.hpp"
 #include "support/event_builders.hpp"
+#include "support/feeding.hpp"
 
 namespace kelvora::test {
 
@@ -50,26 +51,31 @@ GridSettings randomSettings(Random& random) {
 }
 
 template <class Event>
-void feedAs(GridBasedClusterGenerator& generator, const Event2D& event) {
-    const auto typed_event = makeEvent<Event>(event.x, event.y, event.polarity);
-    generator.processEvent(&typed_event);
+void feedAs(GridBasedClusterGenerator& generator, const std::vector<Event2D>& events,
+            Feeding feeding) {
+    std::vector<Event> typed_events;
+    for (const Event2D& event : events) {
+        typed_events.push_back(makeEvent<Event>(event.x, event.y, event.polarity));
+    }
+    if (feeding == Feeding::kOneByOne) {
+        feedOneByOne(generator, typed_events);
+    } else {
+        Random random(events.size());
+        feedInBatches(generator, typed_events, random);
+    }
 }
 
 /// Each filter has an event type of its own here, since the first generator to see a type decides
 /// on the filter for that type.
 void feedByFilter(GridBasedClusterGenerator& generator, EventFilterType filter,
-                  const std::vector<Event2D>& events) {
-    for (const Event2D& event : events) {
-        switch (filter) {
-            case POSITIVE_FREE:
-                feedAs<Event2DPeriod<int>>(generator, event);
-                break;
-            case NEGATIVE_FREE:
-                feedAs<Event2DPeriod<float>>(generator, event);
-                break;
-            default:
-                feedAs<Event2D>(generator, event);
-        }
+                  const std::vector<Event2D>& events, Feeding feeding) {
+    switch (filter) {
+        case POSITIVE_FREE:
+            return feedAs<Event2DPeriod<int>>(generator, events, feeding);
+        case NEGATIVE_FREE:
+            return feedAs<Event2DPeriod<float>>(generator, events, feeding);
+        default:
+            return feedAs<Event2D>(generator, events, feeding);
     }
 }
 
@@ -119,19 +125,19 @@ GridCase randomGridCase(std::uint64_t seed) {
     return grid_case;
 }
 
-std::optional<std::string> compareWithModel(const GridCase& grid_case,
-                                            const GridSettings& settings) {
+std::optional<std::string> compareWithModel(const GridCase& grid_case, const GridSettings& settings,
+                                            Feeding feeding) {
     auto generator = settings.build();
     BruteForceGridModel model(grid_case.settings);
     std::size_t timestamp = 1000;
     for (const GridCase::Batch& batch : grid_case.batches) {
         if (batch.reset) {
-            feedByFilter(generator, settings.filter_type, batch.before_reset);
+            feedByFilter(generator, settings.filter_type, batch.before_reset, feeding);
             feedModel(model, batch.before_reset);
             generator.reset();
             model.reset();
         }
-        feedByFilter(generator, settings.filter_type, batch.events);
+        feedByFilter(generator, settings.filter_type, batch.events, feeding);
         feedModel(model, batch.events);
         auto difference = comparePixels(generator, model);
         if (!difference) {

@@ -27,10 +27,12 @@ struct GridCase {
 /// more, all filters and count modes, one to four batches with a `reset` in some.
 GridCase randomGridCase(std::uint64_t seed);
 
+enum class Feeding { kOneByOne, kInBatches };
+
 /// Runs a case through a generator built with `settings` (those of the case, or wrong ones to see
 /// that it shows) and through the brute-force model.
 /// \returns the first difference in clusters or pixel counts, if there is one.
-std::optional<std::string> compareWithModel(const GridCase& grid_case,
-                                            const GridSettings& settings);
+std::optional<std::string> compareWithModel(const GridCase& grid_case, const GridSettings& settings,
+                                            Feeding feeding = Feeding::kOneByOne);
 
 }  // namespace kelvora::test

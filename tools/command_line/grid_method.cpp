@@ -40,9 +40,7 @@ GridMethod::GridMethod(recording::SensorSize sensor, Polarity polarity, const Gr
                 !options.count_every_event, options.activation_threshold) {}
 
 void GridMethod::cluster(const recording::Window& window, WindowClusters& found) {
-    for (const Event2D& event : window) {
-        generator.processEvent(&event);
-    }
+    generator.processEvents(window.first, window.size());
     generator.generateClusters(window.end_time, found.clusters);
     found.time_origin = 0;
     found.labels.clear();

@@ -9,6 +9,7 @@
 #include <opencv2/core/version.hpp>
 #include <string>
 
+#include "command_line/bench_command.hpp"
 #include "command_line/cluster_command.hpp"
 #include "command_line/info_command.hpp"
 #include "command_line/interrupt.hpp"
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
     const kelvora::tool::ClusterCommand cluster(program);
     kelvora::tool::SimulateCommand simulate(program);
     const kelvora::tool::ScoreCommand score(program);
+    const kelvora::tool::BenchCommand bench(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -54,6 +56,9 @@ int main(int argc, char** argv) {
         }
         if (score.isChosen()) {
             return score.run();
+        }
+        if (bench.isChosen()) {
+            return bench.run();
         }
         return cluster.isChosen() ? cluster.run() : simulate.run();
     } catch (const std::exception& error) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <memory>
 
 #include "command_line/clustering_method.hpp"
@@ -16,11 +18,21 @@ namespace kelvora::tool {
 /// microseconds of a window, but not those since 1970.
 template <class Generator>
 void feed(Generator& generator, const recording::Window& window) {
+    // As many as are still in the cache when the generator takes them.
+    constexpr std::size_t kBatch = 512;
+    std::array<Event2D, kBatch> batch;
+    std::size_t size = 0;
     for (const Event2D& event : window) {
-        const Event2D relative(event.x, event.y, event.polarity,
-                               event.timestamp - window.start_time);
-        generator.processEvent(&relative);
+        batch[size].x = event.x;
+        batch[size].y = event.y;
+        batch[size].polarity = event.polarity;
+        batch[size].timestamp = event.timestamp - window.start_time;
+        if (++size == kBatch) {
+            generator.processEvents(batch.data(), size);
+            size = 0;
+        }
     }
+    generator.processEvents(batch.data(), size);
 }
 
 /// Makes a method of the wanted dimension and precision.

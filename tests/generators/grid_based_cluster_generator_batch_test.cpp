@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstdint>
+#include <opencv2/core/mat.hpp>
+#include <vector>
+
+#include "kelvora/grid_based_cluster_generator.hpp"
+#include "support/boxes.hpp"
+#include "support/event_builders.hpp"
+#include "support/feeding.hpp"
+#include "support/grid_settings.hpp"
+
+// Batches with the filters that ignore a polarity are in the tests of the remembered filter, and
+// among the random cases.
+
+namespace kelvora::test {
+namespace {
+
+using ::testing::IsEmpty;
+
+template <class Event>
+class BatchesOfTheGridGenerator : public ::testing::Test {};
+using EventTypes =
+    ::testing::Types<Event2D, Event2DFrequency, Event2DPeriod<int>, Event2DPeriod<unsigned int>,
+                     Event2DPeriod<float>, Event2DPeriod<double>, Event2DPeriod<long long>,
+                     Event2DPeriod<unsigned long long>>;
+TYPED_TEST_SUITE(BatchesOfTheGridGenerator, EventTypes);
+
+template <class Event>
+std::vector<Event> randomEventsOf(Random& random, const GridSettings& settings) {
+    std::vector<Event> events;
+    for (const Event2D& event :
+         randomEvents(random, settings.sensor_width, settings.sensor_height, 2000)) {
+        events.push_back(makeEvent<Event>(event.x, event.y, event.polarity));
+    }
+    return events;
+}
+
+std::vector<unsigned char> pixelCounts(GridBasedClusterGenerator& generator) {
+    cv::Mat map;
+    generator.getActiveMap(map);
+    return {map.datastart, map.dataend};
+}
+
+template <class Event>
+void expectBatchesToBeLikeSingleEvents(const GridSettings& settings, Random& random) {
+    auto one_by_one = settings.build();
+    auto in_batches = settings.build();
+    for (int call = 0; call < 3; ++call) {
+        const auto events = randomEventsOf<Event>(random, settings);
+        feedOneByOne(one_by_one, events);
+        feedInBatches(in_batches, events, random);
+        ASSERT_EQ(pixelCounts(in_batches), pixelCounts(one_by_one)) << settings;
+        ASSERT_EQ(boxesOf(generate(in_batches)), boxesOf(generate(one_by_one))) << settings;
+    }
+}
+
+TYPED_TEST(BatchesOfTheGridGenerator, AreLikeOneEventAfterTheOther) {
+    Random random(7);
+    for (const EventFilterType filter : {POLARITY_FREE, POLARITY_SEPARATE}) {
+        for (const std::uint16_t threshold : std::array<std::uint16_t, 4>{0, 1, 6, 30}) {
+            auto settings = GridSettings().sensor(90, 70).filter(filter).threshold(threshold);
+            expectBatchesToBeLikeSingleEvents<TypeParam>(settings, random);
+            expectBatchesToBeLikeSingleEvents<TypeParam>(settings.countPixelOnce(), random);
+        }
+    }
+}
+
+TYPED_TEST(BatchesOfTheGridGenerator, WithoutEventsDoNothing) {
+    auto generator = GridSettings().build();
+    const auto event = makeEvent<TypeParam>(3, 3, 1);
+    generator.processEvents(&event, 0);
+    generator.processEvents(static_cast<const TypeParam*>(nullptr), 0);
+    generator.processEvents(static_cast<const TypeParam*>(nullptr), 3);
+    EXPECT_THAT(generate(generator), IsEmpty());
+}
+
+TEST(BatchOfTheGridGenerator, WrapsTheCountersOfCellsAndStopsThoseOfPixels) {
+    auto generator = GridSettings().threshold(3).build();
+    const std::vector<Event2D> events(65535, positiveEvent(5, 6));
+    generator.processEvents(events.data(), events.size());
+    EXPECT_EQ(generate(generator).size(), 1U);
+    // What is marked stays so when the counter has wrapped.
+    generator.processEvents(events.data(), events.size());
+    generator.processEvents(events.data(), 2);
+    EXPECT_EQ(pixelCounts(generator)[6 * 40 + 5], 255);
+    EXPECT_EQ(generate(generator).size(), 1U);
+}
+
+}  // namespace
+}  // namespace kelvora::test

@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/bench_command.hpp"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
+#include <map>
+
+#include "command_line/interrupt.hpp"
+#include "command_line/peak_memory.hpp"
+#include "command_line/point_options.hpp"
+#include "command_line/progress_line.hpp"
+#include "command_line/time_range.hpp"
+#include "recording/event_cleaner.hpp"
+#include "recording/event_reader.hpp"
+#include "recording/output_file.hpp"
+#include "recording/recording_error.hpp"
+#include "recording/window_slicer.hpp"
+
+namespace kelvora::tool {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+const std::map<std::string, TimedMethod> kMethods = {{"grid", TimedMethod::Grid},
+                                                     {"density2d", TimedMethod::Density2d},
+                                                     {"density3d", TimedMethod::Density3d},
+                                                     {"centroid2d", TimedMethod::Centroid2d},
+                                                     {"centroid3d", TimedMethod::Centroid3d}};
+
+const std::vector<std::string> kDefaultMethods = {"grid", "density2d", "density3d", "centroid2d"};
+
+bool isIn3d(const std::string& method) {
+    return method == "density3d" || method == "centroid3d";
+}
+
+/// A pipe can be read only once.
+void requireFile(const std::filesystem::path& path) {
+    std::error_code error;
+    const auto type = std::filesystem::status(path, error).type();
+    if (type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::character) {
+        throw recording::RecordingError(path.string(),
+                                        "is a pipe, but has to be read several times", "",
+                                        "write it to a file first");
+    }
+}
+
+/// Takes the windows of a pass.
+class PassTimer {
+public:
+    PassTimer(const ClusterWindow& cluster_, PassFigures& figures_)
+        : cluster(cluster_), figures(figures_) {}
+
+    void take(recording::WindowSlicer& slicer) {
+        recording::Window window;
+        while (!isInterrupted() && slicer.next(window)) {
+            takeWindow(window);
+        }
+    }
+
+private:
+    void takeWindow(const recording::Window& window) {
+        const auto start = Clock::now();
+        if (cluster) {
+            cluster(window, clusters);
+        }
+        const auto time = Clock::now() - start;
+        if (figures.events == 0) {
+            first_time = window.first->timestamp;
+        }
+        figures.recorded_us = (window.last - 1)->timestamp - first_time;
+        figures.window_times.add(time);
+        figures.seconds += std::chrono::duration<double>(time).count();
+        figures.events += window.size();
+        figures.clusters += clusters.size();
+    }
+
+    const ClusterWindow& cluster;
+    PassFigures& figures;
+    std::vector<ClusterGeometry> clusters;
+    std::uint64_t first_time = 0;
+};
+
+}  // namespace
+
+BenchCommand::BenchCommand(CLI::App& program)
+    : command(program.add_subcommand("bench", "Time the methods on a recording")),
+      methods(kDefaultMethods) {
+    parameters.centroid.clusters = 12;
+    declareOptions();
+    command->parse_complete_callback([this] { checkOptions(); });
+}
+
+void BenchCommand::declareOptions() {
+    tool::declareOptions(*command, recording);
+    command
+        ->add_option("--methods", methods,
+                     "Methods to time, separated by commas: grid, density2d, density3d, "
+                     "centroid2d, centroid3d")
+        ->delimiter(',')
+        ->check(CLI::IsMember(kMethods).description(""))
+        ->option_text("LIST [grid,density2d,density3d,centroid2d]");
+    command
+        ->add_option("--window", window,
+                     "Length of a window of event time, with its unit: us, ms or s")
+        ->option_text("TIME [" + toString(window) + "]");
+    command
+        ->add_option("--from", from,
+                     "Leave out events before this time after the first one, with unit")
+        ->option_text("TIME [0s]");
+    command
+        ->add_option("--to", to,
+                     "Leave out events from this time after the first one on, with unit")
+        ->option_text("TIME");
+    command->add_option("--json", json, "File for the figures as JSON; - is standard output")
+        ->option_text("FILE");
+    tool::declareOptions(*command, parameters.grid);
+    tool::declareOptions(*command, parameters.density);
+    tool::declareOptions(*command, parameters.centroid);
+    command->get_option("--clusters")
+        ->description("Clusters to divide the events of a window into")
+        ->option_text("NUMBER [12]");
+}
+
+void BenchCommand::checkOptions() const {
+    if (window.microseconds == 0) {
+        throw CLI::ValidationError("--window", "must be longer than 0");
+    }
+    if (window.microseconds > kLongestWindowIn3d.microseconds &&
+        std::any_of(methods.begin(), methods.end(), isIn3d)) {
+        throw CLI::ValidationError("--window", "must be at most " + toString(kLongestWindowIn3d) +
+                                                   " with methods in three dimensions");
+    }
+    if (to && to->microseconds <= from.microseconds) {
+        throw CLI::ValidationError("--to", "must be later than --from");
+    }
+}
+
+int BenchCommand::run() const {
+    // A defect does not undo what was read before it: it is reported when all of that is told.
+    std::exception_ptr defect;
+    const BenchReport report = measure(defect);
+    if (json != "-") {
+        fmt::print("{}", tableOf(report));
+    }
+    if (!json.empty()) {
+        recording::OutputFile file(json);
+        file.write(jsonOf(report).dump(2) + '\n');
+        file.close();
+    }
+    if (defect) {
+        std::rethrow_exception(defect);
+    }
+    return isInterrupted() ? kExitInterrupted : 0;
+}
+
+BenchReport BenchCommand::measure(std::exception_ptr& defect) const {
+    requireFile(recording.path);
+    BenchReport report;
+    {
+        const auto reader = recording::openRecording(recording.path, recording.read);
+        report.recording = recording.path.string();
+        report.format = reader->format();
+        report.sensor = requireSensorSize(*reader, recording);
+        report.window = window;
+    }
+    const auto start = Clock::now();
+    report.reading = pass("(reading)", nullptr, defect);
+    report.reading.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    for (const std::string& name : methods) {
+        if (!isInterrupted()) {
+            const auto cluster = makeTimedMethod(kMethods.at(name), report.sensor, parameters);
+            report.methods.push_back(pass(name, cluster, defect));
+        }
+    }
+    return report;
+}
+
+/// Reads the recording, and clusters each window of it. Without `cluster` it is only read.
+PassFigures BenchCommand::pass(const std::string& name, const ClusterWindow& cluster,
+                               std::exception_ptr& defect) const {
+    PassFigures figures;
+    figures.name = name;
+    const bool is_peak_its_own = resetPeakMemory();
+    const auto reader = recording::openRecording(recording.path, recording.read);
+    recording::EventCleaner cleaner(requireSensorSize(*reader, recording));
+    TimeRange range(from, to);
+    recording::WindowSlicer slicer(window.microseconds);
+    PassTimer timer(cluster, figures);
+    ProgressLine progress(recording.path.string() + ", " + name, true);
+    try {
+        std::vector<Event2D> events;
+        while (!isInterrupted() && !range.isOver() && reader->read(events)) {
+            cleaner.clean(events);
+            range.keepInside(events);
+            slicer.add(events);
+            timer.take(slicer);
+            progress.update(reader->bytesRead(), reader->fileSize());
+        }
+    } catch (const recording::RecordingError&) {
+        defect = std::current_exception();
+    }
+    slicer.finish();
+    timer.take(slicer);
+    progress.clear();
+    if (is_peak_its_own) {
+        figures.peak_memory = peakMemory();
+    }
+    return figures;
+}
+
+}  // namespace kelvora::tool
