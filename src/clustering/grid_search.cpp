@@ -23,10 +23,16 @@ template <int DIM, typename T>
 GridSearch<DIM, T>::GridSearch(const CellList<DIM, T>& cells_) : cells(cells_) {
     const auto rank = [](const typename Rows::Offset& offset) {
         const bool is_behind = offset[1] > 0 || (offset[1] == 0 && offset[0] > 0);
-        return (is_behind ? 100 : 0) + std::abs(offset[0]) + std::abs(offset[1]);
+        return (is_behind ? 3 * kReach : 0) + std::abs(offset[0]) + std::abs(offset[1]);
     };
-    std::sort(near_to_far.begin(), near_to_far.end(),
-              [&](const auto& a, const auto& b) { return rank(a) < rank(b); });
+    std::size_t placed = 0;
+    for (int next = 0; placed < Rows::kCount; ++next) {
+        for (const auto& offset : Rows::offsets()) {
+            if (rank(offset) == next) {
+                near_to_far[placed++] = offset;
+            }
+        }
+    }
 }
 
 template <int DIM, typename T>

@@ -61,11 +61,11 @@ private:
     bool areLinked(Range points, Range others) const;
     bool areLinkedLargeCells(Range points, Range others) const;
     void joinCells(std::size_t cell, std::size_t other);
-    void joinBorderPoints(std::size_t cell, Range cells);
+    void joinBorderPoints(std::size_t cell, Range others);
 
     const CellList<DIM, T>& cells;
     /// The row of a cell itself, those before it from near to far, and those behind.
-    std::array<typename Rows::Offset, Rows::kCount> near_to_far = Rows::offsets();
+    std::array<typename Rows::Offset, Rows::kCount> near_to_far;
     T squared_radius;
     std::size_t min_pts;
     std::vector<std::uint8_t> state;  ///< Of points, in the order of their cells.
