@@ -40,7 +40,7 @@ struct DensityClustering<DIM, T>::Engines {
 
     // Several jobs.
     bool findsSparseCells(const std::vector<Point>& some, std::size_t step, T radius);
-    void chooseSearch(T radius, std::size_t min_pts);
+    void chooseSearch(T radius, std::size_t required_points);
     std::vector<Point> sample;
     CellList<DIM, T> cells;
     GridSearch<DIM, T> grid{cells};
@@ -124,22 +124,22 @@ bool DensityClustering<DIM, T>::Engines::findsSparseCells(const std::vector<Poin
 
 /// Looks at a sample first: cells of dense points, which are clustered fastest, need not be found twice.
 template <int DIM, typename T>
-void DensityClustering<DIM, T>::Engines::chooseSearch(T radius, std::size_t min_pts) {
+void DensityClustering<DIM, T>::Engines::chooseSearch(T radius, std::size_t required_points) {
     sample.clear();
     for (std::size_t i = 0; i < points->size(); i += kSampleStep) {
         sample.push_back((*points)[i]);
     }
     if (findsSparseCells(sample, kSampleStep, radius) && findsSparseCells(*points, 1, radius)) {
         cells.collectPoints(*points);
-        wide_grid.reset(radius, min_pts);
+        wide_grid.reset(radius, required_points);
         search = &wide_grid;
     } else if (cells.findCells(*points, radius, grid.kCellsPerRadius, grid.kReach)) {
         cells.collectPoints(*points);
-        grid.reset(radius, min_pts);
+        grid.reset(radius, required_points);
         search = &grid;
     } else {
         tree.tree.build(*points);
-        tree.reset(radius, min_pts);
+        tree.reset(radius, required_points);
         search = &tree;
     }
 }
