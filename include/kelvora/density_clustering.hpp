@@ -84,7 +84,6 @@ private:
     struct KELVORA_NO_EXPORT Engines;
 
     KELVORA_NO_EXPORT std::size_t requiredPoints() const;
-    KELVORA_NO_EXPORT void prepareSearch(const std::vector<Point>& points);
     KELVORA_NO_EXPORT void runWorkers(unsigned char n_jobs);
 
     double eps;

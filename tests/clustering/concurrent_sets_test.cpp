@@ -28,6 +28,19 @@ TEST(ConcurrentSets, MayBeNone) {
     EXPECT_NO_THROW(sets.reset(0));
 }
 
+TEST(ConcurrentSets, ShowSomeMembersWithoutASearchAndNeverOthers) {
+    ConcurrentSets sets;
+    sets.reset(5);
+    sets.join(1, 2);
+    sets.join(3, 4);
+    EXPECT_TRUE(sets.isKnownIn(1, 1));
+    EXPECT_TRUE(sets.isKnownIn(2, 1));
+    EXPECT_FALSE(sets.isKnownIn(3, 1));
+    EXPECT_FALSE(sets.isKnownIn(4, 1));
+    sets.join(4, 2);
+    EXPECT_TRUE(sets.isKnownIn(3, 1));
+}
+
 TEST(ConcurrentSets, AreKnownByTheirSmallestNumber) {
     ConcurrentSets sets;
     sets.reset(5);

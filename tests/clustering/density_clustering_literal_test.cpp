@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <random>
 #include <vector>
 
 #include "support/density_cases.hpp"
@@ -76,6 +77,51 @@ TYPED_TEST(LiteralPasses, FindTheSameInSmallSets) {
 
 TYPED_TEST(LiteralPasses, FindTheSameInLargerSets) {
     this->compareMany(20, 3000);
+}
+
+/// Points all over a space that is long in its last axis, and some in ten clumps, each denser than the
+/// next.
+template <class Kind>
+DensityCase<Kind> sparseCase(Random& random, double points_per_cube) {
+    constexpr std::size_t kCount = 4000;
+    constexpr std::size_t kPointsPerClump = 400;
+    constexpr double kLength = 20;
+    DensityCase<Kind> set(random, Scatter::kUniform, 1);
+    const double side = std::pow(kCount / kLength / points_per_cube, 1.0 / Kind::kDim);
+    const auto uniform = [&](double high) {
+        return std::uniform_real_distribution<double>(0, high)(random);
+    };
+    set.points.clear();
+    for (std::size_t i = 0; i < kCount; ++i) {
+        const double y = uniform(Kind::kDim == 2 ? kLength * side : side);
+        set.points.push_back(at<Kind>(uniform(side), y, uniform(kLength * side)));
+        const std::size_t clump = i / kPointsPerClump;
+        if (i % 10 == 1) {
+            const auto& center = set.points[clump * kPointsPerClump].coordinates;
+            for (std::size_t axis = 0; axis < Kind::kDim; ++axis) {
+                const double away = uniform(0.5 + 0.2 * static_cast<double>(clump));
+                set.points[i].coordinates[axis] =
+                    center[axis] + static_cast<typename Kind::T>(away);
+            }
+        }
+    }
+    set.eps = 1;
+    set.min_pts = 5;
+    return set;
+}
+
+// From a few points in each cell to so many that smaller cells are used.
+TYPED_TEST(LiteralPasses, FindTheSameHoweverDensePointsAre) {
+    for (const double points_per_cube : {0.1, 0.5, 1.0, 3.0, 8.0, 12.0, 16.0, 30.0}) {
+        Random random(static_cast<std::uint64_t>(10 * points_per_cube));
+        const auto set = sparseCase<TypeParam>(random, points_per_cube);
+        for (const int jobs : {2, 3, 8}) {
+            Members found;
+            this->compare(set, jobs, found);
+            ASSERT_FALSE(testing::Test::HasFatalFailure()) << points_per_cube << ", jobs " << jobs;
+            EXPECT_FALSE(found.empty());
+        }
+    }
 }
 
 }  // namespace

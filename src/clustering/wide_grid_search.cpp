@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+#include "clustering/wide_grid_search.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kelvora {
+
+namespace {
+
+constexpr std::size_t kCellsPerBlock = 64;
+
+}  // namespace
+
+template <int DIM, typename T>
+void WideGridSearch<DIM, T>::reset(T radius, std::size_t min_pts_) {
+    squared_radius = radius * radius;
+    min_pts = min_pts_;
+    is_core.assign(cells.points() + Cells::kPadding, 0);
+    cell_has_core.assign(cells.cells(), 0);
+    sets.reset(cells.points() + Cells::kPadding);
+}
+
+template <int DIM, typename T>
+std::size_t WideGridSearch<DIM, T>::blocks() const {
+    return (cells.cells() + kCellsPerBlock - 1) / kCellsPerBlock;
+}
+
+template <int DIM, typename T>
+CellRange WideGridSearch<DIM, T>::cellsOfBlock(std::size_t block) const {
+    const std::size_t begin = block * kCellsPerBlock;
+    return {begin, std::min(begin + kCellsPerBlock, cells.cells())};
+}
+
+template <int DIM, typename T>
+void WideGridSearch<DIM, T>::findCorePoints(std::size_t block) {
+    const CellRange range = cellsOfBlock(block);
+    Cursors cursors(cells, kRowOffsets, range.begin);
+    for (std::size_t cell = range.begin; cell < range.end; ++cell) {
+        Around around;
+        std::size_t candidates = 0;
+        for (std::size_t row = 0; row < Rows::kCount; ++row) {
+            around[row] = cells.pointsOf(cursors.cellsInReach(cell, row));
+            candidates += around[row].end - around[row].begin;
+        }
+        if (candidates <= min_pts) {
+            continue;
+        }
+        const CellRange points = cells.pointsOf(cell);
+        for (std::size_t point = points.begin; point < points.end; ++point) {
+            if (isCore(point, around)) {
+                is_core[point] = 1;
+                cell_has_core[cell] = 1;
+            }
+        }
+    }
+}
+
+template <int DIM, typename T>
+bool WideGridSearch<DIM, T>::isCore(std::size_t point, const Around& around) const {
+    Integers near = {};  // of each lane; the point itself among them
+    compareAll(point, around, [&](std::size_t /*first*/, const Integers& is_near) {
+        near -= is_near;  // -1 where it is
+    });
+    std::size_t count = 0;
+    for (std::size_t lane = 0; lane < kWidth; ++lane) {
+        count += near[lane];
+    }
+    return count > min_pts;
+}
+
+/// Each point is joined with those before it only, in the order of their cells: those behind look for
+/// it themselves.
+template <int DIM, typename T>
+void WideGridSearch<DIM, T>::joinNeighbours(std::size_t block) {
+    const CellRange range = cellsOfBlock(block);
+    Cursors cursors(cells, kRowOffsets, range.begin);
+    for (std::size_t cell = range.begin; cell < range.end; ++cell) {
+        PointsBefore before;
+        bool has_core = cell_has_core[cell] != 0;
+        for (std::size_t row = 0; row < kRowsBefore; ++row) {
+            const CellRange others = cursors.cellsInReach(cell, row);
+            before[row] = cells.pointsOf(others);
+            has_core = has_core || hasCore(others);
+        }
+        for (auto point = cells.begin[cell]; has_core && point < cells.begin[cell + 1]; ++point) {
+            before[kRowsBefore - 1].end = point;
+            joinWithNear(point, before);
+        }
+    }
+}
+
+template <int DIM, typename T>
+bool WideGridSearch<DIM, T>::hasCore(CellRange range) const {
+    unsigned found = 0;
+    for (std::size_t cell = range.begin; cell < range.end; ++cell) {
+        found |= cell_has_core[cell];
+    }
+    return found != 0;
+}
+
+/// Joins a point with near ones in its own row and in those before it, where either is a core point.
+template <int DIM, typename T>
+void WideGridSearch<DIM, T>::joinWithNear(std::uint32_t point, const PointsBefore& before) {
+    std::uint32_t set = sets.find(point);
+    const unsigned joins_all = is_core[point];
+    compareAll(point, before, [&](std::size_t first, const Integers& is_near) {
+        // Most are in the set by then: that is seen without a branch for each.
+        unsigned others = 0;
+        for (unsigned lane = 0; lane < kWidth; ++lane) {
+            const auto other = static_cast<std::uint32_t>(first + lane);
+            const unsigned joins =
+                (joins_all | is_core[other]) & (sets.isKnownIn(other, set) ? 0U : 1U);
+            others |= joins << lane & static_cast<unsigned>(is_near[lane]);
+        }
+        for (; others != 0; others &= others - 1) {
+            const auto lane = static_cast<unsigned>(__builtin_ctz(others));
+            sets.join(point, static_cast<std::uint32_t>(first + lane));
+            set = sets.find(point);
+        }
+    });
+}
+
+/// Tells of `kWidth` consecutive points which ones are near: with all bits, or none. Squares are added
+/// as in `squaredDistance`.
+template <int DIM, typename T>
+typename WideGridSearch<DIM, T>::Integers WideGridSearch<DIM, T>::compare(
+    const std::array<T, DIM>& center, std::size_t first) const {
+    Values sums = {};
+    for (std::size_t axis = 0; axis < DIM; ++axis) {
+        Values values;
+        std::memcpy(&values, cells.coordinates[axis].data() + first, sizeof(values));
+        const Values differences = center[axis] - values;
+        sums += differences * differences;
+    }
+    return reinterpret_cast<Integers>(sums < squared_radius);
+}
+
+/// Calls `onVector(first, is_near)` for the points of some rows, `kWidth` at a time. The last of a row
+/// may come with some behind it: these are not near, or belong to the next row, which goes on after
+/// them, or are not numbers.
+template <int DIM, typename T>
+template <class Ranges, class OnVector>
+void WideGridSearch<DIM, T>::compareAll(std::size_t point, const Ranges& rows,
+                                        OnVector onVector) const {
+    const auto center = cells.coordinatesOf(point);
+    std::size_t next = 0;
+    for (const CellRange& row : rows) {
+        for (next = std::max(next, row.begin); next < row.end; next += kWidth) {
+            onVector(next, compare(center, next));
+        }
+    }
+}
+
+/// Only core points and their neighbours were joined: points that are alone are noise.
+template <int DIM, typename T>
+void WideGridSearch<DIM, T>::writeSets(std::vector<std::uint32_t>& set_of) {
+    std::fill(set_of.begin(), set_of.end(), kNoSet);
+    for (std::uint32_t point = 0; point < cells.points(); ++point) {
+        const std::uint32_t first = sets.find(point);
+        if (first != point) {
+            const std::uint32_t set = cells.order[first];
+            set_of[cells.order[point]] = set;
+            set_of[set] = set;
+        }
+    }
+}
+
+template class WideGridSearch<2, float>;
+template class WideGridSearch<2, double>;
+template class WideGridSearch<3, float>;
+template class WideGridSearch<3, double>;
+
+}  // namespace kelvora

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "clustering/cell_list.hpp"
+#include "support/density_cases.hpp"
+#include "support/literal_density_pass.hpp"
+#include "support/points.hpp"
+
+/// \file
+/// A grid that searches all kinds of sets by itself, whether they suit it or not.
+
+namespace kelvora::test {
+
+/// Clusters in the order of their first members. Blocks are taken from the last to the first.
+template <class Search>
+std::vector<std::vector<std::size_t>> searchBlocks(Search& search, std::size_t points) {
+    for (std::size_t block = search.blocks(); block-- > 0;) {
+        search.findCorePoints(block);
+    }
+    for (std::size_t block = search.blocks(); block-- > 0;) {
+        search.joinNeighbours(block);
+    }
+    std::vector<std::uint32_t> set_of(points);
+    search.writeSets(set_of);
+    std::vector<std::vector<std::size_t>> members(points);
+    for (std::size_t i = 0; i < points; ++i) {
+        if (set_of[i] != kNoSet) {
+            members[set_of[i]].push_back(i);
+        }
+    }
+    members.erase(
+        std::remove_if(members.begin(), members.end(), [](const auto& set) { return set.empty(); }),
+        members.end());
+    std::sort(members.begin(), members.end());
+    return members;
+}
+
+/// Compares the sets that a grid finds with those of the literal pass. It is kept from set to set.
+template <class Kind, template <int, typename> class Search>
+void compareWithLiteralPass(int rounds, std::size_t most_points) {
+    using T = typename Kind::T;
+    CellList<Kind::kDim, T> cells;
+    Search<Kind::kDim, T> search(cells);
+    int with_clusters = 0;
+    for (const Scatter scatter : kScatters) {
+        for (int round = 0; round < rounds; ++round) {
+            Random random(static_cast<std::uint64_t>(round));
+            const DensityCase<Kind> set(random, scatter, most_points);
+            const T radius = static_cast<T>(set.eps);
+            if (!cells.findCells(set.points, radius, search.kCellsPerRadius, search.kReach)) {
+                continue;
+            }
+            cells.collectPoints(set.points);
+            const auto min_pts = static_cast<std::size_t>(set.min_pts);
+            search.reset(radius, min_pts);
+            const LiteralDensityPass<Kind> literal(set.points, set.eps, min_pts);
+            const auto found = searchBlocks(search, set.points.size());
+            ASSERT_EQ(found, literal.runWithManyJobs()) << "round " << round << ": " << set;
+            with_clusters += found.empty() ? 0 : 1;
+        }
+    }
+    EXPECT_GT(with_clusters, rounds);
+}
+
+}  // namespace kelvora::test
