@@ -26,8 +26,6 @@ ClusterTracker::Track track(int id, State state, float x, float y, std::uint64_t
 
 class TrackWriterTest : public testing::Test {
 protected:
-    ~TrackWriterTest() override { std::filesystem::remove(path); }
-
     void add(const std::vector<ClusterTracker::Track>& tracks) {
         WindowClusters found;
         found.tracks = tracks;
