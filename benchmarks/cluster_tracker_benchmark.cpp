@@ -77,12 +77,12 @@ void run(benchmark::State& state, std::size_t lost_one_in) {
 }
 
 /// Every object has a cluster.
-void all_seen(benchmark::State& state) {
+void allSeen(benchmark::State& state) {
     run(state, 0);
 }
 
 /// One in ten clusters is missing.
-void some_missed(benchmark::State& state) {
+void someMissed(benchmark::State& state) {
     run(state, 10);
 }
 
@@ -90,8 +90,8 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
     benchmark->ArgName("objects")->Arg(10)->Arg(100)->Arg(1'000)->Unit(benchmark::kMicrosecond);
 }
 
-BENCHMARK(all_seen)->Apply(sizes);
-BENCHMARK(some_missed)->Apply(sizes);
+BENCHMARK(allSeen)->Apply(sizes);
+BENCHMARK(someMissed)->Apply(sizes);
 
 }  // namespace
 }  // namespace kelvora::benchmarks

@@ -4,30 +4,28 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "support/temporary_directory.hpp"
+
 namespace kelvora::tool {
 namespace {
 
 std::string written(ClusterFormat format, bool with_tracks,
                     const std::vector<WindowClusters>& windows) {
-    const auto path = std::filesystem::path(testing::TempDir()) / "cluster_writer_test.out";
+    const test::TemporaryDirectory directory;
+    const auto path = directory.file("clusters");
     {
         ClusterWriter writer(path, format, with_tracks);
         for (const WindowClusters& window : windows) {
             writer.write(window);
         }
     }
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    std::filesystem::remove(path);
-    return text.str();
+    return test::contentOf(path);
 }
 
 std::string written(ClusterFormat format, const std::vector<ClusterGeometry>& clusters,

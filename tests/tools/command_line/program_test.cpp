@@ -14,6 +14,8 @@
 #include <sstream>
 #include <string>
 
+#include "support/temporary_directory.hpp"
+
 namespace kelvora::tool {
 namespace {
 
@@ -26,23 +28,9 @@ struct Outcome {
     std::string errors;
 };
 
-std::string contents(const std::filesystem::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
 class Program : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string pattern = testing::TempDir() + "kelvora_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder = pattern;
-    }
-
-    void TearDown() override { std::filesystem::remove_all(folder); }
-
-    std::string path(const std::string& name) const { return (folder / name).string(); }
+    std::string path(const std::string& name) const { return directory.file(name).string(); }
 
     Outcome run(const std::string& arguments) const {
         const std::string command =
@@ -55,7 +43,7 @@ protected:
             outcome.output.append(buffer.data(), count);
         }
         outcome.status = WEXITSTATUS(pclose(pipe));
-        outcome.errors = contents(path("errors"));
+        outcome.errors = test::contentOf(path("errors"));
         return outcome;
     }
 
@@ -68,7 +56,7 @@ protected:
     }
 
 private:
-    std::filesystem::path folder;
+    test::TemporaryDirectory directory;
 };
 
 TEST_F(Program, StatesItsVersionAndThoseOfItsDependencies) {
@@ -98,13 +86,16 @@ TEST_F(Program, ExitsWith1ForAFileThatIsMissing) {
 }
 
 TEST_F(Program, SimulatesTheSameBytesForTheSameSeed) {
-    EXPECT_EQ(contents(simulate("a.raw", "--seed 3")), contents(simulate("b.raw", "--seed 3")));
-    EXPECT_NE(contents(simulate("a.raw", "--seed 3")), contents(simulate("b.raw", "--seed 4")));
+    EXPECT_EQ(test::contentOf(simulate("a.raw", "--seed 3")),
+              test::contentOf(simulate("b.raw", "--seed 3")));
+    EXPECT_NE(test::contentOf(simulate("a.raw", "--seed 3")),
+              test::contentOf(simulate("b.raw", "--seed 4")));
 }
 
 TEST_F(Program, WritesTheTruthOfASimulation) {
     simulate("scene.raw", "--truth " + path("truth.csv"));
-    EXPECT_THAT(contents(path("truth.csv")), StartsWith("timestamp_us,id,kind,x,y,width,height"));
+    EXPECT_THAT(test::contentOf(path("truth.csv")),
+                StartsWith("timestamp_us,id,kind,x,y,width,height"));
 }
 
 TEST_F(Program, RefusesAnImpossibleScene) {
@@ -127,7 +118,7 @@ TEST_F(Program, FindsTheSameClustersInEveryFormat) {
 TEST_F(Program, WritesTheSameRowsToAFileAsToStandardOutput) {
     const std::string scene = simulate("scene.raw");
     EXPECT_EQ(run("cluster " + scene + " -o " + path("clusters.csv")).output, "");
-    EXPECT_EQ(run("cluster " + scene + " -o -").output, contents(path("clusters.csv")));
+    EXPECT_EQ(run("cluster " + scene + " -o -").output, test::contentOf(path("clusters.csv")));
 }
 
 TEST_F(Program, AsksForTheSensorSizeOfARecordingThatDoesNotStateIt) {
@@ -175,7 +166,7 @@ TEST_F(Program, DrawsAFramePerWindowAndAnOverview) {
     EXPECT_TRUE(std::filesystem::exists(path("frames/frame_000001.png")));
     EXPECT_TRUE(std::filesystem::exists(path("frames/frame_000010.png")));
     EXPECT_FALSE(std::filesystem::exists(path("frames/frame_000011.png")));
-    EXPECT_THAT(contents(path("overview.png")), StartsWith("\x89PNG"));
+    EXPECT_THAT(test::contentOf(path("overview.png")), StartsWith("\x89PNG"));
 }
 
 TEST_F(Program, ClustersByDensityTheSameInEveryRunAndWithManyJobs) {
@@ -197,7 +188,7 @@ TEST_F(Program, WritesTheEventsOfClustersAndThePlotOfAWindow) {
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_THAT(outcome.output,
                 StartsWith("timestamp_us,cluster,event_time_us,x,y,polarity\n10000,0,"));
-    EXPECT_THAT(contents(path("plot.png")), StartsWith("\x89PNG"));
+    EXPECT_THAT(test::contentOf(path("plot.png")), StartsWith("\x89PNG"));
 }
 
 TEST_F(Program, WritesTheCentroidsOfClusters) {
@@ -207,7 +198,7 @@ TEST_F(Program, WritesTheCentroidsOfClusters) {
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_THAT(outcome.output, StartsWith("timestamp_us,cluster,x,y,time_us,size\n10000,0,"));
     EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 1 + 4 * 10);
-    EXPECT_THAT(contents(path("overview.png")), StartsWith("\x89PNG"));
+    EXPECT_THAT(test::contentOf(path("overview.png")), StartsWith("\x89PNG"));
 }
 
 TEST_F(Program, RemarksOnWindowsWithTooFewEventsForTheClusters) {
@@ -247,10 +238,10 @@ TEST_F(Program, FollowsObjectsFromWindowToWindow) {
                    "10000,"));
     EXPECT_THAT(outcome.output, HasSubstr(",1,0.0,0.0,tentative\n"));
     EXPECT_THAT(outcome.output, HasSubstr(",confirmed\n"));
-    EXPECT_THAT(contents(path("tracks.csv")),
+    EXPECT_THAT(test::contentOf(path("tracks.csv")),
                 StartsWith("track_id,first_time_us,last_time_us,windows,path_length_px,"
                            "mean_speed_px_s\n1,10000,"));
-    EXPECT_THAT(contents(path("overview.png")), StartsWith("\x89PNG"));
+    EXPECT_THAT(test::contentOf(path("overview.png")), StartsWith("\x89PNG"));
 }
 
 TEST_F(Program, FindsTheSameClustersWithTracksAsWithout) {

@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "support/temporary_directory.hpp"
 
 namespace kelvora::tool {
 namespace {
@@ -26,22 +26,16 @@ ClusterTracker::Track track(int id, State state, float x, float y, std::uint64_t
 
 class TrackWriterTest : public testing::Test {
 protected:
-    ~TrackWriterTest() override { std::filesystem::remove(path); }
-
     void add(const std::vector<ClusterTracker::Track>& tracks) {
         WindowClusters found;
         found.tracks = tracks;
         writer.add(found);
     }
 
-    std::string written() const {
-        std::ostringstream text;
-        text << std::ifstream(path).rdbuf();
-        return text.str();
-    }
+    std::string written() const { return test::contentOf(path); }
 
-    std::filesystem::path path =
-        std::filesystem::path(testing::TempDir()) / "track_writer_test.out";
+    test::TemporaryDirectory directory;
+    std::filesystem::path path = directory.file("tracks.csv");
     TrackWriter writer{path};
 };
 

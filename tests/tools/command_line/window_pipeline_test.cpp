@@ -3,12 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
+
+#include "support/temporary_directory.hpp"
 
 namespace kelvora::tool {
 namespace {
@@ -31,16 +30,11 @@ public:
 class WindowPipelineTest : public testing::Test {
 protected:
     WindowPipelineTest() {
-        output.clusters = folder / "window_pipeline_test.csv";
+        output.clusters = directory.file("clusters.txt");
         output.format = ClusterFormat::Mot;
         track.is_wanted = true;
         track.min_hits = 1;
         track.max_missed = 3;
-    }
-
-    ~WindowPipelineTest() override {
-        std::filesystem::remove(output.clusters);
-        std::filesystem::remove(output.tracks);
     }
 
     /// Shows one box in each of these windows, and returns what was written.
@@ -57,13 +51,7 @@ protected:
         pipeline.finish();
         window_count = pipeline.windowCount();
         cluster_count = pipeline.clusterCount();
-        return contents(output.clusters);
-    }
-
-    static std::string contents(const std::filesystem::path& path) {
-        std::ostringstream text;
-        text << std::ifstream(path).rdbuf();
-        return text.str();
+        return test::contentOf(output.clusters);
     }
 
     static std::string row(int frame, int id) {
@@ -71,7 +59,7 @@ protected:
                ",100.00,50.00,20.00,20.00,1,-1,-1,-1\n";
     }
 
-    std::filesystem::path folder = testing::TempDir();
+    test::TemporaryDirectory directory;
     OutputOptions output;
     TrackOptions track;
     std::uint64_t window_count = 0;
@@ -105,9 +93,9 @@ TEST_F(WindowPipelineTest, SkipsGapsOfAnyLength) {
 }
 
 TEST_F(WindowPipelineTest, WritesTheTracksAtTheEnd) {
-    output.tracks = folder / "window_pipeline_tracks.csv";
+    output.tracks = directory.file("tracks.csv");
     run({0, 1, 2, 10, 11});
-    EXPECT_EQ(contents(output.tracks),
+    EXPECT_EQ(test::contentOf(output.tracks),
               "track_id,first_time_us,last_time_us,windows,path_length_px,mean_speed_px_s\n"
               "1,80000,100000,3,0.0,0.0\n"
               "2,180000,190000,2,0.0,0.0\n");

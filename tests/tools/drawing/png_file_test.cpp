@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/temporary_directory.hpp"
+
 namespace kelvora::drawing {
 namespace {
 
@@ -18,16 +20,8 @@ using testing::ThrowsMessage;
 
 class PngFile : public testing::Test {
 protected:
-    void SetUp() override {
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        directory = std::filesystem::path{testing::TempDir()} /
-                    (std::string{"kelvora_png_"} + test->name());
-        std::filesystem::remove_all(directory);
-        std::filesystem::create_directories(directory);
-    }
-    void TearDown() override { std::filesystem::remove_all(directory); }
-
-    std::filesystem::path directory;
+    test::TemporaryDirectory temporary;
+    const std::filesystem::path& directory = temporary.path();
 };
 
 cv::Mat noise(int width, int height) {

@@ -16,6 +16,7 @@
 #include "recording/text_decoder.hpp"
 #include "recording/text_encoder.hpp"
 #include "recording_support.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace kelvora::recording {
 namespace {
@@ -53,7 +54,7 @@ protected:
         return bytes;
     }
 
-    TemporaryDirectory directory;
+    test::TemporaryDirectory directory;
 };
 
 TEST_P(DecoderRobustness, RandomBytesDoNoHarmWhereverTheyAreCut) {

@@ -11,6 +11,7 @@
 #include "recording/evt_header.hpp"
 #include "recording/recording_error.hpp"
 #include "recording_support.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace kelvora::recording {
 namespace {
@@ -22,7 +23,7 @@ using ::testing::IsEmpty;
 
 class EventReaderTest : public ::testing::Test {
 protected:
-    TemporaryDirectory directory;
+    test::TemporaryDirectory directory;
 };
 
 TEST_F(EventReaderTest, ReadsEachFormatByItsContentWhateverItsName) {

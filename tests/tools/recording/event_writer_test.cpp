@@ -8,6 +8,7 @@
 
 #include "recording/recording_error.hpp"
 #include "recording_support.hpp"
+#include "support/temporary_directory.hpp"
 
 namespace kelvora::recording {
 namespace {
@@ -38,15 +39,9 @@ std::string errorOfWriting(const std::filesystem::path& path, Format format,
     return "";
 }
 
-std::string contentOf(const std::filesystem::path& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
-
 class EventWriterTest : public ::testing::TestWithParam<Format> {
 protected:
-    TemporaryDirectory directory;
+    test::TemporaryDirectory directory;
     const std::filesystem::path path = directory.file("recording");
 };
 
@@ -134,8 +129,8 @@ class EvtWriterTest : public EventWriterTest {};
 TEST_P(EvtWriterTest, WritesTheHeaderInFull) {
     writeRecording(path, GetParam(), {});
     const std::string version = GetParam() == Format::Evt2 ? "2" : "3";
-    EXPECT_EQ(contentOf(path), "% evt " + version + ".0\n% format EVT" + version +
-                                   ";height=2048;width=2048\n% geometry 2048x2048\n% end\n");
+    EXPECT_EQ(test::contentOf(path), "% evt " + version + ".0\n% format EVT" + version +
+                                         ";height=2048;width=2048\n% geometry 2048x2048\n% end\n");
 }
 
 TEST_P(EvtWriterTest, KeepsTimesAcrossAllPausesItAccepts) {
@@ -170,15 +165,15 @@ INSTANTIATE_TEST_SUITE_P(EvtFormats, EvtWriterTest, ::testing::Values(Format::Ev
                          [](const auto& tested) { return toString(tested.param); });
 
 TEST(TextWriter, WritesSizeAndSecondsWithSixDecimals) {
-    const TemporaryDirectory directory;
+    const test::TemporaryDirectory directory;
     const auto path = directory.file("a.txt");
     writeRecording(path, Format::Text,
                    {eventAt(5, 2, 3, 1), eventAt(1615211683123456, 65535, 0, 0)});
-    EXPECT_EQ(contentOf(path), "2048 2048\n0.000005 2 3 1\n1615211683.123456 65535 0 0\n");
+    EXPECT_EQ(test::contentOf(path), "2048 2048\n0.000005 2 3 1\n1615211683.123456 65535 0 0\n");
 }
 
 TEST(RecordsWriter, HoldsAnyEvent) {
-    const TemporaryDirectory directory;
+    const test::TemporaryDirectory directory;
     const auto path = directory.file("a.bin");
     const std::vector<Event2D> events = {eventAt(kLatestTime, 65535, 65535, 1),
                                          eventAt(0, 0, 0, 0)};

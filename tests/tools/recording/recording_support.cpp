@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "recording_support.hpp"
 
-#include <unistd.h>
-
-#include <cstdlib>
-#include <fstream>
 #include <random>
-#include <stdexcept>
 #include <tuple>
 
 #include "recording/recording_error.hpp"
@@ -112,24 +107,6 @@ Outcome readRecording(const std::filesystem::path& path, const ReadOptions& opti
         outcome.error = error.what();
     }
     return outcome;
-}
-
-TemporaryDirectory::TemporaryDirectory() {
-    std::string name =
-        (std::filesystem::temp_directory_path() / "kelvora_recording_XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("no temporary directory can be created");
-    }
-    path = name;
-}
-
-TemporaryDirectory::~TemporaryDirectory() {
-    std::filesystem::remove_all(path);
-}
-
-std::filesystem::path TemporaryDirectory::file(const std::string& name, Bytes content) const {
-    std::ofstream(path / name, std::ios::binary) << content;
-    return path / name;
 }
 
 }  // namespace recording

@@ -43,22 +43,5 @@ Outcome decode(EventDecoder& decoder, Bytes bytes, std::size_t cut = 0);
 /// Opens and reads a recording to its end or to the first error.
 Outcome readRecording(const std::filesystem::path& path, const ReadOptions& options = {});
 
-/// A directory that vanishes with its contents.
-class TemporaryDirectory {
-public:
-    TemporaryDirectory();
-    ~TemporaryDirectory();
-    TemporaryDirectory(const TemporaryDirectory&) = delete;
-    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-
-    std::filesystem::path file(const std::string& name) const { return path / name; }
-
-    /// Creates a file with this content.
-    std::filesystem::path file(const std::string& name, Bytes content) const;
-
-private:
-    std::filesystem::path path;
-};
-
 }  // namespace recording
 }  // namespace kelvora

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace kelvora::test {
+
+/// A directory that no other test has, and that vanishes with its contents: tests run side by side.
+class TemporaryDirectory {
+public:
+    TemporaryDirectory() {
+        std::string name = (std::filesystem::temp_directory_path() / "kelvora_XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error("no temporary directory can be created");
+        }
+        directory = name;
+    }
+    ~TemporaryDirectory() { std::filesystem::remove_all(directory); }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    const std::filesystem::path& path() const { return directory; }
+
+    std::filesystem::path file(std::string_view name) const { return directory / name; }
+
+    /// Writes a file.
+    std::filesystem::path file(std::string_view name, std::string_view content) const {
+        std::ofstream(directory / name, std::ios::binary) << content;
+        return directory / name;
+    }
+
+private:
+    std::filesystem::path directory;
+};
+
+/// All that is in a file.
+inline std::string contentOf(const std::filesystem::path& path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
+
+}  // namespace kelvora::test
