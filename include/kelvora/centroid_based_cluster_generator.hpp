@@ -36,6 +36,9 @@ namespace kelvora {
 /// counter, also if the time is not bounded: of the events since the last call, those before it are
 /// then not clustered.
 ///
+/// Reading points takes time linear in their number, reading centroids and sizes in that of the
+/// clusters, all else but clustering constant time.
+///
 /// \tparam DIM  2: the image plane. 3: space and time.
 /// \tparam T  `float` or `double`.
 template <int DIM, typename T>
@@ -66,16 +69,35 @@ public:
                                   unsigned long long max_iter, double tol);
 
     /// The same without bounds on the number and time of the points.
+    ///
+    /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
+    /// \param scale_width,scale_height  Scaled units per pixel, larger than 0.
+    /// \param scale_time  Scaled units per microsecond, larger than 0.
+    /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
+    /// \param k_clusters  Number of clusters, at least 1.
+    /// \param max_iter  Most iterations, at least 1.
+    /// \param tol  Change that ends the iterations, squared scaled units, larger than 0.
+    /// \throws std::runtime_error  for an invalid argument.
+    /// \throws std::out_of_range  for an unknown `filter_type`.
     CentroidBasedClusterGenerator(int sensor_width, int sensor_height, float scale_width,
                                   float scale_height, float scale_time, EventFilterType filter_type,
                                   unsigned long long k_clusters, unsigned long long max_iter,
                                   double tol);
 
     /// The same without bounds, with scales of 1.
+    ///
+    /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
+    /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
+    /// \param k_clusters  Number of clusters, at least 1.
+    /// \param max_iter  Most iterations, at least 1.
+    /// \param tol  Change that ends the iterations, squared scaled units, larger than 0.
+    /// \throws std::runtime_error  for an invalid argument.
+    /// \throws std::out_of_range  for an unknown `filter_type`.
     CentroidBasedClusterGenerator(int sensor_width, int sensor_height, EventFilterType filter_type,
                                   unsigned long long k_clusters, unsigned long long max_iter,
                                   double tol);
 
+    /// Waits for nothing: no other call may be under way.
     virtual ~CentroidBasedClusterGenerator();
 
     /// Takes one event, unless the filter ignores it. Constant time; with a bounded capacity, no
@@ -89,11 +111,12 @@ public:
     /// Takes events, one after the other: the same as `processEvent` for each of them, in less time.
     ///
     /// \param events  `count` events in a row. Null is ignored, whatever `count` is.
+    /// \param count  Number of events; 0 does nothing.
     template <class EventT>
     void processEvents(const EventT* events, std::size_t count);
 
     /// Clusters the points since the last call, the newest of them: at most `max_capacity`, and not
-    /// more than the window of time counts events.
+    /// more than the window of time counts events. Takes the time of `CentroidClustering`.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
     /// \param clusters  Emptied first; then a box for each of the k clusters, clipped to the sensor;
@@ -109,36 +132,49 @@ public:
 
     /// Appends the points of each cluster of the last `generateClusters`.
     ///
+    /// \param points  Grows by a vector for each cluster, in the order of the clusters.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale);
 
     /// Appends a matrix for each cluster, `CV_32F` or `CV_64F` as `T` is: a row per point, a column
     /// per coordinate.
+    ///
+    /// \param points  Grows by a matrix of n rows and `DIM` columns for each cluster of n points.
+    /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<cv::Mat>& points, bool restore_scale);
 
     /// Replaces `points` by one column with the points of all clusters, one cluster after the
     /// other, each an element with a channel per coordinate.
+    ///
+    /// \param points  Becomes a matrix of n rows, one column and `DIM` channels for n points in all.
+    /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
 
     /// Replaces `centroids` by those of the last `generateClusters`, in scaled units, in the order
     /// of the clusters.
+    /// \param centroids  As many as clusters: none if there were fewer than k points.
     void getClusterCentroids(std::vector<KDPoint<DIM, T>>& centroids);
 
     /// Replaces `sizes` by the number of points of each cluster, of the last `generateClusters` that
     /// had at least k.
+    /// \param sizes  In the order of the clusters.
     /// \note Zeros follow if the number of clusters was larger once.
     void getClusterSizes(std::vector<unsigned long long>& sizes);
 
     /// Sets the number of clusters from the next `generateClusters` on.
-    /// \returns false, and changes nothing, for 0.
+    /// \param k_clusters  At least 1.
+    /// \returns whether it was set: false, and nothing changes, for 0.
     bool setClusterNumber(unsigned long long k_clusters);
 
     /// Sets the most points to cluster; with 0, there will be no clusters. Reserves nothing.
+    /// \param max_capacity  Points; the largest number stands for no bound.
     /// \returns true.
     bool setMaxCapacity(unsigned long long max_capacity);
 
     /// Tells whether `max_time_length` could be the window of time: it is not 0, and not smaller
     /// than the 100 bins (fewer for a shorter window) in which events are counted.
+    /// \param max_time_length  Microseconds.
+    /// \returns whether it could be; 0 could not.
     /// \note The window stays as it was constructed.
     bool setMaxTimeLength(unsigned long long max_time_length);
 

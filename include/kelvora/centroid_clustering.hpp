@@ -38,6 +38,7 @@ class NearestCentroid;
 template <int DIM, typename T>
 class CentroidClustering {
 public:
+    /// What is clustered.
     using Point = KDPoint<DIM, T>;
 
     /// \param k  Number of clusters, at least 1.
@@ -48,10 +49,13 @@ public:
     ///     found a centroid without points does not stop either.
     /// \throws std::runtime_error  for an invalid argument.
     CentroidClustering(std::size_t k, std::size_t max_iter, double tol);
+    /// Frees what the runs kept.
     ~CentroidClustering();
 
+    /// \cond no copies
     CentroidClustering(const CentroidClustering&) = delete;
     CentroidClustering& operator=(const CentroidClustering&) = delete;
+    /// \endcond
 
     /// Clusters `points`. Time about n k for the first centroids and n log k per iteration, for n
     /// points.
@@ -69,15 +73,18 @@ public:
 
     /// Replaces `out` by the k centroids of the last run, in the order of the clusters; none if it
     /// had fewer points than that.
+    /// \param out  In the unit of the points.
     void getCentroids(std::vector<Point>& out) const;
 
     /// Replaces `out` by the number of points of each cluster of the last run that had enough of
     /// them; zeros before the first.
+    /// \param out  In the order of the clusters.
     /// \note Never gets shorter: if k was larger once, zeros follow.
     void getNumPointsPerCluster(std::vector<std::size_t>& out) const;
 
     /// Sets the number of clusters from the next run on.
-    /// \returns false, and changes nothing, for 0.
+    /// \param k  At least 1.
+    /// \returns whether it was set: false, and nothing changes, for 0.
     bool setClusterNumber(std::size_t k);
 
 private:

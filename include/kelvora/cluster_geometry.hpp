@@ -9,7 +9,8 @@ namespace kelvora {
 
 /// The box around one cluster, as every generator reports it.
 ///
-/// A plain value with public fields; no constructor checks what it is given.
+/// A plain value with public fields, copied and moved field by field; no constructor checks what it
+/// is given. Any number of threads may read one at the same time.
 struct KELVORA_EXPORT ClusterGeometry {
     float x;                   ///< Left edge, pixels.
     float y;                   ///< Top edge, pixels.
@@ -26,43 +27,66 @@ struct KELVORA_EXPORT ClusterGeometry {
     ClusterGeometry();
 
     /// A box in the image plane; `z` and `depth` are 0, the extent in time is not set.
+    /// \param rect  Left edge, top edge, width and height, pixels.
+    /// \param timestamp  Of the batch, microseconds.
     ClusterGeometry(const cv::Rect_<float>& rect, unsigned long long timestamp);
 
-    /// A box with an extent in time, of which the low 32 bits are kept.
+    /// A box with an extent in time; `z` and `depth` are 0.
+    /// \param rect  Left edge, top edge, width and height, pixels.
+    /// \param start_time,duration  Microseconds; the low 32 bits are kept.
+    /// \param timestamp  Of the batch, microseconds.
     ClusterGeometry(const cv::Rect_<float>& rect, unsigned long long start_time,
                     unsigned long long duration, unsigned long long timestamp);
 
     /// A box in the image plane; `z` and `depth` are 0, the extent in time is not set.
+    /// \param x,y  Left and top edge, pixels.
+    /// \param width,height  Pixels.
+    /// \param timestamp  Of the batch, microseconds.
     ClusterGeometry(float x, float y, float width, float height, unsigned long long timestamp);
 
     /// A box with an extent in time; `z` and `depth` are 0.
+    /// \param x,y  Left and top edge, pixels.
+    /// \param width,height  Pixels.
+    /// \param start_time,duration  Microseconds.
+    /// \param timestamp  Of the batch, microseconds.
     ClusterGeometry(float x, float y, float width, float height, int start_time, int duration,
                     unsigned long long timestamp);
 
     /// Every field as given.
+    /// \param x,y  Left and top edge, pixels.
+    /// \param z,depth  Start and extent along a third axis.
+    /// \param width,height  Pixels.
+    /// \param start_time,duration  Microseconds.
+    /// \param timestamp  Of the batch, microseconds.
     ClusterGeometry(float x, float y, unsigned long long z, float width, float height,
                     unsigned long long depth, int start_time, int duration,
                     unsigned long long timestamp);
 
+    /// \cond field by field
     ClusterGeometry(const ClusterGeometry&) = default;
     ClusterGeometry(ClusterGeometry&&) = default;
     ClusterGeometry& operator=(const ClusterGeometry& other);
     ClusterGeometry& operator=(ClusterGeometry&& other) noexcept;
     ~ClusterGeometry() = default;
+    /// \endcond
 
-    /// The box in the image plane.
+    /// Gives the box in the image plane.
+    /// \returns left edge, top edge, width and height, pixels.
     // The const return type is part of the interface.
     // NOLINTNEXTLINE(readability-const-return-type)
     const cv::Rect_<float> get2DBoundingBox() const;
 
-    /// Width times height, square pixels.
+    /// Multiplies width and height.
+    /// \returns square pixels.
     float getArea() const;
 
-    /// Width over height.
+    /// Divides width by height.
+    /// \returns the quotient.
     /// \note Not guarded: infinite for a height of 0, NaN for an empty box.
     float getAspectRatio() const;
 
-    /// Centre of the box, pixels.
+    /// Gives the centre of the box.
+    /// \returns x and y, pixels.
     cv::Point_<float> getCenter() const;
 };
 

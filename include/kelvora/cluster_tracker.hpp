@@ -37,19 +37,23 @@ namespace kelvora {
 /// serves one thread at a time.
 class KELVORA_EXPORT ClusterTracker {
 public:
-    enum class State { Tentative, Confirmed };
+    /// Whether a track has been matched often enough to be believed.
+    enum class State {
+        Tentative,  ///< Not yet; ends as soon as it is not matched.
+        Confirmed   ///< `min_hits` times at least.
+    };
 
     /// What is known of an object.
     struct Track {
-        int id;  ///< From 1, in the order in which tracks begin; never used again.
-        State state;
+        int id;       ///< From 1, in the order in which tracks begin; never used again.
+        State state;  ///< Tentative or confirmed.
 
         /// The cluster of the last update or, for a track that has none, the predicted box: the
         /// usual size around the predicted centre.
         ClusterGeometry box;
 
-        float vx;  ///< Velocity of the centre, pixels per second.
-        float vy;
+        float vx;     ///< Velocity of the centre, pixels per second.
+        float vy;     ///< The same, downwards.
         int cluster;  ///< Index of the cluster of the last update, -1 for none.
         int hits;     ///< Updates with a cluster.
         int missed;   ///< Updates without a cluster since, but those while hidden.
@@ -59,10 +63,10 @@ public:
         bool is_hidden;
     };
 
-    static constexpr float kDefaultMaxDistance = 20.0F;
-    static constexpr float kDefaultMaxSizeChange = 15.0F;
-    static constexpr int kDefaultMaxMissed = 10;
-    static constexpr int kDefaultMinHits = 3;
+    static constexpr float kDefaultMaxDistance = 20.0F;    ///< Pixels.
+    static constexpr float kDefaultMaxSizeChange = 15.0F;  ///< Pixels.
+    static constexpr int kDefaultMaxMissed = 10;           ///< Updates.
+    static constexpr int kDefaultMinHits = 3;              ///< Updates.
 
     /// \param max_distance  Largest distance between the centres of a predicted box and its cluster,
     ///     pixels, at least 0. A new track has no velocity yet: it bounds what an object may move
@@ -76,7 +80,8 @@ public:
                             float max_size_change = kDefaultMaxSizeChange,
                             int max_missed = kDefaultMaxMissed, int min_hits = kDefaultMinHits);
 
-    /// Takes the clusters of the next window.
+    /// Takes the clusters of the next window, in about n log n time for n tracks and clusters that lie
+    /// apart. A track or cluster that is left over is compared with all others: n^2 at worst.
     ///
     /// \param clusters  What a `generateClusters` reported, all with its timestamp, which must not be
     ///     lower than before. None means that no track was seen; predictions then stay where they
@@ -85,7 +90,8 @@ public:
     /// \throws std::invalid_argument  for a timestamp lower than before; nothing changes.
     std::vector<int> update(const std::vector<ClusterGeometry>& clusters);
 
-    /// The tracks after the last update, tentative ones included, by ascending id.
+    /// Lists the tracks after the last update, tentative ones included.
+    /// \returns copies of them, by ascending id.
     std::vector<Track> getTracks() const;
 
     /// Ends all tracks. Ids are not used again.

@@ -20,9 +20,10 @@ namespace kelvora {
 /// multiplied by a scale. `generateClusters` clusters the points since its last call, the newest of
 /// them if there are more than allowed.
 ///
-/// Feed events and generate clusters from one thread, or take care that the two do not overlap.
-/// `generateClusters`, `reset` and `getClusterPoints` into nested vectors exclude one another by a
-/// mutex; nothing else takes it. Generators are neither copyable nor assignable.
+/// Feed events and generate clusters from one thread, or take care that these do not overlap.
+/// `reset` and `getClusterPoints` into nested vectors may be called from any thread at any time: they
+/// wait, by a mutex, while points are clustered. Nothing else takes it. Generators are neither
+/// copyable nor assignable.
 ///
 /// \note Times are not counted from any origin. As `float`, times of more than 17 seconds have lost
 /// single microseconds, and those counted from 1970 whole minutes: subtract an origin before
@@ -32,6 +33,8 @@ namespace kelvora {
 /// `generateClusters` once per window. An event that is older than the one before empties the
 /// counter, also if the time is not bounded: of the events since the last call, those before it are
 /// then not clustered.
+///
+/// Reading points takes time linear in their number, all else but clustering constant time.
 ///
 /// \tparam DIM  2: the image plane. 3: space and time.
 /// \tparam T  `float` or `double`.
@@ -63,14 +66,33 @@ public:
                                  int n_jobs);
 
     /// The same without bounds on the number and time of the points.
+    ///
+    /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
+    /// \param scale_width,scale_height  Scaled units per pixel, larger than 0.
+    /// \param scale_time  Scaled units per microsecond, larger than 0.
+    /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
+    /// \param eps  Radius of neighbourhoods, scaled units, larger than 0; strict.
+    /// \param min_pts  Points that make a neighbourhood dense, at least 1.
+    /// \param n_jobs  Threads to cluster with, as above.
+    /// \throws std::runtime_error  for an invalid argument.
+    /// \throws std::out_of_range  for an unknown `filter_type`.
     DensityBasedClusterGenerator(int sensor_width, int sensor_height, float scale_width,
                                  float scale_height, float scale_time, EventFilterType filter_type,
                                  double eps, int min_pts, int n_jobs);
 
     /// The same without bounds, with scales of 1.
+    ///
+    /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
+    /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
+    /// \param eps  Radius of neighbourhoods, scaled units, larger than 0; strict.
+    /// \param min_pts  Points that make a neighbourhood dense, at least 1.
+    /// \param n_jobs  Threads to cluster with, as above.
+    /// \throws std::runtime_error  for an invalid argument.
+    /// \throws std::out_of_range  for an unknown `filter_type`.
     DensityBasedClusterGenerator(int sensor_width, int sensor_height, EventFilterType filter_type,
                                  double eps, int min_pts, int n_jobs);
 
+    /// Waits for nothing: no other call may be under way.
     virtual ~DensityBasedClusterGenerator();
 
     /// Takes one event, unless the filter ignores it. Constant time; with a bounded capacity, no
@@ -84,11 +106,12 @@ public:
     /// Takes events, one after the other: the same as `processEvent` for each of them, in less time.
     ///
     /// \param events  `count` events in a row. Null is ignored, whatever `count` is.
+    /// \param count  Number of events; 0 does nothing.
     template <class EventT>
     void processEvents(const EventT* events, std::size_t count);
 
     /// Clusters the points since the last call, the newest of them: at most `max_capacity`, and not
-    /// more than the window of time counts events.
+    /// more than the window of time counts events. Takes the time of `DensityClustering`.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
     /// \param clusters  Emptied first; then a box for each cluster, clipped to the sensor. A
@@ -106,24 +129,34 @@ public:
     /// Appends the points of each cluster of the last `generateClusters`. After `reset`, they are
     /// still as many clusters, but without points.
     ///
+    /// \param points  Grows by a vector for each cluster, in the order of the clusters.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale);
 
     /// Appends a matrix for each cluster, `CV_32F` or `CV_64F` as `T` is: a row per point, a column
     /// per coordinate. Takes no lock: not while clusters are generated.
+    ///
+    /// \param points  Grows by a matrix of n rows and `DIM` columns for each cluster of n points.
+    /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<cv::Mat>& points, bool restore_scale);
 
     /// Replaces `points` by one column with the points of all clusters, one cluster after the
     /// other, each an element with a channel per coordinate. Takes no lock: not while clusters are
     /// generated.
+    ///
+    /// \param points  Becomes a matrix of n rows, one column and `DIM` channels for n points in all.
+    /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
 
     /// Sets the most points to cluster. Reserves nothing.
-    /// \returns false, and changes nothing, for 0.
+    /// \param max_capacity  Points, at least 1; the largest number stands for no bound.
+    /// \returns whether it was set: false, and nothing changes, for 0.
     bool setMaxCapacity(unsigned long long max_capacity);
 
     /// Tells whether `max_time_length` could be the window of time: it is not 0, and not smaller
     /// than the 100 bins (fewer for a shorter window) in which events are counted.
+    /// \param max_time_length  Microseconds.
+    /// \returns whether it could be; 0 could not.
     /// \note The window stays as it was constructed.
     bool setMaxTimeLength(unsigned long long max_time_length);
 

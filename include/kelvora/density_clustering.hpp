@@ -40,6 +40,7 @@ namespace kelvora {
 template <int DIM, typename T>
 class DensityClustering {
 public:
+    /// What is clustered.
     using Point = KDPoint<DIM, T>;
 
     /// \param eps  The radius, in the unit of the coordinates. Points at exactly this distance are
@@ -47,10 +48,13 @@ public:
     /// \param min_pts  Points that a neighbourhood needs to be dense. Neither is checked; with 0 or
     ///     a negative number there are no clusters.
     DensityClustering(double eps, int min_pts);
+    /// Frees what the runs kept.
     ~DensityClustering();
 
+    /// \cond no copies
     DensityClustering(const DensityClustering&) = delete;
     DensityClustering& operator=(const DensityClustering&) = delete;
+    /// \endcond
 
     /// Clusters `points`. With one job, about n log n + n m time for n points with m neighbours on
     /// average, and 100 bytes of memory per point (`float`). With several, time and memory hardly

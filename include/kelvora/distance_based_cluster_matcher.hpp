@@ -43,12 +43,18 @@ public:
     DistanceBasedClusterMatcher(float distance_threshold, float size_threshold);
 
     /// Copies the thresholds, the callback and the records of the last pass.
+    /// \param other  What to copy; stays as it is.
     DistanceBasedClusterMatcher(const DistanceBasedClusterMatcher& other);
+    /// Copies the thresholds, the callback and the records of the last pass.
+    /// \param other  What to copy; stays as it is.
+    /// \returns this matcher.
     DistanceBasedClusterMatcher& operator=(const DistanceBasedClusterMatcher& other);
 
+    /// Drops the callback and the records.
     ~DistanceBasedClusterMatcher();
 
-    /// Replaces the callback by a copy of `callback`; an empty one removes it.
+    /// Replaces the callback.
+    /// \param callback  Is copied; an empty one removes the callback.
     void setDetectedMatchCallback(const DetectedMatchCallback& callback);
 
     /// Pairs the clusters of `first` with those of `second`, and calls the callback for each pair.
@@ -66,14 +72,15 @@ public:
     ///     cluster that matches at all then matches itself. The pass itself changes no cluster.
     /// \param match_tag  Handed to the callback and kept in the records, for the caller's use.
     /// \returns the number of pairs.
-    /// \throws  What the callback throws, at once: the records are those of the pairs before.
+    /// \note What the callback throws comes out at once: the records are those of the pairs before.
     /// \note Candidates and their order are settled before the callback is called first; sizes are
     ///     compared when it is the turn of a pair. The callback may change clusters. It must not
     ///     resize the batches, nor use this matcher other than to read the records.
     std::size_t matchClusters(std::vector<ClusterGeometry>& first,
                               std::vector<ClusterGeometry>& second, int match_tag = 0);
 
-    /// The pairs of the last pass, in the order in which they were accepted.
+    /// Gives the pairs of the last pass.
+    /// \returns them in the order in which they were accepted; valid until the next pass.
     const std::vector<PairRecord>& getPairRecords() const;
 
 private:

@@ -28,13 +28,18 @@ struct KELVORA_EXPORT Event2D {
     /// All fields 0.
     Event2D();
     /// Stores the values as they are.
+    /// \param x,y  Pixel column and row.
+    /// \param polarity  1 or true: the pixel became brighter.
+    /// \param timestamp  Microseconds.
     Event2D(unsigned short x, unsigned short y, unsigned char polarity,
             unsigned long long timestamp);
+    /// \cond field by field
     Event2D(const Event2D&) = default;
     Event2D(Event2D&&) = default;
     Event2D& operator=(const Event2D& other);
     Event2D& operator=(Event2D&& other) noexcept;
     ~Event2D() = default;
+    /// \endcond
 };
 
 /// An event together with the frequency at which its pixel flickers.
@@ -48,13 +53,19 @@ struct KELVORA_EXPORT Event2DFrequency {
     /// All fields 0.
     Event2DFrequency();
     /// Stores the values as they are.
+    /// \param x,y  Pixel column and row.
+    /// \param polarity  1 or true: the pixel became brighter.
+    /// \param timestamp  Microseconds.
+    /// \param frequency  Hertz.
     Event2DFrequency(unsigned short x, unsigned short y, bool polarity,
                      unsigned long long timestamp, float frequency);
+    /// \cond field by field
     Event2DFrequency(const Event2DFrequency&) = default;
     Event2DFrequency(Event2DFrequency&&) = default;
     Event2DFrequency& operator=(const Event2DFrequency& other);
     Event2DFrequency& operator=(Event2DFrequency&& other) noexcept;
     ~Event2DFrequency() = default;
+    /// \endcond
 };
 
 /// An event together with the period at which its pixel flickers.
@@ -92,29 +103,37 @@ struct KELVORA_EXPORT EventTriggerIn {
     /// All fields 0.
     EventTriggerIn();
     /// Stores the values as they are.
+    /// \param trigger_value  Level after the edge.
+    /// \param trigger_id  Number of the input.
+    /// \param timestamp  Microseconds.
     EventTriggerIn(short trigger_value, short trigger_id, unsigned long long timestamp);
+    /// \cond field by field
     EventTriggerIn(const EventTriggerIn&) = default;
     EventTriggerIn(EventTriggerIn&&) = default;
     EventTriggerIn& operator=(const EventTriggerIn& other);
     EventTriggerIn& operator=(EventTriggerIn&& other) noexcept;
     ~EventTriggerIn() = default;
+    /// \endcond
 };
 
 /// Two counts that an application passes around together; the library itself never reads or writes
 /// them.
 struct KELVORA_EXPORT KvStatisticInfo {
-    unsigned long long first_count;
-    unsigned long long second_count;
+    unsigned long long first_count;   ///< The one count.
+    unsigned long long second_count;  ///< The other.
 
     /// Both counts 0.
     KvStatisticInfo();
     /// Stores the values as they are.
+    /// \param first_count,second_count  The counts.
     KvStatisticInfo(unsigned long long first_count, unsigned long long second_count);
+    /// \cond field by field
     KvStatisticInfo(const KvStatisticInfo&) = default;
     KvStatisticInfo(KvStatisticInfo&&) = default;
     KvStatisticInfo& operator=(const KvStatisticInfo& other);
     KvStatisticInfo& operator=(KvStatisticInfo&& other) noexcept;
     ~KvStatisticInfo() = default;
+    /// \endcond
 };
 
 /// Which events a generator ignores, by polarity.

@@ -44,6 +44,7 @@ public:
                               EventFilterType filter_type, bool count_pixel_once,
                               unsigned short activation_threshold);
 
+    /// Invalidates the map that `getActiveMap` gave.
     virtual ~GridBasedClusterGenerator();
 
     /// Counts one event, unless the filter ignores it. Constant time, no allocation.
@@ -68,18 +69,20 @@ public:
     /// the time.
     ///
     /// \param events  `count` events in a row. Null is ignored, whatever `count` is.
+    /// \param count  Number of events; 0 does nothing.
     /// \throws std::out_of_range  as `processEvent` for the first event; none is counted then.
     template <class Event>
     void processEvents(const Event* events, std::size_t count);
 
-    /// Reports the clusters of the events since the last call, and starts counting afresh.
+    /// Reports the clusters of the events since the last call, and starts counting afresh. Time is
+    /// linear in the number of cells and pixels; allocates only to make `clusters` larger.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
     /// \param clusters  Emptied first. Ordered by the first cell of each cluster, rows from top to
     ///     bottom and columns from left to right.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
-    /// Sets all counters to 0.
+    /// Sets all counters to 0, in time linear in the number of cells and pixels.
     /// \note Cells that are already marked active stay so, and are reported by the next
     /// `generateClusters`.
     void reset();

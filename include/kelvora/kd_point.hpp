@@ -8,7 +8,8 @@
 
 namespace kelvora {
 
-/// A point of fixed dimension: x, y and, in three dimensions, time.
+/// A point of fixed dimension: x, y and, in three dimensions, time. A plain value: any number of
+/// threads may read one, and all operations take constant time.
 ///
 /// \tparam DIM  2 or 3.
 /// \tparam T  `float` or `double`.
@@ -24,24 +25,32 @@ struct KDPoint {
     /// The origin.
     KDPoint() : KDPoint(T{0}) {}
 
-    /// All coordinates are `value`.
+    /// Sets all coordinates to the same number.
+    /// \param value  That number, in scaled units.
     KDPoint(const T& value) { coordinates.fill(value); }
 
-    /// The coordinate of that number, and 0 for a number that does not exist: never fails.
+    /// Reads one coordinate; never fails.
+    /// \param index  0 for x, 1 for y, 2 for time.
+    /// \returns the coordinate, and 0 for an index that does not exist.
     T getPoint(int index) const {
         return static_cast<unsigned>(index) < DIM ? coordinates[static_cast<unsigned>(index)]
                                                   : T{0};
     }
 
     /// Adds coordinate by coordinate.
+    /// \param other  What to add.
+    /// \returns this point.
     KDPoint& operator+=(const KDPoint& other);
 
-    /// A point with each coordinate divided by `divisor`. Not guarded: dividing by 0 gives
-    /// infinities or NaN.
+    /// Divides coordinate by coordinate.
+    /// \param divisor  Not guarded: 0 gives infinities or NaN.
+    /// \returns the quotient; this point stays as it is.
     KDPoint operator/(T divisor);
 
-    /// The Euclidean distance. Differences and their squares are formed in `T`, and summed in
-    /// `double`: a `float` square that overflows makes the distance infinite.
+    /// Measures the Euclidean distance. Differences and their squares are formed in `T`, and summed
+    /// in `double`: a `float` square that overflows makes the distance infinite.
+    /// \param other  The point to measure to.
+    /// \returns the distance, in scaled units.
     double euclideanDistance(const KDPoint& other) const;
 };
 

@@ -25,22 +25,31 @@ namespace kelvora {
 template <int DIM, typename T>
 class KDTree {
 public:
+    /// What is indexed.
     using Point = KDPoint<DIM, T>;
 
+    /// An index over nothing.
     KDTree();
+    /// Leaves the points alone.
     ~KDTree();
 
+    /// \cond no copies
     KDTree(const KDTree&) = delete;
     KDTree& operator=(const KDTree&) = delete;
+    /// \endcond
 
     /// Indexes `points` in about n log n time; an index built before is dropped.
     ///
+    /// \param points  Must live, unchanged, as long as the tree is searched.
     /// \param n_thread_build  Threads to build with; 0 stands for one per hardware thread.
     /// \returns true.
-    /// \throws std::bad_alloc, std::system_error  if memory or threads are not to be had.
+    /// \throws std::bad_alloc  if memory is not to be had.
+    /// \throws std::system_error  if threads are not to be had.
     bool build(const std::vector<Point>& points, int n_thread_build);
 
     /// Finds all points that are closer to point number `index` than `radius`, that point included.
+    ///
+    /// Takes about log n + m time for n points, m of them found, and m log m more to sort.
     ///
     /// \param radius  In the unit of the coordinates. Points at exactly this distance are not
     ///     found.
@@ -52,19 +61,24 @@ public:
                                   std::vector<nanoflann::ResultItem<std::size_t, T>>& results,
                                   bool sorted, std::size_t index) const;
 
-    /// Finds the `k` points closest to `query`.
+    /// Finds the `k` points closest to `query`, in about k log n time.
     ///
+    /// \param k  Most points to find.
     /// \param indices,dists  Emptied, then of length `k`: point numbers and squared distances by
     ///     ascending distance, as many as the returned number, followed by zeros.
+    /// \param query  Any point; it need not be indexed.
     /// \returns the number of points found: `k`, or fewer if there are not so many at a finite
     ///     squared distance; 0 before the first `build`.
     std::size_t knnSearchPoint(std::size_t k, std::vector<std::size_t>& indices,
                                std::vector<T>& dists, const Point& query) const;
 
-    /// Indexed point number `i`; not checked. Not before the first `build`.
+    /// Reads an indexed point. Not before the first `build`.
+    /// \param i  Number of the point in the vector that was given to `build`; not checked.
+    /// \returns that very point, in the caller's vector.
     const Point& getPoint(std::size_t i) const;
 
-    /// Number of indexed points. Not before the first `build`.
+    /// Counts the indexed points. Not before the first `build`.
+    /// \returns their number.
     std::size_t getPointsCount() const;
 
 private:

@@ -27,13 +27,25 @@ public:
     /// \throws std::invalid_argument  if one of them is 0.
     SlidingEventCounter(std::size_t window_length, std::size_t num_bins);
 
+    /// Copies the window and what it has counted.
+    /// \param other  What to copy; stays as it is.
     SlidingEventCounter(const SlidingEventCounter& other);
+
+    /// Copies the window and what it has counted.
+    /// \param other  What to copy; stays as it is.
+    /// \returns this counter.
     SlidingEventCounter& operator=(const SlidingEventCounter& other);
 
-    /// Leaves `other` without bins: it may only be destroyed or assigned to.
+    /// Takes over the window and what it has counted.
+    /// \param other  Is left without bins: it may only be destroyed or assigned to.
     SlidingEventCounter(SlidingEventCounter&& other) noexcept;
+
+    /// Takes over the window and what it has counted.
+    /// \param other  Is left without bins: it may only be destroyed or assigned to.
+    /// \returns this counter.
     SlidingEventCounter& operator=(SlidingEventCounter&& other) noexcept;
 
+    /// Frees the bins.
     ~SlidingEventCounter();
 
     /// Counts one event. Constant time, but for the bins that have to be cleared; no allocation.
@@ -43,6 +55,7 @@ public:
     ///
     /// \tparam EventT  `Event2D`, `Event2DFrequency`, or `Event2DPeriod` of `int`, `unsigned int`,
     ///     `float`, `double`, `long long` or `unsigned long long`.
+    /// \param event  Of which the timestamp is read, and nothing else.
     /// \throws std::invalid_argument  if `event` is null; nothing changes.
     template <class EventT>
     void addEvent(const EventT* event);
@@ -50,14 +63,18 @@ public:
     /// Counts events by their times: the same as `addEvent` for each of them, in less time.
     ///
     /// \param timestamps  `count` times in a row, microseconds.
+    /// \param count  Number of times.
     /// \throws std::invalid_argument  if `timestamps` is null, unless `count` is 0; nothing changes.
     void addTimestamps(const unsigned long long* timestamps, std::size_t count);
 
-    /// Events in the window that ends with the last event, modulo 2^32.
+    /// Counts the events in the window that ends with the last event.
+    /// \returns their number, modulo 2^32.
     std::size_t getEventCount() const;
 
     /// Tells whether `window_length` could be the window: it is not 0, and not smaller than the
     /// number of bins.
+    /// \param window_length  Microseconds.
+    /// \returns whether it could be.
     /// \note Changes nothing.
     bool setWindowLength(std::size_t window_length);
 
