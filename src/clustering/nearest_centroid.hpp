@@ -153,7 +153,11 @@ void NearestCentroid<DIM, T>::locate(const std::vector<Point>& points) {
             }
         }
         const auto slices = static_cast<double>(digits[axis].size());
-        slices_per_unit[axis] = whole.side[axis] > 0.0 ? slices / whole.side[axis] : 0.0;
+        // Finite also where a side is so short that it divides to infinity, which times 0 is no number.
+        slices_per_unit[axis] =
+            whole.side[axis] > 0.0
+                ? std::min(slices / whole.side[axis], std::numeric_limits<double>::max())
+                : 0.0;
     }
     cell_of_point.resize(points.size());
     points_before.assign(whole.cell_count + 1, 0);
