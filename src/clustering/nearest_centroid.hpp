@@ -25,7 +25,9 @@ namespace kelvora {
 /// takes a tenth to three tenths of the time that a search tree needs.
 ///
 /// Squared distances are those of the tree to the last bit. Where several centroids are equally near
-/// the order of the tree's walk decides, and the tree has to be asked.
+/// the order of the tree's walk decides, and the tree has to be asked. It is also asked where a part
+/// keeps very many centroids, as it does if a point far away from all others makes the parts too
+/// large: an iteration takes about as long as with the tree alone then.
 template <int DIM, typename T>
 class NearestCentroid {
 public:
@@ -34,7 +36,7 @@ public:
     struct Result {
         std::size_t index;
         T squared_distance;
-        bool is_tied;  ///< Another one is just as near: the others do not count.
+        bool is_tied;  ///< The tree has to be asked: the others do not count.
     };
 
     /// If some points are not finite, or so far away that squared distances might overflow, all are
@@ -57,7 +59,7 @@ private:
         std::size_t cell_count;
     };
 
-    /// Candidates that lie one after the other.
+    /// Candidates that lie one after the other; none if they are too many to be compared.
     struct List {
         std::uint32_t begin;
         std::uint32_t end;
@@ -151,7 +153,11 @@ void NearestCentroid<DIM, T>::locate(const std::vector<Point>& points) {
             }
         }
         const auto slices = static_cast<double>(digits[axis].size());
-        slices_per_unit[axis] = whole.side[axis] > 0.0 ? slices / whole.side[axis] : 0.0;
+        // Finite also where a side is so short that it divides to infinity, which times 0 is no number.
+        slices_per_unit[axis] =
+            whole.side[axis] > 0.0
+                ? std::min(slices / whole.side[axis], std::numeric_limits<double>::max())
+                : 0.0;
     }
     cell_of_point.resize(points.size());
     points_before.assign(whole.cell_count + 1, 0);
@@ -187,13 +193,18 @@ template <int DIM, typename T>
 void NearestCentroid<DIM, T>::split(std::size_t halving, const Part& part, std::size_t begin) {
     // For so few points, shorter lists do not pay.
     constexpr std::size_t kFewPoints = 32;
+    // A search in the tree takes no longer than to compare a point with as many as these.
+    constexpr std::size_t kMostCandidates = 64;
     const std::size_t end = inherited.size();
     const std::size_t point_count =
         points_before[part.first_cell + part.cell_count] - points_before[part.first_cell];
     if (point_count <= kFewPoints || part.cell_count == 1 || end - begin == 1) {
         const auto first = static_cast<std::uint32_t>(candidates.size());
-        candidates.insert(candidates.end(), inherited.begin() + static_cast<std::ptrdiff_t>(begin),
-                          inherited.end());
+        if (end - begin <= kMostCandidates) {
+            candidates.insert(candidates.end(),
+                              inherited.begin() + static_cast<std::ptrdiff_t>(begin),
+                              inherited.end());
+        }
         std::fill_n(list_of_cell.begin() + static_cast<std::ptrdiff_t>(part.first_cell),
                     part.cell_count, List{first, static_cast<std::uint32_t>(candidates.size())});
         return;
@@ -277,7 +288,7 @@ typename NearestCentroid<DIM, T>::Result NearestCentroid<DIM, T>::find(const Poi
         return {0, 0, true};
     }
     const List list = list_of_cell[cell_of_point[i]];
-    Result result{0, std::numeric_limits<T>::infinity(), false};
+    Result result{0, std::numeric_limits<T>::infinity(), list.begin == list.end};
     for (std::uint32_t c = list.begin; c < list.end; ++c) {
         const Point& centroid = centroids[candidates[c]];
         T squared_distance = 0;
