@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "kelvora/grid_based_cluster_generator.hpp"
+#include "support/feeding.hpp"
 #include "support/literal_grid_model.hpp"
 #include "support/workloads.hpp"
 
@@ -46,20 +47,6 @@ bool areSame(const std::vector<ClusterGeometry>& a, const std::vector<ClusterGeo
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [&](const auto& x, const auto& y) { return fields(x) == fields(y); });
 }
-
-template <class Generator>
-void feedOneByOne(Generator& generator, const std::vector<Event2D>& events) {
-    for (const Event2D& event : events) {
-        generator.processEvent(&event);
-    }
-}
-
-void feedBatch(GridBasedClusterGenerator& generator, const std::vector<Event2D>& events) {
-    generator.processEvents(events.data(), events.size());
-}
-
-template <class Generator>
-using Feed = void (*)(Generator&, const std::vector<Event2D>&);
 
 /// Whether library and model find the same clusters, and any at all.
 bool modelAgrees(const Workload& workload, const Mode& mode, Feed<GridBasedClusterGenerator> feed) {
@@ -121,9 +108,7 @@ void intake(benchmark::State& state, const Workload& (*scene)(), const Mode& mod
     for ([[maybe_unused]] auto iteration : state) {
         state.SetIterationTime(run(generator, workload, feed, clusters).intake);
     }
-    const auto processed = static_cast<double>(state.iterations()) * static_cast<double>(events);
-    state.counters["per_event"] =
-        benchmark::Counter(processed, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    reportPerEvent(state, events);
 }
 
 /// Time of `generateClusters` where a fifth of the cells is marked, without that of marking them.

@@ -57,8 +57,8 @@ public:
     CentroidClustering& operator=(const CentroidClustering&) = delete;
     /// \endcond
 
-    /// Clusters `points`. Time about n k for the first centroids and n log k per iteration, for n
-    /// points.
+    /// Clusters `points`. For n of them, time about n k for the first centroids; per iteration about n,
+    /// with a factor that grows slowly with k.
     ///
     /// \param points  Not used after the call. If there are fewer than k, there are no clusters and
     ///     no centroids, and the counts stay as they were.

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -19,12 +20,14 @@ namespace kelvora {
 ///
 /// The box around the points is halved again and again, always across its longest side. Each part
 /// keeps the centroids that are the nearest of some place in it, mostly one to three, which is all
-/// that a point needs to be compared with. Parts inherit from the larger part they lie in, so that
-/// their lists cost next to nothing. An iteration takes a quarter of the time that a search tree
-/// needs.
+/// that a point needs to be compared with. Parts inherit from the larger part they lie in, and those
+/// with few points are not halved further, so that the lists cost next to nothing. An iteration
+/// takes a tenth to three tenths of the time that a search tree needs.
 ///
 /// Squared distances are those of the tree to the last bit. Where several centroids are equally near
-/// the order of the tree's walk decides, and the tree has to be asked.
+/// the order of the tree's walk decides, and the tree has to be asked. It is also asked where a part
+/// keeps very many centroids, as it does if a point far away from all others makes the parts too
+/// large: an iteration takes about as long as with the tree alone then.
 template <int DIM, typename T>
 class NearestCentroid {
 public:
@@ -33,7 +36,7 @@ public:
     struct Result {
         std::size_t index;
         T squared_distance;
-        bool is_tied;  ///< Another one is just as near: the others do not count.
+        bool is_tied;  ///< The tree has to be asked: the others do not count.
     };
 
     /// If some points are not finite, or so far away that squared distances might overflow, all are
@@ -56,7 +59,7 @@ private:
         std::size_t cell_count;
     };
 
-    /// Candidates that lie one after the other.
+    /// Candidates that lie one after the other; none if they are too many to be compared.
     struct List {
         std::uint32_t begin;
         std::uint32_t end;
@@ -67,15 +70,18 @@ private:
     void locate(const std::vector<Point>& points);
     void split(std::size_t halving, const Part& part, std::size_t begin);
     void keepNearest(const Part& part, std::size_t begin, std::size_t end);
+    std::array<double, DIM> nearestToCentre(const Part& part, std::size_t begin,
+                                            std::size_t end) const;
+    std::array<double, DIM> offsetFromCentre(const Part& part, const Point& centroid) const;
 
     // Coordinates are taken from here, which keeps them exact where the box is far from the origin.
     std::array<double, DIM> corner;
     Part whole;
     std::vector<std::size_t> halvings;  ///< Axis of each.
     std::vector<std::uint32_t> cell_of_point;
+    std::vector<std::uint32_t> points_before;  ///< In the cells before each, and behind the last.
     const Point* centroids = nullptr;
     std::vector<std::uint32_t> inherited;   ///< Lists of the part in hand and those around it.
-    std::vector<double> nearest;            ///< Squared distances of the part in hand from those.
     std::vector<std::uint32_t> candidates;  ///< Lists of all cells.
     std::vector<List> list_of_cell;
 };
@@ -147,9 +153,14 @@ void NearestCentroid<DIM, T>::locate(const std::vector<Point>& points) {
             }
         }
         const auto slices = static_cast<double>(digits[axis].size());
-        slices_per_unit[axis] = whole.side[axis] > 0.0 ? slices / whole.side[axis] : 0.0;
+        // Finite also where a side is so short that it divides to infinity, which times 0 is no number.
+        slices_per_unit[axis] =
+            whole.side[axis] > 0.0
+                ? std::min(slices / whole.side[axis], std::numeric_limits<double>::max())
+                : 0.0;
     }
     cell_of_point.resize(points.size());
+    points_before.assign(whole.cell_count + 1, 0);
     for (std::size_t i = 0; i < points.size(); ++i) {
         std::uint32_t cell = 0;
         for (std::size_t axis = 0; axis < DIM; ++axis) {
@@ -158,7 +169,9 @@ void NearestCentroid<DIM, T>::locate(const std::vector<Point>& points) {
             cell += digits[axis][std::min(slice, digits[axis].size() - 1)];
         }
         cell_of_point[i] = cell;
+        ++points_before[cell + 1];
     }
+    std::partial_sum(points_before.begin(), points_before.end(), points_before.begin());
 }
 
 template <int DIM, typename T>
@@ -178,11 +191,20 @@ void NearestCentroid<DIM, T>::setCentroids(const std::vector<Point>& centroids_)
 /// Finds the candidates of all cells in a part of the box, which inherits those from `begin` on.
 template <int DIM, typename T>
 void NearestCentroid<DIM, T>::split(std::size_t halving, const Part& part, std::size_t begin) {
+    // For so few points, shorter lists do not pay.
+    constexpr std::size_t kFewPoints = 32;
+    // A search in the tree takes no longer than to compare a point with as many as these.
+    constexpr std::size_t kMostCandidates = 64;
     const std::size_t end = inherited.size();
-    if (part.cell_count == 1 || end - begin == 1) {
+    const std::size_t point_count =
+        points_before[part.first_cell + part.cell_count] - points_before[part.first_cell];
+    if (point_count <= kFewPoints || part.cell_count == 1 || end - begin == 1) {
         const auto first = static_cast<std::uint32_t>(candidates.size());
-        candidates.insert(candidates.end(), inherited.begin() + static_cast<std::ptrdiff_t>(begin),
-                          inherited.end());
+        if (end - begin <= kMostCandidates) {
+            candidates.insert(candidates.end(),
+                              inherited.begin() + static_cast<std::ptrdiff_t>(begin),
+                              inherited.end());
+        }
         std::fill_n(list_of_cell.begin() + static_cast<std::ptrdiff_t>(part.first_cell),
                     part.cell_count, List{first, static_cast<std::uint32_t>(candidates.size())});
         return;
@@ -199,36 +221,64 @@ void NearestCentroid<DIM, T>::split(std::size_t halving, const Part& part, std::
     }
 }
 
-/// Appends those of the inherited centroids from `begin` to `end` that are nearest somewhere in a
-/// part: not farther from its nearest corner than another one from its farthest.
+/// Appends those of the inherited centroids from `begin` to `end` that may be nearest somewhere in a
+/// part: those that the one nearest to its centre does not beat everywhere.
+///
+/// What one is nearer than another, in squared distances, is linear in the place, and largest in a
+/// corner (D. Pelleg, A. Moore: "Accelerating Exact k-means Algorithms with Geometric Reasoning", KDD
+/// 1999).
 template <int DIM, typename T>
 void NearestCentroid<DIM, T>::keepNearest(const Part& part, std::size_t begin, std::size_t end) {
     // Far more than the rounding of distances, and of the cells of points, may amount to.
     constexpr double kMargin = 1e-4;
     constexpr auto kLeast = static_cast<double>(std::numeric_limits<T>::min());
-    double bound = std::numeric_limits<double>::infinity();
-    nearest.clear();
+    const auto winner = nearestToCentre(part, begin, end);
     for (std::size_t i = begin; i < end; ++i) {
-        const Point& centroid = centroids[inherited[i]];
-        double to_farthest = 0.0;
-        double to_nearest = 0.0;
+        const auto rival = offsetFromCentre(part, centroids[inherited[i]]);
+        double lead = kLeast;  // of the rival, in the corner that is best for it
         for (std::size_t axis = 0; axis < DIM; ++axis) {
-            const double half_side = part.side[axis] / 2;
-            const double offset = static_cast<double>(centroid.coordinates[axis]) - corner[axis];
-            const double distance = std::abs(offset - (part.low[axis] + half_side));
-            const double reach = half_side * (1.0 + kMargin);
-            const double to_side = std::max(distance - reach, 0.0);
-            to_nearest += to_side * to_side;
-            to_farthest += (distance + reach) * (distance + reach);
+            const double reach = part.side[axis] / 2 * (1.0 + kMargin);
+            const double squares = winner[axis] * winner[axis] + rival[axis] * rival[axis];
+            lead += winner[axis] * winner[axis] - rival[axis] * rival[axis] +
+                    2 * reach * std::abs(rival[axis] - winner[axis]) +
+                    kMargin * (squares + reach * reach);
         }
-        nearest.push_back(to_nearest);
-        bound = std::min(bound, to_farthest * (1.0 + kMargin) + kLeast);
-    }
-    for (std::size_t i = begin; i < end; ++i) {
-        if (nearest[i - begin] <= bound) {
+        if (lead >= 0.0) {
             inherited.push_back(inherited[i]);
         }
     }
+}
+
+/// Returns the offset from a part's centre of the inherited centroid that is nearest to it.
+template <int DIM, typename T>
+std::array<double, DIM> NearestCentroid<DIM, T>::nearestToCentre(const Part& part,
+                                                                 std::size_t begin,
+                                                                 std::size_t end) const {
+    std::array<double, DIM> nearest{};
+    double least = std::numeric_limits<double>::infinity();
+    for (std::size_t i = begin; i < end; ++i) {
+        const auto offset = offsetFromCentre(part, centroids[inherited[i]]);
+        double squared_distance = 0.0;
+        for (const double along_axis : offset) {
+            squared_distance += along_axis * along_axis;
+        }
+        if (squared_distance < least) {
+            least = squared_distance;
+            nearest = offset;
+        }
+    }
+    return nearest;
+}
+
+template <int DIM, typename T>
+std::array<double, DIM> NearestCentroid<DIM, T>::offsetFromCentre(const Part& part,
+                                                                  const Point& centroid) const {
+    std::array<double, DIM> offset;
+    for (std::size_t axis = 0; axis < DIM; ++axis) {
+        offset[axis] = static_cast<double>(centroid.coordinates[axis]) - corner[axis] -
+                       (part.low[axis] + part.side[axis] / 2);
+    }
+    return offset;
 }
 
 template <int DIM, typename T>
@@ -238,7 +288,7 @@ typename NearestCentroid<DIM, T>::Result NearestCentroid<DIM, T>::find(const Poi
         return {0, 0, true};
     }
     const List list = list_of_cell[cell_of_point[i]];
-    Result result{0, std::numeric_limits<T>::infinity(), false};
+    Result result{0, std::numeric_limits<T>::infinity(), list.begin == list.end};
     for (std::uint32_t c = list.begin; c < list.end; ++c) {
         const Point& centroid = centroids[candidates[c]];
         T squared_distance = 0;
@@ -246,11 +296,12 @@ typename NearestCentroid<DIM, T>::Result NearestCentroid<DIM, T>::find(const Poi
             const T difference = point.coordinates[axis] - centroid.coordinates[axis];
             squared_distance += difference * difference;
         }
-        if (squared_distance < result.squared_distance) {
-            result = {candidates[c], squared_distance, false};
-        } else if (squared_distance == result.squared_distance) {
-            result.is_tied = true;
-        }
+        // Selected rather than branched upon: which one is nearest, no processor can guess.
+        const bool is_nearer = squared_distance < result.squared_distance;
+        result.is_tied =
+            !is_nearer && (result.is_tied || squared_distance == result.squared_distance);
+        result.index = is_nearer ? candidates[c] : result.index;
+        result.squared_distance = is_nearer ? squared_distance : result.squared_distance;
     }
     return result;
 }

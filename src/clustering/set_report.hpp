@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <vector>
 
+#include "clustering/concurrent_sets.hpp"
 #include "clustering/parallel_search.hpp"
 #include "kelvora/kd_point.hpp"
 
@@ -47,6 +49,22 @@ public:
 private:
     std::array<T, std::size_t{2} * DIM> values;
 };
+
+/// Writes the set of each point. Only core points and their neighbours were joined: those that are
+/// alone are noise.
+///
+/// \param order  The point that each number of `sets` stands for.
+inline void writeJoinedSets(ConcurrentSets& sets, const std::vector<std::uint32_t>& order,
+                            std::vector<std::uint32_t>& set_of) {
+    std::fill(set_of.begin(), set_of.end(), kNoSet);
+    for (std::uint32_t i = 0; i < order.size(); ++i) {
+        const std::uint32_t first = sets.find(i);
+        if (first != i) {
+            set_of[order[i]] = order[first];
+            set_of[order[first]] = order[first];
+        }
+    }
+}
 
 /// Renumbers the sets in the order of their first points. Returns their sizes.
 inline std::vector<std::size_t> renumberSets(std::vector<std::uint32_t>& set_of) {

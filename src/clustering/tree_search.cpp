@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "clustering/set_report.hpp"
+
 namespace kelvora {
 
 namespace {
@@ -78,18 +80,9 @@ void TreeSearch<DIM, T>::joinNeighbours(std::size_t block) {
     });
 }
 
-/// Only core points and their neighbours were joined: points that are alone are noise.
 template <int DIM, typename T>
 void TreeSearch<DIM, T>::writeSets(std::vector<std::uint32_t>& set_of) {
-    std::fill(set_of.begin(), set_of.end(), kNoSet);
-    for (std::uint32_t slot = 0; slot < tree.order.size(); ++slot) {
-        const std::uint32_t first = sets.find(slot);
-        if (first != slot) {
-            const std::uint32_t set = tree.order[first];
-            set_of[tree.order[slot]] = set;
-            set_of[set] = set;
-        }
-    }
+    writeJoinedSets(sets, tree.order, set_of);
 }
 
 template class TreeSearch<2, float>;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "clustering/set_report.hpp"
+
 namespace kelvora {
 
 namespace {
@@ -152,18 +154,9 @@ void WideGridSearch<DIM, T>::compareAll(std::size_t point, const Ranges& rows,
     }
 }
 
-/// Only core points and their neighbours were joined: points that are alone are noise.
 template <int DIM, typename T>
 void WideGridSearch<DIM, T>::writeSets(std::vector<std::uint32_t>& set_of) {
-    std::fill(set_of.begin(), set_of.end(), kNoSet);
-    for (std::uint32_t point = 0; point < cells.points(); ++point) {
-        const std::uint32_t first = sets.find(point);
-        if (first != point) {
-            const std::uint32_t set = cells.order[first];
-            set_of[cells.order[point]] = set;
-            set_of[set] = set;
-        }
-    }
+    writeJoinedSets(sets, cells.order, set_of);
 }
 
 template class WideGridSearch<2, float>;

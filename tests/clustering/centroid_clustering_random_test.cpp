@@ -192,6 +192,18 @@ TYPED_TEST(RandomSetsAndCentroids, GiveTheSameWithAnObjectThatRanBefore) {
     EXPECT_GT(variety.from_other_points, 50);
 }
 
+// So many, in a part of the space so small beside all of it, that points are compared in the tree.
+TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesFromManyCentroidsAndAPointFarAway) {
+    Random random(1);
+    Settings settings(random);
+    settings.k = 90;
+    settings.max_iter = 4;
+    auto points = randomGridPoints<TypeParam>(random, 300, 0, 1000, 0.001);
+    points.push_back(at<TypeParam>(1e6, 1e6, 1e6));
+    const auto found = kMeansOf<TypeParam>(points, settings.k, settings.max_iter, settings.tol);
+    EXPECT_TRUE(firstCentroidOf<TypeParam>(found, points, settings).has_value());
+}
+
 TYPED_TEST(RandomSetsAndCentroids, IterateOnAfterAChangeOfExactlyTheTolerance) {
     int sets_where_it_matters = 0;
     for (std::uint64_t seed = 0; seed < 100'000 && sets_where_it_matters < 10; ++seed) {
