@@ -12,8 +12,7 @@
 #include "command_line/peak_memory.hpp"
 #include "command_line/point_options.hpp"
 #include "command_line/progress_line.hpp"
-#include "command_line/time_range.hpp"
-#include "recording/event_cleaner.hpp"
+#include "command_line/window_reader.hpp"
 #include "recording/event_reader.hpp"
 #include "recording/output_file.hpp"
 #include "recording/recording_error.hpp"
@@ -185,26 +184,18 @@ PassFigures BenchCommand::pass(const std::string& name, const ClusterWindow& clu
     PassFigures figures;
     figures.name = name;
     const bool is_peak_its_own = resetPeakMemory();
-    const auto reader = recording::openRecording(recording.path, recording.read);
-    recording::EventCleaner cleaner(requireSensorSize(*reader, recording));
-    TimeRange range(from, to);
-    recording::WindowSlicer slicer(window.microseconds);
+    auto source = recording::openRecording(recording.path, recording.read);
+    const recording::SensorSize sensor = requireSensorSize(*source, recording);
+    WindowReader reader(std::move(source), sensor, {window, from, to});
     PassTimer timer(cluster, figures);
     ProgressLine progress(recording.path.string() + ", " + name, true);
-    try {
-        std::vector<Event2D> events;
-        while (!isInterrupted() && !range.isOver() && reader->read(events)) {
-            cleaner.clean(events);
-            range.keepInside(events);
-            slicer.add(events);
-            timer.take(slicer);
-            progress.update(reader->bytesRead(), reader->fileSize());
-        }
-    } catch (const recording::RecordingError&) {
-        defect = std::current_exception();
+    bool has_more = true;
+    while (has_more && !isInterrupted()) {
+        has_more = reader.read();
+        timer.take(reader.slicer());
+        progress.update(reader.source().bytesRead(), reader.source().fileSize());
     }
-    slicer.finish();
-    timer.take(slicer);
+    defect = reader.defect() ? reader.defect() : defect;
     progress.clear();
     if (is_peak_its_own) {
         figures.peak_memory = peakMemory();

@@ -6,42 +6,29 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
-#include <map>
 #include <string>
 
-#include "command_line/clustering_method.hpp"
 #include "command_line/interrupt.hpp"
 #include "command_line/progress_line.hpp"
-#include "command_line/time_range.hpp"
 #include "command_line/window_pipeline.hpp"
-#include "recording/event_cleaner.hpp"
+#include "command_line/window_reader.hpp"
 #include "recording/event_reader.hpp"
-#include "recording/recording_error.hpp"
-#include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {
 
 namespace {
 
-const std::map<std::string, Polarity> kPolarities = {{"all", Polarity::All},
-                                                     {"on", Polarity::On},
-                                                     {"off", Polarity::Off},
-                                                     {"separate", Polarity::Separate}};
-
-const std::map<std::string, Method> kMethods = {
-    {"grid", Method::Grid}, {"density", Method::Density}, {"centroid", Method::Centroid}};
-
-void printSummary(const WindowPipeline& pipeline, const recording::EventReader& reader,
-                  const recording::EventCleaner& cleaner) {
+void printSummary(const WindowClusterer& clusterer, const WindowReader& reader) {
+    const recording::EventCleaner& cleaner = reader.eventCleaner();
     fmt::print(stderr,
                "kelvora: {} clusters in {} windows with events; dropped {} events off the sensor, "
                "corrected {} times out of order",
-               pipeline.clusterCount(), pipeline.windowCount(), cleaner.droppedOffSensor(),
+               clusterer.clusterCount(), clusterer.windowCount(), cleaner.droppedOffSensor(),
                cleaner.clampedTimes());
-    if (reader.skippedWords() > 0) {
-        fmt::print(stderr, ", skipped {} unknown words", reader.skippedWords());
+    if (reader.source().skippedWords() > 0) {
+        fmt::print(stderr, ", skipped {} unknown words", reader.source().skippedWords());
     }
-    const std::string remark = pipeline.remark();
+    const std::string remark = clusterer.remark();
     fmt::print(stderr, "{}{}\n", remark.empty() ? "" : "; ", remark);
 }
 
@@ -50,83 +37,22 @@ void printSummary(const WindowPipeline& pipeline, const recording::EventReader& 
 ClusterCommand::ClusterCommand(CLI::App& program)
     : command(
           program.add_subcommand("cluster", "Find the clusters of a recording, window by window")) {
-    declareOptions();
-    command->parse_complete_callback([this] { checkOptions(); });
+    declareOptions(*command, options);
+    declareOptions(*command, output);
+    command->parse_complete_callback([this] {
+        checkOptions(options);
+        checkOutputOptions();
+    });
 }
 
-void ClusterCommand::declareOptions() {
-    tool::declareOptions(*command, recording);
-    command
-        ->add_option(
-            "--window", window,
-            "Length of a window of event time, with its unit: us, ms or s. Windows begin at "
-            "multiples of it")
-        ->option_text("TIME [" + toString(window) + "]");
-    command
-        ->add_option("--from", from,
-                     "Leave out events before this time after the first one, with unit")
-        ->option_text("TIME [0s]");
-    command
-        ->add_option("--to", to,
-                     "Leave out events from this time after the first one on, with unit")
-        ->option_text("TIME");
-    command
-        ->add_option("--polarity", polarity,
-                     "Events to cluster; 'separate' takes all, but wants both polarities in a cell")
-        ->transform(CLI::CheckedTransformer(kPolarities).description(""))
-        ->option_text("all|on|off|separate [all]");
-    command->add_option("--method", method, "How to find clusters")
-        ->transform(CLI::CheckedTransformer(kMethods).description(""))
-        ->option_text("grid|density|centroid [grid]");
-    tool::declareOptions(*command, grid);
-    tool::declareOptions(*command, point);
-    tool::declareOptions(*command, density);
-    tool::declareOptions(*command, centroid);
-    tool::declareOptions(*command, track);
-    tool::declareOptions(*command, output);
-}
-
-void ClusterCommand::checkOptions() const {
-    if (window.microseconds == 0) {
-        throw CLI::ValidationError("--window", "must be longer than 0");
-    }
-    if (method != Method::Grid) {
-        checkPointOptions();
-    } else if (!output.points.empty()) {
+void ClusterCommand::checkOutputOptions() const {
+    if (options.method == Method::Grid && !output.points.empty()) {
         throw CLI::ValidationError("--points", "needs --method density or centroid");
     }
-    checkCentroidOptions();
-    checkTrackOptions();
-    if (to && to->microseconds <= from.microseconds) {
-        throw CLI::ValidationError("--to", "must be later than --from");
-    }
-}
-
-void ClusterCommand::checkPointOptions() const {
-    if (polarity == Polarity::Separate) {
-        throw CLI::ValidationError("--polarity", "separate needs --method grid");
-    }
-    if (point.time_length && point.time_length->microseconds == 0) {
-        throw CLI::ValidationError("--time-length", "must be longer than 0");
-    }
-    if (point.dim == 3 && window.microseconds > kLongestWindowIn3d.microseconds) {
-        throw CLI::ValidationError(
-            "--window", "must be at most " + toString(kLongestWindowIn3d) + " with --dim 3");
-    }
-}
-
-void ClusterCommand::checkCentroidOptions() const {
-    if (method == Method::Centroid) {
-        if (centroid.clusters == 0) {
-            throw CLI::ValidationError("--clusters", "is required with --method centroid");
-        }
-    } else if (!output.centroids.empty()) {
+    if (options.method != Method::Centroid && !output.centroids.empty()) {
         throw CLI::ValidationError("--centroids", "needs --method centroid");
     }
-}
-
-void ClusterCommand::checkTrackOptions() const {
-    if (track.is_wanted) {
+    if (options.track.is_wanted) {
         return;
     }
     if (!output.tracks.empty()) {
@@ -137,50 +63,29 @@ void ClusterCommand::checkTrackOptions() const {
     }
 }
 
-std::unique_ptr<ClusteringMethod> ClusterCommand::makeMethod(recording::SensorSize sensor) const {
-    if (method == Method::Density) {
-        return makeDensityMethod(sensor, point, density, output.needLabels());
-    }
-    if (method == Method::Centroid) {
-        return makeCentroidMethod(sensor, point, centroid);
-    }
-    return std::make_unique<GridMethod>(sensor, polarity, grid);
-}
-
 int ClusterCommand::run() const {
-    const auto reader = recording::openRecording(recording.path, recording.read);
-    const recording::SensorSize sensor = requireSensorSize(*reader, recording);
-    WindowPipeline pipeline(makeMethod(sensor), output, track, sensor, window.microseconds);
-    recording::EventCleaner cleaner(sensor);
-    TimeRange range(from, to);
-    recording::WindowSlicer slicer(window.microseconds);
+    const RecordingOptions& recording = options.recording;
+    auto source = recording::openRecording(recording.path, recording.read);
+    const recording::SensorSize sensor = requireSensorSize(*source, recording);
+    WindowReader reader(std::move(source), sensor, options.windows);
+    WindowPipeline pipeline(makeMethod(options, sensor, output.needLabels()), output, options.track,
+                            sensor, options.windows.window.microseconds);
     ProgressLine progress(recording.path.string(), !output.is_quiet);
 
-    // A defect does not undo what was read before it: it is reported when all of that is written.
-    std::exception_ptr defect;
-    try {
-        std::vector<Event2D> events;
-        while (!isInterrupted() && !range.isOver() && reader->read(events)) {
-            cleaner.clean(events);
-            range.keepInside(events);
-            keepPolarity(events, polarity);
-            slicer.add(events);
-            pipeline.process(slicer);
-            progress.update(reader->bytesRead(), reader->fileSize());
-        }
-    } catch (const recording::RecordingError&) {
-        defect = std::current_exception();
+    bool has_more = true;
+    while (has_more && !isInterrupted()) {
+        has_more = reader.read();
+        pipeline.process(reader.slicer());
+        progress.update(reader.source().bytesRead(), reader.source().fileSize());
     }
-    slicer.finish();
-    pipeline.process(slicer);
     pipeline.finish();
     progress.clear();
 
     if (!output.is_quiet) {
-        printSummary(pipeline, *reader, cleaner);
+        printSummary(pipeline.windowClusterer(), reader);
     }
-    if (defect) {
-        std::rethrow_exception(defect);
+    if (reader.defect()) {
+        std::rethrow_exception(reader.defect());
     }
     return isInterrupted() ? kExitInterrupted : 0;
 }

@@ -2,22 +2,11 @@
 #pragma once
 
 #include <CLI/App.hpp>
-#include <memory>
-#include <optional>
 
-#include "command_line/centroid_method.hpp"
-#include "command_line/density_method.hpp"
-#include "command_line/grid_method.hpp"
+#include "command_line/clustering_options.hpp"
 #include "command_line/output_options.hpp"
-#include "command_line/point_options.hpp"
-#include "command_line/polarity.hpp"
-#include "command_line/quantities.hpp"
-#include "command_line/recording_options.hpp"
-#include "command_line/track_options.hpp"
 
 namespace kelvora::tool {
-
-enum class Method { Grid, Density, Centroid };
 
 /// `kelvora cluster`: finds the clusters of a recording, window by window.
 class ClusterCommand {
@@ -34,25 +23,10 @@ public:
     int run() const;
 
 private:
-    void declareOptions();
-    void checkOptions() const;
-    void checkPointOptions() const;
-    void checkCentroidOptions() const;
-    void checkTrackOptions() const;
-    std::unique_ptr<ClusteringMethod> makeMethod(recording::SensorSize sensor) const;
+    void checkOutputOptions() const;
 
     CLI::App* command;
-    RecordingOptions recording;
-    Duration window{10'000};
-    Duration from;
-    std::optional<Duration> to;
-    Polarity polarity = Polarity::All;
-    Method method = Method::Grid;
-    GridOptions grid;
-    PointOptions point;
-    DensityOptions density;
-    CentroidOptions centroid;
-    TrackOptions track;
+    ClusteringOptions options;
     OutputOptions output;
 };
 

@@ -1,24 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "command_line/window_pipeline.hpp"
 
-#include <algorithm>
 #include <utility>
 
 #include "command_line/interrupt.hpp"
 
 namespace kelvora::tool {
 
-WindowPipeline::WindowPipeline(std::unique_ptr<ClusteringMethod> method_,
+WindowPipeline::WindowPipeline(std::unique_ptr<ClusteringMethod> method,
                                const OutputOptions& output, const TrackOptions& track,
-                               recording::SensorSize sensor, std::uint64_t window_length_)
-    : method(std::move(method_)),
-      longest_gap(track.max_missed),
-      window_length(window_length_),
+                               recording::SensorSize sensor, std::uint64_t window_length)
+    : clusterer(std::move(method), track, window_length),
       cluster_writer(output.clusters, output.format, track.is_wanted),
       pictures(output.pictures, sensor) {
-    if (track.is_wanted) {
-        tracker.emplace(track.makeTracker());
-    }
     if (!output.points.empty()) {
         point_writer.emplace(output.points);
     }
@@ -38,13 +32,7 @@ void WindowPipeline::process(recording::WindowSlicer& slicer) {
 }
 
 void WindowPipeline::processWindow(const recording::Window& window) {
-    first_start = first_start.value_or(window.start_time);
-    const std::uint64_t last_number = window_count == 0 ? 0 : found.number;
-    found.number = (window.start_time - *first_start) / window_length + 1;
-    method->cluster(window, found);
-    if (tracker) {
-        track(found.number - last_number - 1);
-    }
+    const WindowClusters& found = clusterer.cluster(window);
     cluster_writer.write(found);
     if (point_writer) {
         point_writer->write(window, found);
@@ -56,18 +44,6 @@ void WindowPipeline::processWindow(const recording::Window& window) {
         track_writer->add(found);
     }
     pictures.add(window, found);
-    ++window_count;
-    cluster_count += found.clusters.size();
-}
-
-/// Windows without events are windows in which no object was seen.
-void WindowPipeline::track(std::uint64_t windows_skipped) {
-    const auto enough = static_cast<std::uint64_t>(longest_gap) + 1;
-    for (std::uint64_t i = 0; i < std::min(windows_skipped, enough); ++i) {
-        tracker->update({});
-    }
-    tracker->update(found.clusters);
-    found.tracks = tracker->getTracks();
 }
 
 void WindowPipeline::finish() {

@@ -8,7 +8,8 @@ namespace kelvora::recording {
 RecordingError::RecordingError(const std::string& file, const std::string& problem,
                                const std::string& where, const std::string& remedy)
     : std::runtime_error(file + ": " + problem + (where.empty() ? "" : ", " + where) + ", " +
-                         remedy) {}
+                         remedy),
+      parts(std::make_shared<const Parts>(Parts{file, problem, where, remedy})) {}
 
 std::string inQuotes(std::string_view field) {
     constexpr std::size_t kMaxShown = 24;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -19,6 +20,21 @@ public:
     /// \param remedy  What the user can do about it.
     RecordingError(const std::string& file, const std::string& problem, const std::string& where,
                    const std::string& remedy);
+
+    const std::string& file() const { return parts->file; }
+    const std::string& problem() const { return parts->problem; }
+    const std::string& where() const { return parts->where; }
+    const std::string& remedy() const { return parts->remedy; }
+
+private:
+    struct Parts {
+        std::string file;
+        std::string problem;
+        std::string where;
+        std::string remedy;
+    };
+
+    std::shared_ptr<const Parts> parts;  ///< Shared, as copying an exception must not throw.
 };
 
 /// A field of a file as it may stand in a message: the file may hold anything, the message is one

@@ -49,8 +49,8 @@ protected:
         slicer.finish();
         pipeline.process(slicer);
         pipeline.finish();
-        window_count = pipeline.windowCount();
-        cluster_count = pipeline.clusterCount();
+        window_count = pipeline.windowClusterer().windowCount();
+        cluster_count = pipeline.windowClusterer().clusterCount();
         return test::contentOf(output.clusters);
     }
 

@@ -15,6 +15,15 @@ TEST(RecordingError, IsOneLineThatNamesFileProblemPlaceAndRemedy) {
                  "a.raw: is empty, record it again");
 }
 
+TEST(RecordingError, GivesItsPartsAlsoAsACopy) {
+    const RecordingError error("a.raw", "is cut off", "byte 12", "copy it again");
+    const RecordingError copy = error;  // NOLINT(performance-unnecessary-copy-initialization)
+    EXPECT_EQ(copy.file(), "a.raw");
+    EXPECT_EQ(copy.problem(), "is cut off");
+    EXPECT_EQ(copy.where(), "byte 12");
+    EXPECT_EQ(copy.remedy(), "copy it again");
+}
+
 TEST(InQuotes, ShowsShortTextAsItIs) {
     EXPECT_EQ(inQuotes(""), "''");
     EXPECT_EQ(inQuotes("1.5 ~"), "'1.5 ~'");

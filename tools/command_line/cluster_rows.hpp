@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "command_line/clustering_method.hpp"
+#include "kelvora/cluster_geometry.hpp"
+#include "kelvora/cluster_tracker.hpp"
+
+namespace kelvora::tool {
+
+/// One row of results: a cluster, or the predicted box of a hidden object.
+struct ClusterRow {
+    const ClusterGeometry* box;
+    const ClusterTracker::Track* track;  ///< Null for none.
+};
+
+/// The rows of a window: its clusters, then the objects hidden in them. They point into `found`.
+std::vector<ClusterRow> rowsOf(const WindowClusters& found);
+
+/// Start of a cluster in absolute time, microseconds; -1 if it is not known.
+std::int64_t startTimeOf(const ClusterGeometry& cluster, const WindowClusters& found);
+
+/// `confirmed`, `tentative`, `hidden`, or `none` for no track.
+const char* stateOf(const ClusterRow& row);
+
+}  // namespace kelvora::tool

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#include "command_line/window_reader.hpp"
+
+#include <utility>
+
+#include "recording/recording_error.hpp"
+
+namespace kelvora::tool {
+
+WindowReader::WindowReader(std::unique_ptr<recording::EventReader> reader_,
+                           recording::SensorSize sensor, const WindowOptions& options)
+    : reader(std::move(reader_)),
+      cleaner(sensor),
+      range(options.from, options.to),
+      polarity(options.polarity),
+      window_slicer(options.window.microseconds) {}
+
+bool WindowReader::read() {
+    try {
+        if (!range.isOver() && reader->read(events)) {
+            cleaner.clean(events);
+            range.keepInside(events);
+            keepPolarity(events, polarity);
+            window_slicer.add(events);
+            return true;
+        }
+    } catch (const recording::RecordingError&) {
+        reading_defect = std::current_exception();
+    }
+    window_slicer.finish();
+    return false;
+}
+
+}  // namespace kelvora::tool

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "command_line/polarity.hpp"
+#include "command_line/quantities.hpp"
+#include "command_line/time_range.hpp"
+#include "kelvora/events.hpp"
+#include "recording/event_cleaner.hpp"
+#include "recording/event_reader.hpp"
+#include "recording/sensor_size.hpp"
+#include "recording/window_slicer.hpp"
+
+namespace kelvora::tool {
+
+/// Which events of a recording are clustered, and which together.
+struct WindowOptions {
+    Duration window{10'000};
+    Duration from;
+    std::optional<Duration> to;  ///< The end of the recording if absent.
+    Polarity polarity = Polarity::All;
+};
+
+/// Reads a recording, cleans its events, and cuts them into windows.
+///
+///     bool has_more = true;
+///     while (has_more) {
+///         has_more = reader.read();
+///         while (reader.slicer().next(window)) { ... }
+///     }
+class WindowReader {
+public:
+    /// \param sensor  Of the recording.
+    WindowReader(std::unique_ptr<recording::EventReader> reader_, recording::SensorSize sensor,
+                 const WindowOptions& options);
+
+    /// Hands the next chunk of the recording to the slicer.
+    ///
+    /// \return False at the end of the recording or of the wanted part of it, and at a defect. The
+    ///     last window is complete then.
+    bool read();
+
+    /// Gives the windows that are complete.
+    recording::WindowSlicer& slicer() { return window_slicer; }
+
+    /// The `RecordingError` that reading ended with, if any. It does not undo what was read before,
+    /// and is to be reported after that.
+    std::exception_ptr defect() const { return reading_defect; }
+
+    const recording::EventReader& source() const { return *reader; }
+    const recording::EventCleaner& eventCleaner() const { return cleaner; }
+
+private:
+    std::unique_ptr<recording::EventReader> reader;
+    recording::EventCleaner cleaner;
+    TimeRange range;
+    Polarity polarity;
+    recording::WindowSlicer window_slicer;
+    std::vector<Event2D> events;
+    std::exception_ptr reading_defect;
+};
+
+}  // namespace kelvora::tool
