@@ -1,0 +1,190 @@
+# SPDX-License-Identifier: MIT
+"""Clustering many recordings, on this machine or on many."""
+
+from __future__ import annotations
+
+import operator
+import os
+from typing import Any, Iterable, Literal
+
+from kelvora._errors import in_python
+from kelvora._kelvora import check_clustering
+from kelvora._recordings import Format, TimeUnit
+from kelvora._worker import ClusteredRecording, cluster, failed
+from kelvora._worker_pool import WorkerPool
+
+# Where keywords differ from the options of the command-line tool in more than dashes.
+_TOOL_NAMES = {"tracking": "track", "k": "clusters"}
+_DURATIONS = ("window_us", "from_us", "to_us", "time_length_us")
+_LONGEST_DURATION = 10**18  # 30,000 years; beyond, sums with times could wrap.
+_FLAGS = ("tracking", "count_every_event")
+
+
+def cluster_recordings(
+    paths: Iterable[str | os.PathLike[str]],
+    client: Any = None,
+    *,
+    workers: int | None = None,
+    method: Literal["grid", "density", "centroid"] = "grid",
+    window_us: int = 10_000,
+    from_us: int = 0,
+    to_us: int | None = None,
+    polarity: Literal["all", "on", "off", "separate"] = "all",
+    tracking: bool = False,
+    sensor: tuple[int, int] | None = None,
+    input_format: Format | None = None,
+    columns: str | None = None,
+    time_unit: TimeUnit | None = None,
+    **parameters: object,
+) -> list[ClusteredRecording]:
+    """
+    Find the clusters of recordings, window by window, several recordings at a time.
+
+    The rows are those of ``kelvora cluster`` with the same options. But for the centroid method,
+    which draws at random, they are the same for any number of workers.
+
+    Parameters
+    ----------
+    paths : iterable of path_like
+        The recordings, of any format.
+    client : distributed.Client, optional
+        Dask client of a cluster whose workers cluster the recordings. They need this package, and
+        find the recordings by the same paths. Without one, processes on this machine do.
+    workers : int, optional
+        Processes on this machine; as many as there are processors by default.
+    method : {'grid', 'density', 'centroid'}
+        How to find clusters.
+    window_us : int
+        Length of a window, microseconds. Windows begin at multiples of it.
+    from_us, to_us : int, optional
+        Part of each recording to cluster, microseconds after its first event, `to_us` excluded.
+    polarity : {'all', 'on', 'off', 'separate'}
+        Events to cluster; 'separate', for the grid alone, takes all, but wants both polarities in
+        a cell.
+    tracking : bool
+        Follow objects from window to window, which adds columns and rows.
+    sensor : tuple of int, optional
+        Width and height in pixels, if the recordings do not state them.
+    input_format, columns, time_unit : str, optional
+        As for `read`.
+    **parameters
+        Parameters of the method as of `GridClusterer`, `DensityClusterer` or `CentroidClusterer`,
+        and of `Tracker`, with the same defaults.
+
+    Returns
+    -------
+    list of ClusteredRecording
+        One per path, in their order. What goes wrong with a recording, be it that its worker
+        process dies, is told in its ``error``, and leaves the others alone.
+
+    Raises
+    ------
+    TypeError, ValueError
+        For unknown parameters and bad values, before any recording is opened.
+
+    Notes
+    -----
+    Ctrl-C ends the processes at once, and cancels what a Dask cluster has not yet begun.
+
+    Examples
+    --------
+    >>> import pathlib, tempfile
+    >>> import numpy as np
+    >>> import kelvora
+    >>> events, _ = kelvora.simulate(duration_us=100_000)
+    >>> path = pathlib.Path(tempfile.mkdtemp(), "events.csv")
+    >>> table = np.stack([events[name] for name in "txyp"], axis=1)
+    >>> np.savetxt(path, table, fmt="%d", header="t_us x y p")
+    >>> good, bad = kelvora.cluster_recordings([path, "missing.raw"], sensor=(640, 480))
+    >>> good.windows, int(good.rows["timestamp"].max())
+    (10, 100000)
+    >>> print(bad.error.problem)
+    cannot be opened (No such file or directory)
+    """
+    options = _options(
+        method=method,
+        window_us=window_us,
+        from_us=from_us,
+        to_us=to_us,
+        polarity=polarity,
+        tracking=tracking,
+        sensor=sensor,
+        input_format=input_format,
+        columns=columns,
+        time_unit=time_unit,
+        **parameters,
+    )
+    if isinstance(paths, (str, bytes)):
+        raise TypeError("paths must be several paths: give [path] for a single one")
+    names = [os.fsdecode(path) for path in paths]
+    if client is not None:
+        if workers is not None:
+            raise TypeError("workers must not be given with a client, which has its own")
+        return _on_dask(client, names, options)
+    if workers is None:
+        workers = len(os.sched_getaffinity(0))
+    if workers < 1:
+        raise ValueError("workers must be at least 1")
+    return WorkerPool(workers).map(names, options)
+
+
+def _options(**keywords: object) -> dict[str, str]:
+    """Options of the command-line tool, as it reads them: so it checks them, too."""
+    options = {}
+    for keyword, value in keywords.items():
+        if value is None or (keyword in _FLAGS and not value):
+            continue
+        name, text = _option(keyword, value)
+        options[name] = text
+    try:
+        check_clustering(options)
+    except (TypeError, ValueError) as error:
+        raise type(error)(in_python(str(error))) from None
+    return options
+
+
+def _option(keyword: str, value: Any) -> tuple[str, str]:
+    if keyword in _TOOL_NAMES.values() or keyword + "_us" in _DURATIONS:
+        raise TypeError(f"no option is called {keyword}")
+    name = _TOOL_NAMES.get(keyword, keyword.replace("_", "-"))
+    if keyword in _FLAGS:
+        return name, "true"
+    if keyword in _DURATIONS:
+        duration = operator.index(value)
+        if not 0 <= duration <= _LONGEST_DURATION:
+            raise ValueError(f"{keyword} must be from 0 to {_LONGEST_DURATION}")
+        return name.removesuffix("-us"), f"{duration}us"
+    if keyword == "sensor":
+        width, height = value
+        return name, f"{operator.index(width)}x{operator.index(height)}"
+    return name, str(value)
+
+
+def _on_dask(client: Any, paths: list[str], options: dict[str, str]) -> list[ClusteredRecording]:
+    if client.asynchronous:
+        raise TypeError("client must not be asynchronous")
+    futures = [_submit(client, path, options) for path in paths]
+    try:
+        found = [_result(future, path, options) for future, path in zip(futures, paths)]
+        # A worker that dies takes along what else it had: that gets a second chance, all alone.
+        for i, (path, future) in enumerate(zip(paths, futures)):
+            if future.status == "error":
+                futures[i] = _submit(client, path, options)
+                found[i] = _result(futures[i], path, options)
+        return found
+    except BaseException:
+        client.cancel(futures)
+        raise
+
+
+def _submit(client: Any, path: str, options: dict[str, str]) -> Any:
+    return client.submit(cluster, path, options, pure=False)
+
+
+def _result(future: Any, path: str, options: dict[str, str]) -> ClusteredRecording:
+    try:
+        found: ClusteredRecording = future.result()
+        return found
+    except Exception as error:
+        problem = f"could not be clustered ({type(error).__name__}: {error})"
+        return failed(path, options, problem, "see the log of the worker")

@@ -1,0 +1,87 @@
+# SPDX-License-Identifier: MIT
+"""Reading recordings."""
+
+from __future__ import annotations
+
+import os
+from typing import Literal
+
+from kelvora._kelvora import RecordingReader, open_recording
+
+Format = Literal["records", "text", "evt2", "evt3"]
+TimeUnit = Literal["s", "ms", "us", "ns"]
+
+
+def read(
+    path: str | bytes | os.PathLike[str] | os.PathLike[bytes],
+    *,
+    sensor: tuple[int, int] | None = None,
+    input_format: Format | None = None,
+    columns: str | None = None,
+    time_unit: TimeUnit | None = None,
+    chunk_events: int = 262_144,
+    clean: bool = True,
+) -> RecordingReader:
+    """
+    Read a recording, chunk by chunk.
+
+    Memory does not grow with the length of the recording.
+
+    Parameters
+    ----------
+    path : path_like
+        A file of any format, which is recognised by its content, or a pipe.
+    sensor : tuple of int, optional
+        Width and height in pixels, if the recording does not state them.
+    input_format : {'records', 'text', 'evt2', 'evt3'}, optional
+        Format of the recording, if its content does not tell.
+    columns : str, optional
+        Order of the columns of a text recording, such as 'xypt'. As its header line says by
+        default, or 'txyp'.
+    time_unit : {'s', 'ms', 'us', 'ns'}, optional
+        Unit of the times of a text recording. Seconds by default if they have a decimal point,
+        else microseconds.
+    chunk_events : int
+        Events per chunk; the last one has fewer. From a pipe, a chunk is what has arrived.
+    clean : bool
+        Leave out events off the sensor, and put right times that go back or that lie far ahead
+        of their neighbours. The reader counts both. Otherwise events are as recorded.
+
+    Returns
+    -------
+    RecordingReader
+        Iterator over the chunks: arrays of the type `EVENT_DTYPE` with the fields ``x`` and
+        ``y``, pixels; ``p``, 0 or 1; and ``t``, microseconds. Its attributes are ``format``;
+        ``sensor``, None if not known; and, of the chunks so far, ``dropped``, ``clamped`` and
+        ``skipped_words``.
+
+    Raises
+    ------
+    RecordingError
+        If the recording cannot be opened. If it breaks off, the iterator raises after it has
+        given all events before the defect.
+    TypeError, ValueError
+        For arguments of a wrong type or value.
+
+    Examples
+    --------
+    >>> import pathlib, tempfile
+    >>> import kelvora
+    >>> path = pathlib.Path(tempfile.mkdtemp(), "events.csv")
+    >>> _ = path.write_text("x,y,p,t_us\\n7,5,1,1250010\\n8,5,0,1250020\\n900,5,0,1250030\\n")
+    >>> reader = kelvora.read(path, sensor=(640, 480))
+    >>> for events in reader:
+    ...     events["t"].tolist()
+    [1250010, 1250020]
+    >>> reader.format, reader.dropped
+    ('text', 1)
+    """
+    return open_recording(
+        path,
+        sensor=sensor,
+        input_format=input_format,
+        columns=columns,
+        time_unit=time_unit,
+        chunk_events=chunk_events,
+        clean=clean,
+    )

@@ -1,0 +1,112 @@
+# SPDX-License-Identifier: MIT
+"""What a worker does, in whatever process: it clusters one recording."""
+
+from __future__ import annotations
+
+import dataclasses
+import multiprocessing.connection
+
+import numpy as np
+from numpy.typing import NDArray
+
+from kelvora._errors import RecordingError
+from kelvora._kelvora import cluster_recording
+
+
+@dataclasses.dataclass
+class ClusteredRecording:
+    """
+    What was found in one recording.
+
+    Attributes
+    ----------
+    path : str
+        The recording, as it was given.
+    rows : numpy.ndarray
+        A row for each cluster: ``timestamp``, the end of its window; ``x``, ``y``, ``width`` and
+        ``height`` of the box around it, pixels; ``start_time`` and ``duration``, -1 and 0 unless
+        clusters are found in space and time. Times are microseconds.
+
+        With tracking, ``track_id`` (0 for none), ``vx`` and ``vy`` in pixels per second, and
+        ``state``: 'confirmed', 'tentative', 'hidden' or 'none'. Hidden objects have rows of
+        their own, with the predicted box, after those of the clusters of their window.
+    error : RecordingError or None
+        Why the recording was not clustered, or not to its end. The rows are those before.
+    windows : int
+        Number of windows that hold events.
+    dropped, clamped, skipped_words : int
+        Events off the sensor, times that were put right, and words of no known type.
+    remark : str
+        What else there is to know, or nothing.
+    """
+
+    path: str
+    rows: NDArray[np.void]
+    error: RecordingError | None
+    windows: int
+    dropped: int
+    clamped: int
+    skipped_words: int
+    remark: str
+
+
+ROW_FIELDS = [
+    ("timestamp", "i8"),
+    ("x", "f4"),
+    ("y", "f4"),
+    ("width", "f4"),
+    ("height", "f4"),
+    ("start_time", "i8"),
+    ("duration", "i8"),
+]
+TRACK_FIELDS = [("track_id", "i8"), ("vx", "f4"), ("vy", "f4"), ("state", "U9")]
+
+
+def row_type(with_tracks: bool) -> np.dtype[np.void]:
+    """Type of the rows of a recording."""
+    return np.dtype(ROW_FIELDS + TRACK_FIELDS if with_tracks else ROW_FIELDS)
+
+
+def joined(rows: NDArray[np.void], tracks: NDArray[np.void] | None) -> NDArray[np.void]:
+    """Rows with the columns of their tracks."""
+    table = np.zeros(len(rows), row_type(tracks is not None))
+    for part in (rows,) if tracks is None else (rows, tracks):
+        for name in part.dtype.names or ():
+            table[name] = part[name]
+    return table
+
+
+def nothing_found(path: str, options: dict[str, str], error: RecordingError) -> ClusteredRecording:
+    """The result for a recording of which nothing is known but what went wrong."""
+    rows = np.zeros(0, row_type("track" in options))
+    return ClusteredRecording(
+        path, rows, error, windows=0, dropped=0, clamped=0, skipped_words=0, remark=""
+    )
+
+
+def failed(path: str, options: dict[str, str], problem: str, remedy: str) -> ClusteredRecording:
+    """The result for a recording that could not be clustered."""
+    return nothing_found(path, options, RecordingError(path, problem, "", remedy))
+
+
+def cluster(path: str, options: dict[str, str]) -> ClusteredRecording:
+    """Cluster one recording. What goes wrong is part of the result."""
+    try:
+        found = cluster_recording(path, options)
+    except RecordingError as error:
+        return nothing_found(path, options, error)
+    except Exception as error:  # Of which others than this recording should not suffer.
+        problem = f"could not be clustered ({type(error).__name__}: {error})"
+        return failed(path, options, problem, "change the options, or use fewer workers")
+    return ClusteredRecording(path, joined(found.pop("rows"), found.pop("tracks")), **found)
+
+
+def serve(file_descriptor: int) -> None:
+    """Cluster what comes through a connection, until it is closed."""
+    connection = multiprocessing.connection.Connection(file_descriptor)
+    while True:
+        try:
+            task = connection.recv()
+        except EOFError:
+            return
+        connection.send(cluster(*task))

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "errors.hpp"
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace kelvora::python {
+
+namespace py = pybind11;
+
+namespace {
+
+// Names of files need not be Unicode.
+py::object decoded(const std::string& text) {
+    return py::reinterpret_steal<py::object>(
+        PyUnicode_DecodeFSDefaultAndSize(text.data(), static_cast<py::ssize_t>(text.size())));
+}
+
+}  // namespace
+
+py::object toPython(const recording::RecordingError& error) {
+    const py::object type = py::module_::import("kelvora._errors").attr("RecordingError");
+    return type(decoded(error.file()), decoded(error.problem()), decoded(error.where()),
+                decoded(error.remedy()));
+}
+
+void translateRecordingErrors() {
+    py::register_exception_translator([](std::exception_ptr thrown) {
+        try {
+            std::rethrow_exception(std::move(thrown));
+        } catch (const recording::RecordingError& error) {
+            const py::object exception = toPython(error);
+            PyErr_SetObject(py::type::of(exception).ptr(), exception.ptr());
+        }
+    });
+}
+
+}  // namespace kelvora::python

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "event_columns.hpp"
+#include "event_loader.hpp"
+#include "kelvora/events.hpp"
+#include "recording/sensor_size.hpp"
+
+namespace kelvora::python {
+
+/// Which events are taken.
+enum class Polarity { All, On, Off };
+
+/// Makes the events of a caller fit for a generator, slice by slice: on the sensor, of the wanted
+/// polarity, and in order of time.
+///
+/// Times are counted from the first event of a slice, so that they stay exact as `float`. A time that
+/// goes back is raised to that of the event before.
+class EventIntake {
+public:
+    static constexpr std::uint64_t kNoLongestSlice = std::numeric_limits<std::uint64_t>::max();
+
+    /// \param longest_slice_  Largest difference between the times of a slice, microseconds.
+    EventIntake(recording::SensorSize sensor_, Polarity wanted_, std::uint64_t longest_slice_);
+
+    /// Hands events to `feed`, batch by batch.
+    ///
+    /// \param feed  Called with a pointer to events and their number.
+    /// \throws std::invalid_argument  if one of the events is refused, or the slice gets too long;
+    ///     then none is taken.
+    template <class Feed>
+    void take(const EventColumns& columns, const Feed& feed) {
+        check(columns);
+        EventLoader loader(columns, sensor);
+        for (std::size_t first = 0; first < columns.size; first += EventLoader::kBatch) {
+            const std::size_t count = std::min(EventLoader::kBatch, columns.size - first);
+            feed(batch.data(), clean(loader, first, count, state));
+        }
+    }
+
+    /// Ends a slice. Time still must not go back.
+    void endSlice() { state.origin.reset(); }
+
+    /// Forgets all events, and the counts of them.
+    void reset() { state = {}; }
+
+    /// What the times of the slice count from, if it has events.
+    std::optional<std::uint64_t> origin() const { return state.origin; }
+
+    /// Number of events off the sensor.
+    std::uint64_t dropped() const { return state.dropped; }
+
+    /// Number of events whose time was raised.
+    std::uint64_t clamped() const { return state.clamped; }
+
+private:
+    struct State {
+        std::optional<std::uint64_t> origin;
+        std::uint64_t last_time = 0;
+        std::uint64_t dropped = 0;
+        std::uint64_t clamped = 0;
+    };
+
+    void check(const EventColumns& columns);
+    std::size_t clean(EventLoader& loader, std::size_t first, std::size_t count, State& progress);
+
+    recording::SensorSize sensor;
+    Polarity wanted;
+    std::uint64_t longest_slice;
+    State state;
+    std::vector<Event2D> batch;
+};
+
+}  // namespace kelvora::python

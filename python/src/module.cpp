@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#include <pybind11/pybind11.h>
+
+#include "bindings.hpp"
+#include "cluster_rows.hpp"
+#include "event_records.hpp"
+#include "kelvora/version.hpp"
+
+// The macro makes the function that Python looks for.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
+PYBIND11_MODULE(_kelvora, module) {
+    // Docstrings state the signatures themselves, as users read them.
+    pybind11::options options;
+    options.disable_function_signatures();
+
+    module.attr("__version__") = KELVORA_VERSION;
+    module.attr("EVENT_DTYPE") = kelvora::python::eventDtype();
+    kelvora::python::registerClusterRow();
+    kelvora::python::bindGridClusterer(module);
+    kelvora::python::bindDensityClusterer(module);
+    kelvora::python::bindCentroidClusterer(module);
+    kelvora::python::bindPointClustering(module);
+    kelvora::python::bindTracker(module);
+    kelvora::python::bindRecordings(module);
+    kelvora::python::bindSimulation(module);
+    kelvora::python::bindClustering(module);
+}

@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+#include <pybind11/stl/filesystem.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "bindings.hpp"
+#include "clusterer.hpp"
+#include "errors.hpp"
+#include "event_records.hpp"
+#include "recording/event_cleaner.hpp"
+#include "recording/event_reader.hpp"
+#include "recording/recording_error.hpp"
+
+namespace kelvora::python {
+
+namespace py = pybind11;
+
+namespace {
+
+using Size = std::pair<std::int64_t, std::int64_t>;
+
+constexpr const char* kDoc =
+    R"(The events of a recording, chunk by chunk: what `read` returns.
+
+Several threads may iterate over one object: each chunk goes to one of them. The GIL is released
+while events are read.
+)";
+
+/// Reads a recording in chunks of equal size. As with `Clusterer`, the GIL must not be held.
+class RecordingReader {
+public:
+    /// \param is_cleaned  Whether events are put right, as `EventCleaner` does.
+    RecordingReader(const std::filesystem::path& path, const recording::ReadOptions& options,
+                    std::size_t chunk_size_, bool is_cleaned)
+        : reader(recording::openRecording(path, options)), chunk_size(chunk_size_) {
+        if (is_cleaned) {
+            constexpr int kAnySide = recording::kLargestSensorSide;
+            cleaner.emplace(
+                reader->sensorSize().value_or(recording::SensorSize{kAnySide, kAnySide}));
+        }
+    }
+
+    /// The next events; none at the end.
+    ///
+    /// \throws RecordingError  at a defect, once all events before it were given.
+    std::vector<Event2D> next() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (pending.size() - taken < chunk_size) {
+            fill();
+        }
+        const std::size_t count = std::min(chunk_size, pending.size() - taken);
+        const auto first = pending.begin() + static_cast<std::ptrdiff_t>(taken);
+        taken += count;
+        return {first, first + static_cast<std::ptrdiff_t>(count)};
+    }
+
+    recording::Format format() const { return reader->format(); }
+    std::optional<recording::SensorSize> sensorSize() const { return reader->sensorSize(); }
+
+    std::uint64_t dropped() const {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return cleaner ? cleaner->droppedOffSensor() : 0;
+    }
+
+    std::uint64_t clamped() const {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return cleaner ? cleaner->clampedTimes() : 0;
+    }
+
+    std::uint64_t skippedWords() const {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return reader->skippedWords();
+    }
+
+private:
+    void fill() {
+        std::vector<Event2D> rest(pending.begin() + static_cast<std::ptrdiff_t>(taken),
+                                  pending.end());
+        pending.swap(rest);
+        taken = 0;
+        // What comes from a pipe is given as it arrives.
+        const bool is_pipe = reader->fileSize() == 0;
+        while (pending.size() < chunk_size && !(is_pipe && !pending.empty()) && append()) {
+        }
+    }
+
+    bool append() {
+        try {
+            if (!reader->read(events)) {
+                return false;
+            }
+        } catch (const recording::RecordingError&) {
+            // The events before the defect come first, the error with the next call.
+            if (pending.empty()) {
+                throw;
+            }
+            return false;
+        }
+        if (cleaner) {
+            cleaner->clean(events);
+        }
+        pending.insert(pending.end(), events.begin(), events.end());
+        return true;
+    }
+
+    mutable std::mutex mutex;
+    std::unique_ptr<recording::EventReader> reader;
+    std::optional<recording::EventCleaner> cleaner;
+    std::size_t chunk_size;
+    std::vector<Event2D> events;
+    std::vector<Event2D> pending;
+    std::size_t taken = 0;  ///< Number of events in front of `pending` that have been given.
+};
+
+template <typename Value>
+Value parsed(const std::optional<Value>& value, const char* message) {
+    require(value.has_value(), message);
+    return *value;
+}
+
+recording::ReadOptions toReadOptions(const std::optional<Size>& sensor,
+                                     const std::optional<std::string>& input_format,
+                                     const std::optional<std::string>& columns,
+                                     const std::optional<std::string>& time_unit) {
+    recording::ReadOptions options;
+    if (sensor) {
+        options.sensor_size = toSensorSize(sensor->first, sensor->second);
+    }
+    if (input_format) {
+        options.format = parsed(recording::formatFromString(*input_format),
+                                "input_format must be 'records', 'text', 'evt2' or 'evt3'");
+    }
+    if (columns) {
+        options.text.columns = parsed(recording::textColumnsFromString(*columns),
+                                      "columns must be an order of t, x, y and p such as 'xypt'");
+    }
+    if (time_unit) {
+        options.text.time_unit = parsed(recording::timeUnitFromString(*time_unit),
+                                        "time_unit must be 's', 'ms', 'us' or 'ns'");
+    }
+    return options;
+}
+
+std::unique_ptr<RecordingReader> openReader(const std::filesystem::path& path,
+                                            const std::optional<Size>& sensor,
+                                            const std::optional<std::string>& input_format,
+                                            const std::optional<std::string>& columns,
+                                            const std::optional<std::string>& time_unit,
+                                            std::int64_t chunk_events, bool clean) {
+    require(chunk_events >= 1, "chunk_events must be at least 1");
+    const auto options = toReadOptions(sensor, input_format, columns, time_unit);
+    const py::gil_scoped_release release;
+    return std::make_unique<RecordingReader>(path, options, static_cast<std::size_t>(chunk_events),
+                                             clean);
+}
+
+py::array next(RecordingReader& self) {
+    std::vector<Event2D> events;
+    {
+        const py::gil_scoped_release release;
+        events = self.next();
+    }
+    if (events.empty()) {
+        throw py::stop_iteration();
+    }
+    return toArray(events);
+}
+
+std::optional<Size> sensorOf(const RecordingReader& self) {
+    const auto size = self.sensorSize();
+    return size ? std::optional<Size>({size->width, size->height}) : std::nullopt;
+}
+
+}  // namespace
+
+void bindRecordings(py::module_& module) {
+    translateRecordingErrors();
+    py::class_<RecordingReader> type(module, "RecordingReader", kDoc);
+    type.def("__iter__", [](const py::object& self) { return self; });
+    type.def("__next__", &next);
+    type.def_property_readonly(
+        "format", [](const RecordingReader& self) { return recording::toString(self.format()); },
+        "'records', 'text', 'evt2' or 'evt3'.");
+    type.def_property_readonly("sensor", &sensorOf,
+                               "Width and height in pixels, None if they are not known.");
+    const auto count = [&](const char* name, auto member, const char* doc) {
+        type.def_property_readonly(
+            name,
+            py::cpp_function([member](const RecordingReader& self) { return (self.*member)(); },
+                             py::call_guard<py::gil_scoped_release>()),
+            doc);
+    };
+    count("dropped", &RecordingReader::dropped,
+          "Number of events so far that were left out since they were off the sensor.");
+    count("clamped", &RecordingReader::clamped,
+          "Number of events so far whose time was put right.");
+    count("skipped_words", &RecordingReader::skippedWords,
+          "Number of words of EVT2 and EVT3 recordings so far that are of no known type.");
+    module.def("open_recording", &openReader, py::arg("path"), py::kw_only(), py::arg("sensor"),
+               py::arg("input_format"), py::arg("columns"), py::arg("time_unit"),
+               py::arg("chunk_events"), py::arg("clean"),
+               "open_recording(path, *, sensor, input_format, columns, time_unit, chunk_events, "
+               "clean)\n\nSee `kelvora.read`.");
+}
+
+}  // namespace kelvora::python

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "bindings.hpp"
+#include "cluster_rows.hpp"
+#include "kelvora/cluster_tracker.hpp"
+
+namespace kelvora::python {
+
+namespace py = pybind11;
+
+namespace {
+
+constexpr const char* kDoc =
+    R"(Tracker(*, max_distance=20.0, max_size_change=15.0, max_missed=10, min_hits=3)
+
+Follow objects from window to window, and give each a number.
+
+Nothing is random: the same clusters give the same tracks.
+
+Parameters
+----------
+max_distance : float
+    Largest distance of a cluster from where its track expects it, pixels.
+max_size_change : float
+    Largest difference of a cluster from the usual width and height of its track, pixels.
+max_missed : int
+    Windows that a track survives unseen.
+min_hits : int
+    Windows with a cluster that confirm a track.
+
+Examples
+--------
+>>> import numpy as np
+>>> import kelvora
+>>> fields = [('timestamp', 'i8'), ('x', 'f4'), ('y', 'f4'), ('width', 'f4'), ('height', 'f4')]
+>>> tracker = kelvora.Tracker(min_hits=2)
+>>> for i in range(3):
+...     tracker.update(np.array([(i * 10_000, 100 + 2 * i, 50, 20, 20)], fields)).tolist()
+[1]
+[1]
+[1]
+>>> tracker.tracks()[['id', 'x', 'confirmed', 'hits']].tolist()
+[(1, 104.0, True, 3)]
+)";
+
+constexpr const char* kUpdateDoc =
+    R"(update(clusters)
+
+Take the clusters of the next window.
+
+Parameters
+----------
+clusters : numpy.ndarray
+    What a `generate` returned, all with the timestamp of the window, which must not be lower than
+    before. Needs the fields ``timestamp``, ``x``, ``y``, ``width`` and ``height``. Empty if no
+    object was seen.
+
+Returns
+-------
+numpy.ndarray
+    For each cluster the number of its track, ``int64``; 0 for none.
+
+Raises
+------
+TypeError, ValueError
+    If fields are missing, or for a timestamp lower than before. Nothing changes.
+)";
+
+constexpr const char* kTracksDoc =
+    R"(tracks()
+
+The tracks after the last `update`, by ascending number.
+
+Returns
+-------
+numpy.ndarray
+    A row for each track: ``id``, from 1 on and never used again; ``timestamp``, ``x``, ``y``,
+    ``width`` and ``height`` of its cluster or, where it has none, of the box predicted for it;
+    ``vx`` and ``vy``, pixels per second; ``cluster``, the row of the last update, -1 for none;
+    ``hits`` and ``missed``, updates with a cluster and, since then, without one; ``confirmed``;
+    and ``hidden``, if the predicted box lies within a cluster that is not its own.
+)";
+
+constexpr const char* kResetDoc =
+    R"(reset()
+
+End all tracks. Numbers are not used again, and time must not go back.
+)";
+
+/// One track, as `tracks` returns it.
+struct TrackRow {
+    std::int64_t id;
+    std::int64_t timestamp;
+    float x;
+    float y;
+    float width;
+    float height;
+    float vx;
+    float vy;
+    std::int64_t cluster;
+    std::int64_t hits;
+    std::int64_t missed;
+    bool confirmed;
+    bool hidden;
+};
+
+TrackRow toRow(const ClusterTracker::Track& track) {
+    return {track.id,        static_cast<std::int64_t>(track.box.timestamp),
+            track.box.x,     track.box.y,
+            track.box.width, track.box.height,
+            track.vx,        track.vy,
+            track.cluster,   track.hits,
+            track.missed,    track.state == ClusterTracker::State::Confirmed,
+            track.is_hidden};
+}
+
+/// A tracker that serves several threads, one at a time. As with `Clusterer`, the GIL must not be
+/// held.
+class Tracker {
+public:
+    Tracker(float max_distance, float max_size_change, int max_missed, int min_hits)
+        : tracker(max_distance, max_size_change, max_missed, min_hits) {}
+
+    std::vector<int> update(const std::vector<ClusterGeometry>& clusters) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return tracker.update(clusters);
+    }
+
+    std::vector<ClusterTracker::Track> tracks() const {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return tracker.getTracks();
+    }
+
+    void reset() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        tracker.reset();
+    }
+
+private:
+    mutable std::mutex mutex;
+    ClusterTracker tracker;
+};
+
+py::array_t<std::int64_t> update(Tracker& self, const py::object& rows) {
+    const std::vector<ClusterGeometry> clusters = toClusters(rows);
+    std::vector<int> ids;
+    {
+        const py::gil_scoped_release release;
+        ids = self.update(clusters);
+    }
+    py::array_t<std::int64_t> array(static_cast<py::ssize_t>(ids.size()));
+    std::copy(ids.begin(), ids.end(), array.mutable_data());
+    return array;
+}
+
+py::array tracks(const Tracker& self) {
+    std::vector<ClusterTracker::Track> found;
+    {
+        const py::gil_scoped_release release;
+        found = self.tracks();
+    }
+    py::array_t<TrackRow> array(static_cast<py::ssize_t>(found.size()));
+    std::transform(found.begin(), found.end(), array.mutable_data(), toRow);
+    return array;
+}
+
+}  // namespace
+
+void bindTracker(py::module_& module) {
+    PYBIND11_NUMPY_DTYPE(TrackRow, id, timestamp, x, y, width, height, vx, vy, cluster, hits,
+                         missed, confirmed, hidden);
+    py::class_<Tracker> type(module, "Tracker", kDoc);
+    type.def(py::init<float, float, int, int>(), py::kw_only(),
+             py::arg("max_distance") = ClusterTracker::kDefaultMaxDistance,
+             py::arg("max_size_change") = ClusterTracker::kDefaultMaxSizeChange,
+             py::arg("max_missed") = ClusterTracker::kDefaultMaxMissed,
+             py::arg("min_hits") = ClusterTracker::kDefaultMinHits);
+    type.def("update", &update, py::arg("clusters"), kUpdateDoc);
+    type.def("tracks", &tracks, kTracksDoc);
+    type.def("reset", &Tracker::reset, py::call_guard<py::gil_scoped_release>(), kResetDoc);
+}
+
+}  // namespace kelvora::python

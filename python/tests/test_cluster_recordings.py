@@ -1,0 +1,297 @@
+# SPDX-License-Identifier: MIT
+"""Clustering many recordings."""
+
+import contextlib
+import csv
+import io
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+import numpy as np
+import pytest
+
+import kelvora
+from recordings import DATA, damaged_copy, needs_data, run_tool, simulate, write_records
+
+SENSOR = (320, 240)
+
+
+@pytest.fixture(scope="module")
+def scenes(tmp_path_factory):
+    directory = tmp_path_factory.mktemp("scenes")
+    names = ["a.raw", "b.bin", "c.evt2.raw", "d.csv", "e.raw"]
+    return [simulate(directory / name, seed=seed) for seed, name in enumerate(names)]
+
+
+@pytest.fixture(scope="module")
+def dask_client():
+    distributed = pytest.importorskip("distributed")
+    dask = pytest.importorskip("dask")
+    # A task is not given to a second worker once the first has died.
+    with dask.config.set({"distributed.scheduler.allowed-failures": 0}):
+        cluster = distributed.LocalCluster(n_workers=2, processes=True, dashboard_address=None)
+    with cluster, distributed.Client(cluster) as client:
+        yield client
+
+
+def assert_same(left, right):
+    assert [found.path for found in left] == [found.path for found in right]
+    for one, other in zip(left, right):
+        assert one.rows.dtype == other.rows.dtype
+        assert one.rows.tobytes() == other.rows.tobytes()
+        assert str(one.error) == str(other.error)
+        counts = ("windows", "dropped", "clamped", "skipped_words", "remark")
+        assert [getattr(one, name) for name in counts] == [getattr(other, name) for name in counts]
+
+
+def opened_by(path):
+    """The process, other than this one, that has opened a file."""
+    for link in pathlib.Path("/proc").glob("[0-9]*/fd/*"):
+        with contextlib.suppress(OSError):
+            if os.readlink(link) == str(path) and int(link.parts[2]) != os.getpid():
+                return int(link.parts[2])
+    return None
+
+
+def wait_until_opened(pipe):
+    """Opens a pipe for writing as soon as a process reads it."""
+    while True:
+        try:
+            return os.open(pipe, os.O_WRONLY | os.O_NONBLOCK)
+        except OSError:
+            time.sleep(0.01)
+
+
+@contextlib.contextmanager
+def killed_readers(pipe):
+    """Kills every process that reads a pipe. Gives the list of those that were."""
+    os.mkfifo(pipe)
+    writer = os.open(pipe, os.O_RDWR)
+    is_over = threading.Event()
+    killed = []
+
+    def kill():
+        while not is_over.wait(0.02):
+            process = opened_by(pipe)
+            if process is not None and process not in killed:
+                killed.append(process)
+                os.kill(process, signal.SIGKILL)
+
+    thread = threading.Thread(target=kill)
+    thread.start()
+    try:
+        yield killed
+    finally:
+        is_over.set()
+        thread.join()
+        os.close(writer)
+
+
+OPTIONS = [
+    ({}, []),
+    (
+        {"window_us": 4000, "polarity": "on", "cell_width": 8},
+        ["--window", "4ms", "--polarity", "on", "--cell-width", "8"],
+    ),
+    (
+        {"count_every_event": True, "polarity": "separate"},
+        ["--count-every-event", "--polarity", "separate"],
+    ),
+    (
+        {"tracking": True, "min_hits": 2, "max_distance": 12.5},
+        ["--track", "--min-hits", "2", "--max-distance", "12.5"],
+    ),
+    (
+        {"method": "density", "eps": 7.5, "from_us": 20_000},
+        ["--method", "density", "--eps", "7.5", "--from", "20ms"],
+    ),
+    (
+        {"method": "density", "dim": 3, "jobs": 2, "tracking": True, "to_us": 100_000},
+        ["--method", "density", "--dim", "3", "--jobs", "2", "--track", "--to", "100ms"],
+    ),
+]
+
+
+@pytest.mark.parametrize("options, arguments", OPTIONS)
+def test_rows_are_those_of_the_tool(scenes, options, arguments):
+    (found,) = kelvora.cluster_recordings(scenes[:1], **options)
+    table = list(csv.DictReader(io.StringIO(run_tool("cluster", scenes[0], "-q", *arguments))))
+    assert found.error is None
+    assert len(found.rows) == len(table) > 0
+    columns = {
+        "timestamp": "timestamp_us",
+        "start_time": "start_time_us",
+        "duration": "duration_us",
+    }
+    for name in found.rows.dtype.names:
+        column = [row[columns.get(name, name)] for row in table]
+        if name in ("vx", "vy"):
+            assert [f"{value:.1f}" for value in found.rows[name]] == column
+        else:
+            assert np.array_equal(found.rows[name], np.array(column, found.rows.dtype[name]))
+
+
+@pytest.mark.parametrize(
+    "options", [{}, {"method": "density", "dim": 3, "jobs": 2, "tracking": True}]
+)
+def test_rows_are_the_same_for_any_number_of_workers(scenes, options):
+    one, two, eight = (
+        kelvora.cluster_recordings(scenes, workers=n, sensor=SENSOR, **options) for n in (1, 2, 8)
+    )
+    assert all(len(found.rows) > 0 and found.error is None for found in one)
+    assert_same(two, one)
+    assert_same(eight, one)
+
+
+def test_centroid_method_divides_every_window(scenes):
+    (found,) = kelvora.cluster_recordings(scenes[:1], method="centroid", k=5)
+    assert found.windows == 20
+    assert len(found.rows) == 20 * 5
+
+
+def test_failures_leave_the_others_alone(scenes, tmp_path):
+    damaged = damaged_copy(scenes[1], tmp_path / "damaged.bin")
+    paths = [scenes[0], tmp_path / "missing.raw", damaged, scenes[1]]
+    first, missing, cut, last = kelvora.cluster_recordings(
+        paths, sensor=SENSOR, tracking=True, workers=2
+    )
+    assert first.error is None and last.error is None
+    assert missing.path == str(paths[1])
+    assert isinstance(missing.error, kelvora.RecordingError)
+    assert len(missing.rows) == 0 and missing.rows.dtype == first.rows.dtype
+    assert cut.error.file == str(damaged)
+    # The event that is cut off belongs to the last window.
+    whole = last.rows["timestamp"] < last.rows["timestamp"].max()
+    assert np.array_equal(cut.rows[: np.count_nonzero(whole)], last.rows[whole])
+
+
+def test_counts_tell_what_was_put_right(tmp_path):
+    events = [(1000, 7, 5, 1), (900, 7, 5, 0), (1001, 320, 5, 1)]
+    (found,) = kelvora.cluster_recordings(
+        [write_records(tmp_path / "a.bin", events)], sensor=SENSOR
+    )
+    assert (found.windows, found.dropped, found.clamped, found.skipped_words) == (1, 1, 1, 0)
+
+
+def test_unknown_sensor_is_told_with_its_remedy(scenes):
+    (found,) = kelvora.cluster_recordings([scenes[1]])
+    assert "sensor=(WIDTH, HEIGHT)" in str(found.error)
+
+
+def test_no_recordings_give_no_results():
+    assert kelvora.cluster_recordings([]) == []
+
+
+@pytest.mark.parametrize(
+    "error, text, options",
+    [
+        (TypeError, "cell_with", {"cell_with": 5}),
+        (TypeError, "help", {"help": True}),
+        (TypeError, "window", {"window": "10ms"}),
+        (TypeError, "clusters", {"method": "centroid", "clusters": 3}),
+        (ValueError, "method", {"method": "optics"}),
+        (ValueError, "cell_width: ", {"cell_width": 0}),
+        (ValueError, "eps: ", {"method": "density", "eps": -1.0}),
+        (ValueError, "k: is required", {"method": "centroid"}),
+        (ValueError, "window_us: ", {"window_us": 0}),
+        (ValueError, "window", {"window_us": -1}),
+        (ValueError, "to_us: must be later than from_us", {"from_us": 5, "to_us": 5}),
+        (ValueError, "workers", {"workers": 0}),
+        (TypeError, "", {"window_us": 10.5}),
+        (TypeError, "", {"sensor": 640}),
+    ],
+)
+def test_bad_options_are_refused_before_any_work(error, text, options):
+    with pytest.raises(error, match=text):
+        kelvora.cluster_recordings(["missing.raw"], **options)
+
+
+def test_a_single_path_is_no_list_of_paths():
+    with pytest.raises(TypeError, match="paths"):
+        kelvora.cluster_recordings("abc.raw")
+
+
+def test_worker_that_dies_fails_its_recording_alone(scenes, tmp_path):
+    pipe = tmp_path / "pipe"
+    paths = [scenes[0], pipe, *scenes[1:]]
+    with killed_readers(pipe) as killed:
+        found = kelvora.cluster_recordings(paths, sensor=SENSOR, workers=2)
+    assert len(killed) == 1
+    assert "signal 9" in str(found[1].error)
+    assert str(pipe) in str(found[1].error)
+    del found[1]
+    assert_same(found, kelvora.cluster_recordings(scenes, sensor=SENSOR, workers=1))
+
+
+@pytest.mark.parametrize("from_standard_input", [True, False])
+def test_ctrl_c_ends_all_processes(tmp_path, from_standard_input):
+    pipe = tmp_path / "pipe"
+    os.mkfifo(pipe)
+    # Without the guard that modules of multiprocessing ask for.
+    program = f"import kelvora\nkelvora.cluster_recordings([{str(pipe)!r}], sensor=(9, 9))\n"
+    script = tmp_path / "program.py"
+    script.write_text(program)
+    arguments = [sys.executable, "-"] if from_standard_input else [sys.executable, str(script)]
+    with subprocess.Popen(
+        arguments, stdin=subprocess.PIPE, stderr=subprocess.PIPE, text=True
+    ) as process:
+        if from_standard_input:
+            process.stdin.write(program)
+        process.stdin.close()
+        writer = wait_until_opened(pipe)
+        worker = opened_by(pipe)
+        assert worker not in (None, process.pid)
+        process.send_signal(signal.SIGINT)
+        assert "KeyboardInterrupt" in process.stderr.read()
+    assert not pathlib.Path(f"/proc/{worker}").exists()
+    os.close(writer)
+
+
+def test_dask_gives_the_same(scenes, tmp_path, dask_client):
+    paths = [*scenes, damaged_copy(scenes[0], tmp_path / "damaged.raw"), tmp_path / "missing.raw"]
+    options = {"sensor": SENSOR, "tracking": True}
+    assert_same(
+        kelvora.cluster_recordings(paths, dask_client, **options),
+        kelvora.cluster_recordings(paths, workers=1, **options),
+    )
+
+
+def test_dask_worker_that_dies_fails_its_recording_alone(scenes, tmp_path, dask_client):
+    pipe = tmp_path / "pipe"
+    with killed_readers(pipe) as killed:
+        found = kelvora.cluster_recordings(
+            [scenes[0], pipe, *scenes[1:]], dask_client, sensor=SENSOR
+        )
+    assert killed
+    assert "KilledWorker" in str(found[1].error)
+    del found[1]
+    assert_same(found, kelvora.cluster_recordings(scenes, sensor=SENSOR, workers=1))
+
+
+def test_dask_has_workers_of_its_own(dask_client):
+    with pytest.raises(TypeError, match="workers"):
+        kelvora.cluster_recordings([], dask_client, workers=2)
+
+
+@needs_data
+def test_dask_gives_the_rows_of_a_single_process_for_real_recordings(tmp_path, dask_client):
+    recordings = sorted(DATA.glob("*.events.bin"))
+    assert recordings
+    corrupt = damaged_copy(recordings[0], tmp_path / "corrupt.bin")
+    paths = [*recordings, corrupt]
+    end = None if os.environ.get("KELVORA_LONG_TESTS") == "1" else 50_000
+    for options in (
+        {"method": "grid", "tracking": True},
+        {"method": "density", "window_us": 5000, "capacity": 5000},
+    ):
+        options |= {"sensor": (1280, 720), "to_us": end}
+        found = kelvora.cluster_recordings(paths, dask_client, **options)
+        assert_same(found, kelvora.cluster_recordings(paths, workers=1, **options))
+        assert all(one.error is None and one.windows > 0 for one in found[:-1])
+        if end is None:
+            assert found[-1].error is not None
