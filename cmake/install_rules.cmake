@@ -26,6 +26,27 @@ install(FILES
     DESTINATION "${package_dir}"
     COMPONENT kelvora_development)
 
+# For programs that are not built by CMake. OpenCV's directories are written out: Debian ships OpenCV's own .pc file only
+# in libopencv-dev, and it links every module. They are system directories, as in CMake, since OpenCV's headers do not
+# compile without warnings in C++20.
+file(RELATIVE_PATH KELVORA_INCLUDE_FROM_PC
+    "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+set(KELVORA_OPENCV_CORE OpenCVModules::core)
+if(TARGET opencv_core)
+    set(KELVORA_OPENCV_CORE opencv_core)
+endif()
+configure_file(cmake/kelvora.pc.in "${PROJECT_BINARY_DIR}/kelvora.pc.in" @ONLY)
+set(pc_file "${PROJECT_BINARY_DIR}/pkgconfig/$<CONFIG>/kelvora.pc")
+file(GENERATE OUTPUT "${pc_file}" INPUT "${PROJECT_BINARY_DIR}/kelvora.pc.in")
+install(FILES "${pc_file}"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+    COMPONENT kelvora_development)
+
 if(KELVORA_BUILD_TOOLS)
+    # The linker finds the library in the system's directories by itself; elsewhere the tool says where it lies.
+    if(NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
+        file(RELATIVE_PATH lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+        set_target_properties(kelvora_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
+    endif()
     install(TARGETS kelvora_tool RUNTIME COMPONENT kelvora_tool)
 endif()

@@ -18,4 +18,5 @@ int main() {
     for (const auto& c : clusters) {
         std::printf("%g x %g pixels at (%g, %g)\n", c.width, c.height, c.x, c.y);
     }
+    return clusters.size() == 1 ? 0 : 1;
 }

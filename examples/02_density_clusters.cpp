@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Clusters in space and time: one call per slice of 10 ms, times counted from the slice's start.
+// Clusters in space and time, and their points: one call per slice of 10 ms, times counted from the
+// slice's start.
+#include <cstddef>
 #include <iostream>
 #include <kelvora/kelvora.hpp>
 #include <vector>
@@ -23,6 +25,7 @@ int main() {
     kelvora::DensityBasedClusterGenerator<3, float> generator(640, 480, 1.0F, 1.0F, 0.001F,
                                                               kelvora::POLARITY_FREE, 5.0, 10, 1);
     std::vector<kelvora::ClusterGeometry> clusters;
+    std::vector<std::vector<kelvora::KDPoint<3, float>>> points;  // of all slices' clusters
     const unsigned long long first = 1'700'000'000'000'000;
     for (auto start = first; start < first + 3 * kSlice; start += kSlice) {
         for (const kelvora::Event2D& event : eventsOfSlice(start)) {
@@ -31,10 +34,15 @@ int main() {
             generator.processEvent(&relative);
         }
         generator.generateClusters(start + kSlice, clusters);
+        generator.getClusterPoints(points, true);  // appends; in pixels and microseconds
         for (const auto& c : clusters) {
             std::cout << c.width << " x " << c.height << " pixels at (" << c.x << ", " << c.y
                       << "), from " << start + static_cast<unsigned>(c.start_time) << " us, for "
                       << c.duration << " us\n";
         }
     }
+    const auto& last = points.back().back().coordinates;
+    std::cout << points.back().size() << " points in the last cluster, one of them at (" << last[0]
+              << ", " << last[1] << ") after " << last[2] << " us\n";
+    return points.size() == 3 && points.back().size() == 400 ? 0 : 1;
 }

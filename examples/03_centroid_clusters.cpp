@@ -38,4 +38,5 @@ int main() {
                   << centroids[i].coordinates[1] << "), in a box of " << clusters[i].width << " x "
                   << clusters[i].height << " pixels\n";
     }
+    return sizes == std::vector<unsigned long long>{400, 400, 400} ? 0 : 1;
 }

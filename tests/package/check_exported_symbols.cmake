@@ -1,56 +1,61 @@
 # SPDX-License-Identifier: MIT
-# The library exports its interface and none of its internals:
-# cmake -DNM=... -DLIBRARY=... -DINCLUDE_DIR=... -DCXX_FLAGS=... -P check_exported_symbols.cmake
+# The library exports what the list says, and none of its internals:
+# cmake -DNM=... -DLIBRARY=... -DINCLUDE_DIR=... -DLIST=... -DACTUAL=... -DCXX_FLAGS=... -P check_exported_symbols.cmake
+# What it does export is written to the file ACTUAL.
 
 if(CXX_FLAGS MATCHES "-fsanitize|--coverage|-fprofile")
     message("Skipped: instrumentation exports symbols of its own")
     return()
 endif()
 
-# Lines "ADDRESS TYPE NAME", the names as the linker sees them; TYPE and NAME are kept.
+# Lines "ADDRESS TYPE NAME"; constructors come several times.
 execute_process(
-    COMMAND "${NM}" --dynamic --defined-only "${LIBRARY}"
+    COMMAND "${NM}" --dynamic --demangle --defined-only "${LIBRARY}"
     OUTPUT_VARIABLE output
     COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCHALL " [A-Za-z] [^\n]+" symbols "${output}")
-list(TRANSFORM symbols STRIP)
+string(REGEX MATCHALL " [A-Za-z] [^\n]+" exported "${output}")
+list(TRANSFORM exported REPLACE "^ [A-Za-z] " "")
+list(FILTER exported EXCLUDE REGEX "^(__bss_start|_edata|_end|_init|_fini)$")
+list(REMOVE_DUPLICATES exported)
+list(SORT exported)
+list(JOIN exported "\n" text)
+file(WRITE "${ACTUAL}" "${text}\n")
 
 file(GLOB headers "${INCLUDE_DIR}/kelvora/*.hpp")
-set(interface "")
 foreach(header IN LISTS headers)
-    file(READ "${header}" text)
-    string(APPEND interface "${text}")
+    file(READ "${header}" header_text)
+    string(APPEND public_text "${header_text}")
 endforeach()
 
-# Names follow their length; operators have none.
-set(own "^[A-Zu] _Z(T[ISV])?NK?7kelvora(([0-9]+)([A-Za-z0-9_]+))?")
-set(by_the_linker "^[A-Z] (__bss_start|_edata|_end|_init|_fini)$")
-
-set(own_count 0)
-set(unwanted "")
-foreach(symbol IN LISTS symbols)
-    if(symbol MATCHES "${own}")
-        math(EXPR own_count "${own_count} + 1")
-        if(CMAKE_MATCH_3)
-            string(SUBSTRING "${CMAKE_MATCH_4}" 0 ${CMAKE_MATCH_3} name)
-            if(NOT interface MATCHES "[^A-Za-z0-9_]${name}[^A-Za-z0-9_]")
-                list(APPEND unwanted "${symbol}")
-            endif()
-        endif()
-    elseif(NOT symbol MATCHES "${by_the_linker}")
-        list(APPEND unwanted "${symbol}")
-    endif()
-    if(symbol MATCHES "4Impl|__KDPointAdaptor")
-        list(APPEND unwanted "${symbol}")
+# No internals, whatever the list says. Instantiations of function templates begin with their return type.
+set(own "^(vtable for |typeinfo for |typeinfo name for |[a-z ]+ )?kelvora::([A-Za-z0-9_]+)")
+set(private "::(Impl|Index|Engines|__KDPointAdaptor)(::|$)")
+foreach(symbol IN LISTS exported)
+    if(NOT symbol MATCHES "${own}"
+            OR NOT public_text MATCHES "[^A-Za-z0-9_]${CMAKE_MATCH_2}[^A-Za-z0-9_]"
+            OR symbol MATCHES "${private}")
+        string(APPEND internals "    ${symbol}\n")
     endif()
 endforeach()
-
-list(LENGTH symbols count)
-message("${count} exported symbols, ${own_count} of them kelvora's")
-if(own_count LESS 10)
-    message(FATAL_ERROR "The interface is not exported")
+if(internals)
+    message(FATAL_ERROR "Exported, but not part of the interface:\n${internals}")
 endif()
-if(unwanted)
-    list(JOIN unwanted "\n" unwanted)
-    message(FATAL_ERROR "Exported, but not part of the interface:\n${unwanted}")
+
+file(STRINGS "${LIST}" wanted)
+set(added ${exported})
+list(REMOVE_ITEM added ${wanted})
+set(removed ${wanted})
+list(REMOVE_ITEM removed ${exported})
+list(TRANSFORM added PREPEND "    + ")
+list(TRANSFORM removed PREPEND "    - ")
+
+list(LENGTH exported count)
+message("${count} exported symbols")
+if(added OR removed)
+    list(JOIN added "\n" added)
+    list(JOIN removed "\n" removed)
+    message(FATAL_ERROR
+        "The library exports more (+) or less (-) than ${LIST} says:\n${added}\n${removed}\n"
+        "Programs that use what is gone no longer start. If the change is meant, say so in the changelog, and\n"
+        "    cp ${ACTUAL} ${LIST}\n")
 endif()

@@ -1,10 +1,15 @@
 # SPDX-License-Identifier: MIT
-# Installs the built library: cmake -DBUILD_DIR=... -DCONFIG=... -DSOURCE_DIR=... -DPREFIX=... -P install_library.cmake
+# Installs what was built:
+# cmake -DBUILD_DIR=... -DCONFIG=... -DSOURCE_DIR=... -DPREFIX=... -DWITH_TOOL=... -P install_library.cmake
 
 # Moved after the installation, as a package has to work wherever it lies.
 set(first_prefix "${PREFIX}-before-move")
 file(REMOVE_RECURSE "${PREFIX}" "${first_prefix}")
-foreach(component kelvora_runtime kelvora_development)
+set(components kelvora_runtime kelvora_development)
+if(WITH_TOOL)
+    list(APPEND components kelvora_tool)
+endif()
+foreach(component IN LISTS components)
     execute_process(
         COMMAND "${CMAKE_COMMAND}" --install "${BUILD_DIR}" --config "${CONFIG}"
             --prefix "${first_prefix}" --component ${component}
@@ -20,7 +25,7 @@ if(NOT installed STREQUAL wanted)
     message(FATAL_ERROR "Installed headers: ${installed}\nPublic headers: ${wanted}")
 endif()
 
-file(GLOB_RECURSE package_files "${PREFIX}/*.cmake")
+file(GLOB_RECURSE package_files "${PREFIX}/*.cmake" "${PREFIX}/*.pc")
 foreach(package_file IN LISTS package_files)
     file(READ "${package_file}" text)
     foreach(directory "${SOURCE_DIR}" "${BUILD_DIR}")
