@@ -102,18 +102,7 @@ void BenchCommand::declareOptions() {
         ->delimiter(',')
         ->check(CLI::IsMember(kMethods).description(""))
         ->option_text("LIST [grid,density2d,density3d,centroid2d]");
-    command
-        ->add_option("--window", window,
-                     "Length of a window of event time, with its unit: us, ms or s")
-        ->option_text("TIME [" + toString(window) + "]");
-    command
-        ->add_option("--from", from,
-                     "Leave out events before this time after the first one, with unit")
-        ->option_text("TIME [0s]");
-    command
-        ->add_option("--to", to,
-                     "Leave out events from this time after the first one on, with unit")
-        ->option_text("TIME");
+    declareWindows(*command, windows);
     command->add_option("--json", json, "File for the figures as JSON; - is standard output")
         ->option_text("FILE");
     tool::declareOptions(*command, parameters.grid);
@@ -125,16 +114,11 @@ void BenchCommand::declareOptions() {
 }
 
 void BenchCommand::checkOptions() const {
-    if (window.microseconds == 0) {
-        throw CLI::ValidationError("--window", "must be longer than 0");
-    }
-    if (window.microseconds > kLongestWindowIn3d.microseconds &&
+    tool::checkOptions(windows);
+    if (windows.window.microseconds > kLongestWindowIn3d.microseconds &&
         std::any_of(methods.begin(), methods.end(), isIn3d)) {
         throw CLI::ValidationError("--window", "must be at most " + toString(kLongestWindowIn3d) +
                                                    " with methods in three dimensions");
-    }
-    if (to && to->microseconds <= from.microseconds) {
-        throw CLI::ValidationError("--to", "must be later than --from");
     }
 }
 
@@ -164,7 +148,7 @@ BenchReport BenchCommand::measure(std::exception_ptr& defect) const {
         report.recording = recording.path.string();
         report.format = reader->format();
         report.sensor = requireSensorSize(*reader, recording);
-        report.window = window;
+        report.window = windows.window;
     }
     const auto start = Clock::now();
     report.reading = pass("(reading)", nullptr, defect);
@@ -186,7 +170,7 @@ PassFigures BenchCommand::pass(const std::string& name, const ClusterWindow& clu
     const bool is_peak_its_own = resetPeakMemory();
     auto source = recording::openRecording(recording.path, recording.read);
     const recording::SensorSize sensor = requireSensorSize(*source, recording);
-    WindowReader reader(std::move(source), sensor, {window, from, to});
+    WindowReader reader(std::move(source), sensor, windows);
     PassTimer timer(cluster, figures);
     ProgressLine progress(recording.path.string() + ", " + name, true);
     bool has_more = true;

@@ -4,14 +4,13 @@
 #include <CLI/App.hpp>
 #include <exception>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "command_line/bench_report.hpp"
-#include "command_line/quantities.hpp"
 #include "command_line/recording_options.hpp"
 #include "command_line/timed_method.hpp"
+#include "command_line/window_options.hpp"
 
 namespace kelvora::tool {
 
@@ -40,9 +39,7 @@ private:
 
     CLI::App* command;
     RecordingOptions recording;
-    Duration window{10'000};
-    Duration from;
-    std::optional<Duration> to;
+    WindowOptions windows;
     std::vector<std::string> methods;
     TimedMethodOptions parameters;
     std::filesystem::path json;

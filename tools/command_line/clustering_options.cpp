@@ -9,44 +9,8 @@ namespace kelvora::tool {
 
 namespace {
 
-const std::map<std::string, Polarity> kPolarities = {{"all", Polarity::All},
-                                                     {"on", Polarity::On},
-                                                     {"off", Polarity::Off},
-                                                     {"separate", Polarity::Separate}};
-
 const std::map<std::string, Method> kMethods = {
     {"grid", Method::Grid}, {"density", Method::Density}, {"centroid", Method::Centroid}};
-
-void declareOptions(CLI::App& command, WindowOptions& options) {
-    command
-        .add_option(
-            "--window", options.window,
-            "Length of a window of event time, with its unit: us, ms or s. Windows begin at "
-            "multiples of it")
-        ->option_text("TIME [" + toString(options.window) + "]");
-    command
-        .add_option("--from", options.from,
-                    "Leave out events before this time after the first one, with unit")
-        ->option_text("TIME [0s]");
-    command
-        .add_option("--to", options.to,
-                    "Leave out events from this time after the first one on, with unit")
-        ->option_text("TIME");
-    command
-        .add_option("--polarity", options.polarity,
-                    "Events to cluster; 'separate' takes all, but wants both polarities in a cell")
-        ->transform(CLI::CheckedTransformer(kPolarities).description(""))
-        ->option_text("all|on|off|separate [all]");
-}
-
-void checkWindowOptions(const WindowOptions& options) {
-    if (options.window.microseconds == 0) {
-        throw CLI::ValidationError("--window", "must be longer than 0");
-    }
-    if (options.to && options.to->microseconds <= options.from.microseconds) {
-        throw CLI::ValidationError("--to", "must be later than --from");
-    }
-}
 
 void checkPointOptions(const PointOptions& point, const WindowOptions& windows) {
     if (windows.polarity == Polarity::Separate) {
@@ -65,7 +29,8 @@ void checkPointOptions(const PointOptions& point, const WindowOptions& windows) 
 
 void declareOptions(CLI::App& command, ClusteringOptions& options) {
     declareOptions(command, options.recording);
-    declareOptions(command, options.windows);
+    declareWindows(command, options.windows);
+    declarePolarity(command, options.windows);
     command.add_option("--method", options.method, "How to find clusters")
         ->transform(CLI::CheckedTransformer(kMethods).description(""))
         ->option_text("grid|density|centroid [grid]");
@@ -77,7 +42,7 @@ void declareOptions(CLI::App& command, ClusteringOptions& options) {
 }
 
 void checkOptions(const ClusteringOptions& options) {
-    checkWindowOptions(options.windows);
+    checkOptions(options.windows);
     if (options.method != Method::Grid) {
         checkPointOptions(options.point, options.windows);
     }

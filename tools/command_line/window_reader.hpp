@@ -3,12 +3,11 @@
 
 #include <exception>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "command_line/polarity.hpp"
-#include "command_line/quantities.hpp"
 #include "command_line/time_range.hpp"
+#include "command_line/window_options.hpp"
 #include "kelvora/events.hpp"
 #include "recording/event_cleaner.hpp"
 #include "recording/event_reader.hpp"
@@ -16,14 +15,6 @@
 #include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {
-
-/// Which events of a recording are clustered, and which together.
-struct WindowOptions {
-    Duration window{10'000};
-    Duration from;
-    std::optional<Duration> to;  ///< The end of the recording if absent.
-    Polarity polarity = Polarity::All;
-};
 
 /// Reads a recording, cleans its events, and cuts them into windows.
 ///

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/App.hpp>
+#include <optional>
+
+#include "command_line/polarity.hpp"
+#include "command_line/quantities.hpp"
+
+namespace kelvora::tool {
+
+/// Which events of a recording are clustered, and which together.
+struct WindowOptions {
+    Duration window{10'000};
+    Duration from;
+    std::optional<Duration> to;  ///< The end of the recording if absent.
+    Polarity polarity = Polarity::All;
+};
+
+/// Adds the options for windows: their length, the first and the last.
+void declareWindows(CLI::App& command, WindowOptions& options);
+
+/// Adds the option `--polarity`.
+void declarePolarity(CLI::App& command, WindowOptions& options);
+
+/// \throws CLI::ValidationError  for options that contradict one another.
+void checkOptions(const WindowOptions& options);
+
+}  // namespace kelvora::tool
