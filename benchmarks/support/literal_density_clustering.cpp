@@ -49,9 +49,9 @@ public:
 
     const std::vector<Point>& points() const { return *adaptor.points; }
 
-    std::size_t search(std::size_t i, T radius, Neighbours& neighbours) const {
+    std::size_t search(std::size_t i, T within, Neighbours& neighbours) const {
         neighbours.clear();
-        return index.radiusSearch(points()[i].coordinates.data(), radius * radius, neighbours,
+        return index.radiusSearch(points()[i].coordinates.data(), within * within, neighbours,
                                   nanoflann::SearchParameters(0.0F, false));
     }
 
