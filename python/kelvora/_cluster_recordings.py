@@ -3,13 +3,12 @@
 
 from __future__ import annotations
 
-import operator
 import os
 from typing import Any, Iterable, Literal
 
 from kelvora._errors import in_python
 from kelvora._kelvora import check_clustering
-from kelvora._recordings import Format, TimeUnit
+from kelvora._recordings import Format, TimeUnit, integer, sensor_size
 from kelvora._worker import ClusteredRecording, cluster, failed
 from kelvora._worker_pool import WorkerPool
 
@@ -18,6 +17,34 @@ _TOOL_NAMES = {"tracking": "track", "k": "clusters"}
 _DURATIONS = ("window_us", "from_us", "to_us", "time_length_us")
 _LONGEST_DURATION = 10**18  # 30,000 years; beyond, sums with times could wrap.
 _FLAGS = ("tracking", "count_every_event")
+_CHOICES = {
+    "method": ("grid", "density", "centroid"),
+    "polarity": ("all", "on", "off", "separate"),
+    "precision": ("float", "double"),
+}
+_OF_GRID = {
+    "cell_width",
+    "cell_height",
+    "min_cluster_size",
+    "max_cluster_size",
+    "activation_threshold",
+    "count_every_event",
+}
+_OF_POINTS = {
+    "dim",
+    "scale_x",
+    "scale_y",
+    "us_per_pixel",
+    "scale_time",
+    "capacity",
+    "time_length_us",
+    "precision",
+}
+_OF_METHOD = {
+    "grid": _OF_GRID,
+    "density": _OF_POINTS | {"eps", "min_pts", "jobs"},
+    "centroid": _OF_POINTS | {"k", "max_iter", "tol"},
+}
 
 
 def cluster_recordings(
@@ -80,7 +107,8 @@ def cluster_recordings(
     Raises
     ------
     TypeError, ValueError
-        For unknown parameters and bad values, before any recording is opened.
+        For unknown parameters, those of another method, and bad values, before any recording is
+        opened.
 
     Notes
     -----
@@ -117,12 +145,15 @@ def cluster_recordings(
     if isinstance(paths, (str, bytes)):
         raise TypeError("paths must be several paths: give [path] for a single one")
     names = [os.fsdecode(path) for path in paths]
+    if any("\0" in name for name in names):
+        raise ValueError("paths must not hold null characters")
     if client is not None:
         if workers is not None:
             raise TypeError("workers must not be given with a client, which has its own")
         return _on_dask(client, names, options)
     if workers is None:
         workers = len(os.sched_getaffinity(0))
+    workers = integer("workers", workers)
     if workers < 1:
         raise ValueError("workers must be at least 1")
     return WorkerPool(workers).map(names, options)
@@ -131,6 +162,7 @@ def cluster_recordings(
 def _options(**keywords: object) -> dict[str, str]:
     """Options of the command-line tool, as it reads them: so it checks them, too."""
     options = {}
+    _check_method(keywords)
     for keyword, value in keywords.items():
         if value is None or (keyword in _FLAGS and not value):
             continue
@@ -143,6 +175,15 @@ def _options(**keywords: object) -> dict[str, str]:
     return options
 
 
+def _check_method(keywords: dict[str, object]) -> None:
+    # The tool leaves alone what the method does not use; here, it hides a forgotten method.
+    method = str(keywords["method"] or "grid")
+    others = set().union(*_OF_METHOD.values()) - _OF_METHOD.get(method, set())
+    for keyword, value in keywords.items():
+        if value is not None and method in _OF_METHOD and keyword in others:
+            raise TypeError(f"{keyword} is no parameter of the method '{method}'")
+
+
 def _option(keyword: str, value: Any) -> tuple[str, str]:
     if keyword in _TOOL_NAMES.values() or keyword + "_us" in _DURATIONS:
         raise TypeError(f"no option is called {keyword}")
@@ -150,13 +191,16 @@ def _option(keyword: str, value: Any) -> tuple[str, str]:
     if keyword in _FLAGS:
         return name, "true"
     if keyword in _DURATIONS:
-        duration = operator.index(value)
+        duration = integer(keyword, value)
         if not 0 <= duration <= _LONGEST_DURATION:
             raise ValueError(f"{keyword} must be from 0 to {_LONGEST_DURATION}")
         return name.removesuffix("-us"), f"{duration}us"
     if keyword == "sensor":
-        width, height = value
-        return name, f"{operator.index(width)}x{operator.index(height)}"
+        width, height = sensor_size(value)
+        return name, f"{width}x{height}"
+    if keyword in _CHOICES and value not in _CHOICES[keyword]:
+        choices = ", ".join(map(repr, _CHOICES[keyword]))
+        raise ValueError(f"{keyword} must be one of {choices}, not {value!r}")
     return name, str(value)
 
 

@@ -3,8 +3,9 @@
 
 from __future__ import annotations
 
+import operator
 import os
-from typing import Literal
+from typing import Any, Literal
 
 from kelvora._kelvora import RecordingReader, open_recording
 
@@ -76,12 +77,33 @@ def read(
     >>> reader.format, reader.dropped
     ('text', 1)
     """
+    if "\0" in os.fsdecode(path):
+        raise ValueError("path must not hold a null character")
     return open_recording(
         path,
-        sensor=sensor,
+        sensor=None if sensor is None else sensor_size(sensor),
         input_format=input_format,
         columns=columns,
         time_unit=time_unit,
-        chunk_events=chunk_events,
+        chunk_events=integer("chunk_events", chunk_events),
         clean=clean,
     )
+
+
+def sensor_size(sensor: Any) -> tuple[int, int]:
+    """Width and height, if they are a pair of integers."""
+    try:
+        width, height = map(operator.index, sensor)
+    except (TypeError, ValueError):
+        raise TypeError(
+            f"sensor must be a pair of integers such as (640, 480), not {sensor!r}"
+        ) from None
+    return width, height
+
+
+def integer(keyword: str, value: Any) -> int:
+    """The value of a keyword, if it is an integer of any type."""
+    try:
+        return operator.index(value)
+    except TypeError:
+        raise TypeError(f"{keyword} must be an integer, not {value!r}") from None

@@ -13,7 +13,8 @@ from kelvora._errors import RecordingError
 from kelvora._kelvora import cluster_recording
 
 
-@dataclasses.dataclass
+# Tables have no single answer to whether they are equal.
+@dataclasses.dataclass(eq=False)
 class ClusteredRecording:
     """
     What was found in one recording.

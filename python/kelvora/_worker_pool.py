@@ -77,8 +77,14 @@ class WorkerPool:
         """Cluster recordings, and end all processes. Results are in the order of the paths."""
         try:
             with concurrent.futures.ThreadPoolExecutor(self._workers) as threads:
-                futures = [threads.submit(self._cluster, path, options) for path in paths]
+                futures: list[concurrent.futures.Future[ClusteredRecording]] = []
                 try:
+                    for path in paths:
+                        futures.append(threads.submit(self._cluster, path, options))
+                    # A signal that comes just before this thread falls asleep does not wake it:
+                    # it looks after Ctrl-C from time to time.
+                    while concurrent.futures.wait(futures, timeout=0.2).not_done:
+                        pass
                     return [future.result() for future in futures]
                 except BaseException:
                     for future in futures:

@@ -28,7 +28,8 @@ Raises
 ------
 TypeError, ValueError
     For what cannot be mapped without doubt: missing, ambiguous or non-numeric fields, fractions
-    of pixels, undefined or negative times, polarities other than 0 and 1, -1 and 1, or bool.
+    of pixels, undefined or negative times, ``float32`` times beyond 2.4 hours, which are coarser
+    than a millisecond, polarities other than 0 and 1, -1 and 1, or bool.
     None of the events is taken then.
 
 Notes

@@ -159,7 +159,7 @@ std::unique_ptr<DensityClusterer> makeDensityClusterer(
     double scale_x, double scale_y, double us_per_pixel, std::optional<std::int64_t> capacity,
     std::optional<std::int64_t> time_length_us, const std::string& precision,
     const std::string& polarity) {
-    require(std::isfinite(eps) && eps > 0.0, "eps must be larger than 0");
+    require(std::isfinite(eps) && eps > 0.0, "eps must be larger than 0, and finite");
     require(min_pts >= 1, "min_pts must be at least 1");
     require(jobs >= -1 && jobs <= 255, "jobs must be from -1 to 255");
     const PointParameters point = toPointParameters(

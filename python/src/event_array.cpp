@@ -50,6 +50,9 @@ std::optional<Scalar> scalarOf(const py::dtype& dtype) {
 void checkKind(const py::dtype& dtype, Role role, const std::string& name) {
     const char kind = dtype.kind();
     const bool is_number = kind == 'i' || kind == 'u' || kind == 'f';
+    if (role == Role::Time && kind == 'f' && dtype.itemsize() == 2) {
+        throw py::type_error(name + " must not be float16, which is too coarse for times");
+    }
     if (is_number || (kind == 'b' && role == Role::Polarity)) {
         return;
     }
@@ -175,7 +178,8 @@ private:
                                                               {"ns", TimeUnit::Nanoseconds}};
         if (arguments.time_unit.is_none()) {
             const bool is_whole = found.owners[2].dtype().kind() != 'f';
-            if (!is_whole) {
+            // A list without elements becomes an array of floating-point numbers.
+            if (!is_whole && found.columns.size > 0) {
                 throw py::value_error(
                     "times are floating-point numbers: state their unit, time_unit='s', 'ms', "
                     "'us' or 'ns'");

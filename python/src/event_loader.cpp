@@ -18,6 +18,10 @@ constexpr std::uint32_t kOffSensor = 65536;
 
 constexpr std::uint64_t kLatestTime = std::numeric_limits<std::int64_t>::max();
 
+/// Microseconds up to which `float` tells times apart that differ by a millisecond: 2.4 hours. What
+/// counts from 1970 would be rounded to minutes.
+constexpr double kLatestFloatTime = 8'589'934'592.0;
+
 template <typename T>
 T valueAt(const char* data) {
     T value;
@@ -97,6 +101,11 @@ std::uint64_t toMicroseconds(T value, TimeUnit unit, std::size_t index) {
         // Written so that not-a-number fails; the largest time itself rounds up to 2^63.
         if (!(exact >= 0.0 && microseconds < static_cast<double>(kLatestTime))) {
             refuse("time", index, value, kRule);
+        }
+        if (std::is_same_v<T, float> && microseconds > kLatestFloatTime) {
+            refuse("time", index, value,
+                   "32-bit floating-point numbers of this size are more than a millisecond apart; "
+                   "use 64 bits, or count times from the first event");
         }
         return static_cast<std::uint64_t>(microseconds);
     } else {

@@ -4,7 +4,9 @@
 #include <pybind11/pybind11.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstring>
 
 namespace kelvora::python {
 
@@ -29,8 +31,20 @@ py::dtype eventDtype() {
 
 py::array toArray(const std::vector<Event2D>& events) {
     py::array array(eventDtype(), events.size());
-    const auto* const bytes = reinterpret_cast<const char*>(events.data());
-    std::copy_n(bytes, events.size() * sizeof(Event2D), static_cast<char*>(array.mutable_data()));
+    // Field by field, as what lies between the fields of an event is left to chance. Equal events
+    // have equal bytes here, so that files and checksums of them are the same in every run.
+    std::array<char, sizeof(Event2D)> record{};
+    auto* bytes = static_cast<char*>(array.mutable_data());
+    const auto put = [&record](const auto& value, std::size_t offset) {
+        std::memcpy(record.data() + offset, &value, sizeof(value));
+    };
+    for (const Event2D& event : events) {
+        put(event.x, offsetof(Event2D, x));
+        put(event.y, offsetof(Event2D, y));
+        put(event.polarity, offsetof(Event2D, polarity));
+        put(event.timestamp, offsetof(Event2D, timestamp));
+        bytes = std::copy(record.begin(), record.end(), bytes);
+    }
     return array;
 }
 

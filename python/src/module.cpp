@@ -24,4 +24,9 @@ PYBIND11_MODULE(_kelvora, module) {
     kelvora::python::bindRecordings(module);
     kelvora::python::bindSimulation(module);
     kelvora::python::bindClustering(module);
+    // Where users find them, and help() and messages say they are.
+    for (const char* const name :
+         {"GridClusterer", "DensityClusterer", "CentroidClusterer", "Tracker", "RecordingReader"}) {
+        module.attr(name).attr("__module__") = "kelvora";
+    }
 }

@@ -187,7 +187,7 @@ py::array_t<std::int64_t> clusterByDensity(const KDPoint<DIM, T>&, const py::arr
 
 py::array_t<std::int64_t> dbscan(const py::object& points, double eps, std::int64_t min_pts,
                                  int jobs) {
-    require(std::isfinite(eps) && eps > 0.0, "eps must be larger than 0");
+    require(std::isfinite(eps) && eps > 0.0, "eps must be larger than 0, and finite");
     require(min_pts >= 1 && min_pts < kMostPoints, "min_pts must be from 1 to 2^30 - 1");
     require(jobs == -1 || (jobs >= 1 && jobs <= 255), "jobs must be from 1 to 255, or -1");
     const unsigned all = std::clamp(std::thread::hardware_concurrency(), 1U, 255U);

@@ -130,11 +130,20 @@ Value parsed(const std::optional<Value>& value, const char* message) {
     return *value;
 }
 
+/// Lets Ctrl-C end a wait for a pipe. Handlers run in the main thread only.
+void handleSignals() {
+    const py::gil_scoped_acquire acquire;
+    if (PyErr_CheckSignals() != 0) {
+        throw py::error_already_set();
+    }
+}
+
 recording::ReadOptions toReadOptions(const std::optional<Size>& sensor,
                                      const std::optional<std::string>& input_format,
                                      const std::optional<std::string>& columns,
                                      const std::optional<std::string>& time_unit) {
     recording::ReadOptions options;
+    options.on_signal = handleSignals;
     if (sensor) {
         options.sensor_size = toSensorSize(sensor->first, sensor->second);
     }

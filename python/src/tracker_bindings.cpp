@@ -3,7 +3,9 @@
 #include <pybind11/pybind11.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -112,14 +114,21 @@ struct TrackRow {
     bool hidden;
 };
 
-TrackRow toRow(const ClusterTracker::Track& track) {
-    return {track.id,        static_cast<std::int64_t>(track.box.timestamp),
-            track.box.x,     track.box.y,
-            track.box.width, track.box.height,
-            track.vx,        track.vy,
-            track.cluster,   track.hits,
-            track.missed,    track.state == ClusterTracker::State::Confirmed,
-            track.is_hidden};
+/// Field by field: to assign a whole row may copy its padding, too.
+void fillRow(const ClusterTracker::Track& track, TrackRow& row) {
+    row.id = track.id;
+    row.timestamp = static_cast<std::int64_t>(track.box.timestamp);
+    row.x = track.box.x;
+    row.y = track.box.y;
+    row.width = track.box.width;
+    row.height = track.box.height;
+    row.vx = track.vx;
+    row.vy = track.vy;
+    row.cluster = track.cluster;
+    row.hits = track.hits;
+    row.missed = track.missed;
+    row.confirmed = track.state == ClusterTracker::State::Confirmed;
+    row.hidden = track.is_hidden;
 }
 
 /// A tracker that serves several threads, one at a time. As with `Clusterer`, the GIL must not be
@@ -168,7 +177,13 @@ py::array tracks(const Tracker& self) {
         found = self.tracks();
     }
     py::array_t<TrackRow> array(static_cast<py::ssize_t>(found.size()));
-    std::transform(found.begin(), found.end(), array.mutable_data(), toRow);
+    // Rows end with padding, whose bytes are not left to chance.
+    std::memset(static_cast<void*>(array.mutable_data()), 0,
+                static_cast<std::size_t>(array.nbytes()));
+    TrackRow* row = array.mutable_data();
+    for (const ClusterTracker::Track& track : found) {
+        fillRow(track, *row++);
+    }
     return array;
 }
 

@@ -202,13 +202,35 @@ def test_no_recordings_give_no_results():
         (ValueError, "window", {"window_us": -1}),
         (ValueError, "to_us: must be later than from_us", {"from_us": 5, "to_us": 5}),
         (ValueError, "workers", {"workers": 0}),
-        (TypeError, "", {"window_us": 10.5}),
-        (TypeError, "", {"sensor": 640}),
+        (ValueError, "eps: must be .* not 'nan'", {"method": "density", "eps": float("nan")}),
+        (ValueError, "tol: must be", {"method": "centroid", "k": 2, "tol": float("inf")}),
+        (ValueError, "max_distance: must", {"tracking": True, "max_distance": float("nan")}),
+        (ValueError, "'grid', 'density', 'centroid', not 'optics'", {"method": "optics"}),
+        (ValueError, "polarity must be one of", {"polarity": "both"}),
+        (TypeError, "eps is no parameter of the method 'grid'", {"eps": 3}),
+        (TypeError, "k is no parameter", {"method": "density", "k": 3}),
+        (TypeError, "cell_width is no parameter", {"method": "centroid", "k": 2, "cell_width": 3}),
+        (TypeError, "window_us must be an integer, not 10.5", {"window_us": 10.5}),
+        (TypeError, "workers must be an integer, not 1.5", {"workers": 1.5}),
+        (TypeError, "sensor must be a pair of integers", {"sensor": 640}),
+        (TypeError, "sensor must be a pair of integers", {"sensor": (640,)}),
+        (TypeError, "sensor must be a pair of integers", {"sensor": "640x480"}),
     ],
 )
 def test_bad_options_are_refused_before_any_work(error, text, options):
     with pytest.raises(error, match=text):
         kelvora.cluster_recordings(["missing.raw"], **options)
+
+
+def test_paths_with_null_characters_are_refused():
+    with pytest.raises(ValueError, match="null"):
+        kelvora.cluster_recordings(["a", "b\0"])
+
+
+def test_results_compare_without_an_error(scenes):
+    first, second = kelvora.cluster_recordings([scenes[0]] * 2, sensor=SENSOR)
+    assert first == first
+    assert first != second
 
 
 def test_a_single_path_is_no_list_of_paths():

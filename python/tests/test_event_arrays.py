@@ -229,6 +229,7 @@ REFUSED_VALUES = [
         dict(p=np.array([1, 0, -1], "i1"), x=np.arange(3, dtype="u2"), y=np.arange(3, dtype="u2")),
         "-1 and 0",
     ),
+    (dict(t=np.array([0, 1.6e9, 1.7e9], "f4"), time_unit="s"), "time of event 1 is 1600000000: 32-bit"),
     (dict(time_unit="minutes"), "not 'minutes'"),
     (dict(x=[0, 1]), "x has 2 elements, but y has 3"),
     (dict(p=np.zeros((3, 1), int)), "p must hold one number per event"),
@@ -236,6 +237,7 @@ REFUSED_VALUES = [
 REFUSED_TYPES = [
     (dict(x=np.zeros(3, bool)), "x must be integers or floating-point numbers, not bool"),
     (dict(t=np.zeros(3, "M8[us]")), "time_unit"),
+    (dict(t=np.zeros(3, "f2"), time_unit="s"), "t must not be float16"),
     (dict(p=np.zeros(3, complex)), "or bool, not complex128"),
     (dict(x=["1", "2", "3"]), "x must be integers"),
     (dict(x=None), "x is missing"),
@@ -348,4 +350,5 @@ def test_takes_empty_arrays():
     clusterer = kelvora.GridClusterer(WIDTH, HEIGHT)
     clusterer.process(np.zeros(0, LAYOUTS["packed"]))
     clusterer.process(x=[], y=[], t=[], p=[], time_unit="us")
+    clusterer.process(x=[], y=[], t=[], p=[])
     assert len(clusterer.generate(0)) == 0

@@ -16,3 +16,9 @@ def test_version_is_that_of_the_library():
 
 def test_all_names_exist():
     assert all(hasattr(kelvora, name) for name in kelvora.__all__)
+
+
+def test_public_classes_are_said_to_be_where_users_find_them():
+    for name in ["GridClusterer", "DensityClusterer", "CentroidClusterer", "Tracker"]:
+        assert f"{getattr(kelvora, name).__module__}.{name}" == f"kelvora.{name}"
+    assert repr(kelvora.Tracker()).startswith("<kelvora.Tracker object")

@@ -3,7 +3,11 @@
 
 import os
 import pickle
+import signal
+import subprocess
+import sys
 import threading
+import time
 
 import numpy as np
 import pytest
@@ -236,3 +240,63 @@ def test_real_recordings_are_read_as_they_are():
         )
         events = read_all(path)
         assert all(np.array_equal(events[name], expected[name]) for name in "txyp"), path
+
+
+def test_equal_events_have_equal_bytes(tmp_path):
+    # Between the polarity and the time lie bytes of no meaning.
+    path = tmp_path / "a.txt"
+    path.write_text("".join(f"{i} {i % 99} {i % 77} {i % 2}\n" for i in range(50_000)))
+    for chunk in kelvora.read(path, columns="txyp", chunk_events=777):
+        plain = np.zeros(len(chunk), kelvora.EVENT_DTYPE)
+        for name in chunk.dtype.names:
+            plain[name] = chunk[name]
+        assert chunk.tobytes() == plain.tobytes()
+
+
+@pytest.mark.parametrize("has_writer", [False, True])
+def test_ctrl_c_ends_the_wait_for_a_pipe(tmp_path, has_writer):
+    pipe = tmp_path / "pipe"
+    os.mkfifo(pipe)
+    program = """if True:
+        import sys, kelvora
+        try:
+            print("begin", flush=True)
+            for events in kelvora.read(sys.argv[1], input_format="records"):
+                print(len(events), flush=True)
+        except KeyboardInterrupt:
+            print("interrupted")
+    """
+    command = [sys.executable, "-c", program, pipe]
+    with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as process:
+        try:
+            assert process.stdout.readline() == "begin\n"
+            if has_writer:
+                writer = open(pipe, "wb", buffering=0)
+                writer.write(write_records(tmp_path / "a.bin", THREE * 2000).read_bytes())
+            deadline = time.monotonic() + 60
+            while process.poll() is None and time.monotonic() < deadline:
+                time.sleep(0.2)
+                process.send_signal(signal.SIGINT)
+            assert process.returncode == 0
+        finally:
+            process.kill()
+        assert process.stdout.read().splitlines()[-1] == "interrupted"
+
+
+@pytest.mark.parametrize("path", ["a\0b", b"a\0b"])
+def test_null_characters_in_a_path_are_refused(path):
+    with pytest.raises(ValueError, match="null"):
+        kelvora.read(path)
+
+
+@pytest.mark.parametrize("path", [None, 3, [b"a"]])
+def test_what_is_no_path_is_refused(path):
+    with pytest.raises(TypeError, match="PathLike"):
+        kelvora.read(path)
+
+
+@pytest.mark.parametrize("sensor", [640, (640,), "640x480", (640.0, 480)])
+def test_what_is_no_sensor_is_named(tmp_path, sensor):
+    path = write_records(tmp_path / "a.bin", THREE)
+    with pytest.raises(TypeError, match="sensor must be a pair of integers"):
+        kelvora.read(path, sensor=sensor)

@@ -74,6 +74,15 @@ def test_scene_is_that_of_the_tool(tmp_path):
         assert numbers[6] == pytest.approx(speed, abs=0.051)
 
 
+def test_equal_events_have_equal_bytes():
+    # Between the polarity and the time lie bytes of no meaning.
+    events, _ = kelvora.simulate(sensor=(320, 240), duration_us=50_000)
+    plain = np.zeros(len(events), kelvora.EVENT_DTYPE)
+    for name in events.dtype.names:
+        plain[name] = events[name]
+    assert events.tobytes() == plain.tobytes()
+
+
 def test_kinds_compare_with_text():
     _, truth = kelvora.simulate(discs=1, bars=1, polygons=1, lights=1, **SMALL)
     first = truth[truth["timestamp"] == truth["timestamp"][0]]

@@ -112,3 +112,13 @@ def test_refuses_what_are_no_clusters(clusters, error, message):
 def test_refuses_wrong_parameters(options):
     with pytest.raises(ValueError, match=next(iter(options))):
         kelvora.Tracker(**options)
+
+
+def test_equal_tracks_have_equal_bytes():
+    tracker = kelvora.Tracker()
+    tracker.update(rows(0, *[(90 * i, 50) for i in range(40)]))
+    tracks = tracker.tracks()
+    plain = np.zeros(len(tracks), tracks.dtype)
+    for name in tracks.dtype.names:
+        plain[name] = tracks[name]
+    assert tracks.tobytes() == plain.tobytes()

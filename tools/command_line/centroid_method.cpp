@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "command_line/event_labels.hpp"
+#include "command_line/number_checks.hpp"
 #include "command_line/point_method.hpp"
 #include "kelvora/centroid_based_cluster_generator.hpp"
 
@@ -89,11 +90,10 @@ void declareOptions(CLI::App& command, CentroidOptions& options) {
     add("--clusters", options.clusters, "NUMBER",
         "Clusters to divide the events of a window into; required")
         ->check(CLI::Range(1ULL, kMostClusters));
-    add("--max-iter", options.max_iter, "NUMBER [50]", "Most iterations")
-        ->check(CLI::PositiveNumber);
+    add("--max-iter", options.max_iter, "NUMBER [50]", "Most iterations")->check(isPositive());
     add("--tol", options.tol, "UNITS [1]",
         "Stop when the sum of all squared distances changes by less, squared scaled units")
-        ->check(CLI::PositiveNumber);
+        ->check(isPositive());
 }
 
 std::unique_ptr<ClusteringMethod> makeCentroidMethod(recording::SensorSize sensor,

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "command_line/event_labels.hpp"
+#include "command_line/number_checks.hpp"
 #include "command_line/point_method.hpp"
 #include "kelvora/density_based_cluster_generator.hpp"
 
@@ -57,9 +58,9 @@ void declareOptions(CLI::App& command, DensityOptions& options) {
     };
     add("--eps", options.eps, "UNITS [10]",
         "Radius of a neighbourhood, scaled units; points at exactly this distance lie outside")
-        ->check(CLI::PositiveNumber);
+        ->check(isPositive());
     add("--min-pts", options.min_pts, "EVENTS [10]", "Events that make a neighbourhood dense")
-        ->check(CLI::PositiveNumber);
+        ->check(isPositive());
     add("--jobs", options.jobs, "THREADS [1]",
         "Threads; 0 chooses by the number of events, -1 takes all. Two and more count a core point "
         "differently (one neighbour more) and let border points join groups: results differ from "

@@ -5,6 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "command_line/number_checks.hpp"
+
 namespace kelvora::tool {
 
 void declareOptions(CLI::App& command, GridOptions& options) {
@@ -19,11 +21,11 @@ void declareOptions(CLI::App& command, GridOptions& options) {
     add("--cell-height", options.cell_height, "PIXELS", "Height of a cell")->check(pixels);
     add("--max-cluster-size", options.max_cluster_size, "PIXELS",
         "Largest width and height of a cluster, in whole cells")
-        ->check(CLI::NonNegativeNumber);
+        ->check(isNotNegative());
     add("--min-cluster-size", options.min_cluster_size, "PIXELS",
         "Smallest width and height of a cluster, in whole cells; a single active cell makes a "
         "cluster of two by two")
-        ->check(CLI::NonNegativeNumber);
+        ->check(isNotNegative());
     add("--activation-threshold", options.activation_threshold, "EVENTS",
         "Events in a window that make a cell active; with --polarity separate, of each polarity");
     command

@@ -5,6 +5,8 @@
 #include <map>
 #include <string>
 
+#include "command_line/number_checks.hpp"
+
 namespace kelvora::tool {
 
 EventScales PointOptions::scales() const {
@@ -25,17 +27,17 @@ void declareOptions(CLI::App& command, PointOptions& options) {
     add("--dim", options.dim, "2|3 [2]", "2: cluster in the image plane; 3: in space and time")
         ->check(CLI::IsMember({2, 3}).description(""));
     add("--scale-x", options.scale_x, "FACTOR [1]", "Scaled units per pixel column")
-        ->check(CLI::PositiveNumber);
+        ->check(isPositive());
     add("--scale-y", options.scale_y, "FACTOR [1]", "Scaled units per pixel row")
-        ->check(CLI::PositiveNumber);
+        ->check(isPositive());
     auto* const us_per_pixel = add("--us-per-pixel", options.us_per_pixel, "US [1000]",
                                    "Microseconds that weigh as much as a pixel in three dimensions")
-                                   ->check(CLI::PositiveNumber);
+                                   ->check(isPositive());
     add("--scale-time", options.scale_time, "FACTOR", "The same as scaled units per microsecond")
-        ->check(CLI::PositiveNumber)
+        ->check(isPositive())
         ->excludes(us_per_pixel);
     add("--capacity", options.capacity, "EVENTS [all]", "Most events to cluster, the newest")
-        ->check(CLI::PositiveNumber);
+        ->check(isPositive());
     add("--time-length", options.time_length, "TIME [all]",
         "Window of the event counter, with unit: forgets events only across gaps longer than a "
         "hundredth of it");

@@ -5,6 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "command_line/number_checks.hpp"
+
 namespace kelvora::tool {
 
 void declareOptions(CLI::App& command, TrackOptions& options) {
@@ -23,14 +25,14 @@ void declareOptions(CLI::App& command, TrackOptions& options) {
     };
     add("--max-distance", options.max_distance, "PIXELS",
         "Largest distance of a cluster from where its track expects it")
-        ->check(CLI::NonNegativeNumber);
+        ->check(isNotNegative());
     add("--max-size-change", options.max_size_change, "PIXELS",
         "Largest difference of a cluster from the usual width and height of its track")
-        ->check(CLI::NonNegativeNumber);
+        ->check(isNotNegative());
     add("--max-missed", options.max_missed, "WINDOWS", "Windows that a track survives unseen")
-        ->check(CLI::NonNegativeNumber);
+        ->check(isNotNegative());
     add("--min-hits", options.min_hits, "WINDOWS", "Windows with a cluster that confirm a track")
-        ->check(CLI::PositiveNumber);
+        ->check(isPositive());
 }
 
 bool isFollowed(const ClusterTracker::Track& track) {

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <exception>
+#include <functional>
 #include <string>
 
 #include "recording/event_decoder.hpp"
@@ -27,7 +28,8 @@ constexpr std::size_t kMaxHeaderBytes = kHeadBytes / 2;
 // The bytes of a file that have been read but not yet been decoded.
 class InputBuffer {
 public:
-    explicit InputBuffer(const std::filesystem::path& path) : file(path), buffer(kBufferBytes) {}
+    InputBuffer(const std::filesystem::path& path, const std::function<void()>& on_signal)
+        : file(path, on_signal), buffer(kBufferBytes) {}
 
     Bytes unread() const { return {buffer.data() + begin, end - begin}; }
 
@@ -71,7 +73,8 @@ private:
 
 class FileEventReader : public EventReader {
 public:
-    FileEventReader(const std::filesystem::path& path, const ReadOptions& options) : input(path) {
+    FileEventReader(const std::filesystem::path& path, const ReadOptions& options)
+        : input(path, options.on_signal) {
         const bool has_more = input.fillTo(kHeadBytes);
         const Bytes head = input.unread();
         const std::string& file = input.source().name();

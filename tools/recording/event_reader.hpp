@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -59,6 +60,10 @@ struct ReadOptions {
     std::optional<Format> format;           ///< Instead of the one found by content.
     std::optional<SensorSize> sensor_size;  ///< Instead of that of the recording.
     TextLayout text;                        ///< For text recordings.
+
+    /// Called when a signal arrives while a pipe is waited for. Gives up by throwing: the reader stays
+    /// usable, and loses no events by it.
+    std::function<void()> on_signal = {};
 };
 
 /// Opens a recording of any `Format`: a file, or a pipe such as `/dev/stdin`. Reads the first 64

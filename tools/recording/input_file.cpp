@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "recording/recording_error.hpp"
 
@@ -17,9 +18,23 @@ std::string systemMessage(int error) {
     return std::generic_category().message(error);
 }
 
-int openForReading(const std::string& name) {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system offers no other way
-    const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+/// Repeats a call of the system as long as nothing but signals ends it.
+template <class Call>
+auto callThroughSignals(const Call& call, const std::function<void()>& on_signal) {
+    auto result = call();
+    while (result < 0 && errno == EINTR) {
+        if (on_signal) {
+            on_signal();
+        }
+        result = call();
+    }
+    return result;
+}
+
+int openForReading(const std::string& name, const std::function<void()>& on_signal) {
+    const int descriptor = callThroughSignals(
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system offers no other way
+        [&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC); }, on_signal);
     if (descriptor < 0) {
         const int error = errno;
         throw RecordingError(name, "cannot be opened (" + systemMessage(error) + ")", "",
@@ -30,8 +45,10 @@ int openForReading(const std::string& name) {
 
 }  // namespace
 
-InputFile::InputFile(const std::filesystem::path& path)
-    : file_name(path.string()), descriptor(openForReading(file_name)) {
+InputFile::InputFile(const std::filesystem::path& path, std::function<void()> on_signal_)
+    : file_name(path.string()),
+      on_signal(std::move(on_signal_)),
+      descriptor(openForReading(file_name, on_signal)) {
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) {
         return;
@@ -50,10 +67,8 @@ InputFile::~InputFile() {
 }
 
 std::size_t InputFile::read(char* buffer, std::size_t size) {
-    ssize_t count = 0;
-    do {
-        count = ::read(descriptor, buffer, size);
-    } while (count < 0 && errno == EINTR);
+    const ssize_t count =
+        callThroughSignals([&] { return ::read(descriptor, buffer, size); }, on_signal);
     if (count < 0) {
         throw RecordingError(file_name, "cannot be read (" + systemMessage(errno) + ")", "",
                              "check the disk or the connection");

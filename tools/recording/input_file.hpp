@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace kelvora::recording {
@@ -11,8 +12,10 @@ namespace kelvora::recording {
 /// A file, pipe or device that is read from front to back.
 class InputFile {
 public:
+    /// \param on_signal  Called when a signal arrives while the file is waited for. Gives up by
+    ///     throwing; otherwise the wait goes on.
     /// \throws RecordingError  if it cannot be opened or is a directory.
-    explicit InputFile(const std::filesystem::path& path);
+    explicit InputFile(const std::filesystem::path& path, std::function<void()> on_signal = {});
     ~InputFile();
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
@@ -31,6 +34,7 @@ public:
 
 private:
     std::string file_name;
+    std::function<void()> on_signal;
     int descriptor;
     std::uint64_t file_size = 0;
 };
