@@ -229,7 +229,10 @@ REFUSED_VALUES = [
         dict(p=np.array([1, 0, -1], "i1"), x=np.arange(3, dtype="u2"), y=np.arange(3, dtype="u2")),
         "-1 and 0",
     ),
-    (dict(t=np.array([0, 1.6e9, 1.7e9], "f4"), time_unit="s"), "time of event 1 is 1600000000: 32-bit"),
+    (
+        dict(t=np.array([0, 1.6e9, 1.7e9], "f4"), time_unit="s"),
+        "time of event 1 is 1600000000: 32-bit",
+    ),
     (dict(time_unit="minutes"), "not 'minutes'"),
     (dict(x=[0, 1]), "x has 2 elements, but y has 3"),
     (dict(p=np.zeros((3, 1), int)), "p must hold one number per event"),
