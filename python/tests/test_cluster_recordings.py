@@ -59,12 +59,16 @@ def opened_by(path):
 
 
 def wait_until_opened(pipe):
-    """Opens a pipe for writing as soon as a process reads it."""
-    while True:
-        try:
-            return os.open(pipe, os.O_WRONLY | os.O_NONBLOCK)
-        except OSError:
-            time.sleep(0.01)
+    """Opens a pipe for writing as soon as a process reads it; returns this end and the process."""
+    writer = None
+    while writer is None:
+        with contextlib.suppress(OSError):
+            writer = os.open(pipe, os.O_WRONLY | os.O_NONBLOCK)
+        time.sleep(0.01)
+    # The reader's call, which this one has let go on, may not have returned yet.
+    while (reader := opened_by(pipe)) is None:
+        time.sleep(0.01)
+    return writer, reader
 
 
 @contextlib.contextmanager
@@ -265,11 +269,10 @@ def test_ctrl_c_ends_all_processes(tmp_path, from_standard_input):
         if from_standard_input:
             process.stdin.write(program)
         process.stdin.close()
-        writer = wait_until_opened(pipe)
-        worker = opened_by(pipe)
-        assert worker not in (None, process.pid)
+        writer, worker = wait_until_opened(pipe)
         process.send_signal(signal.SIGINT)
         assert "KeyboardInterrupt" in process.stderr.read()
+    assert worker != process.pid
     assert not pathlib.Path(f"/proc/{worker}").exists()
     os.close(writer)
 
