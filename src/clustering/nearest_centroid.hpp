@@ -126,9 +126,10 @@ void NearestCentroid<DIM, T>::chooseHalvings(std::size_t cell_count) {
     whole.first_cell = 0;
     whole.cell_count = 1;
     while (whole.cell_count < cell_count) {
-        const auto longest = std::max_element(side.begin(), side.end());
-        *longest /= 2;
-        halvings.push_back(static_cast<std::size_t>(longest - side.begin()));
+        const auto longest =
+            static_cast<std::size_t>(std::max_element(side.begin(), side.end()) - side.begin());
+        side[longest] /= 2;
+        halvings.push_back(longest);
         whole.cell_count *= 2;
     }
     list_of_cell.resize(whole.cell_count);
