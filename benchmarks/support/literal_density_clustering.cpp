@@ -199,6 +199,7 @@ void LiteralDensityClustering<DIM, T>::runManyJobs(Clusters& clusters, Boxes& bo
     neighbour_lists.resize(tree->points().size());
     next_point = 0;
     std::vector<std::thread> workers;
+    workers.reserve(n_jobs);
     for (int job = 0; job < n_jobs; ++job) {
         workers.emplace_back([this] { keepNeighbours(); });
     }
