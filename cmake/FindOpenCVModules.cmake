@@ -2,11 +2,11 @@
 #[[
 Finds single modules of OpenCV: find_package(OpenCVModules 4.0 COMPONENTS core imgproc).
 
-Each module M becomes the target OpenCVModules::M. OpenCV's own package configuration is used where it is
-installed. Debian ships it only in libopencv-dev, which pulls in several hundred packages, so that headers and
-libraries are looked up directly where it is missing.
+Each module M becomes the target OpenCVModules::M. If OpenCV's package configuration is installed, it is used. Debian
+ships it only in libopencv-dev, which pulls in several hundred packages. Without it, this module looks up headers and
+libraries directly.
 
-OpenCVModules_STATUS says in words what was found or what is missing.
+OpenCVModules_STATUS says in words what was found or is missing.
 ]]
 
 function(kelvora_read_opencv_version include_dir result)
@@ -32,7 +32,7 @@ if(OpenCV_FOUND)
         endif()
     endforeach()
 else()
-    # Debian splits the headers: those that differ between architectures lie in a directory of their own.
+    # Debian splits the headers: headers that differ between architectures lie in a separate directory.
     find_path(OpenCVModules_INCLUDE_DIR opencv2/core/version.hpp PATH_SUFFIXES opencv4)
     find_path(OpenCVModules_CONFIG_INCLUDE_DIR opencv2/opencv_modules.hpp PATH_SUFFIXES opencv4)
     mark_as_advanced(OpenCVModules_INCLUDE_DIR OpenCVModules_CONFIG_INCLUDE_DIR)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Finds what the library needs, or stops with the name and version of the package to install.
+# Finds the dependencies of the library, or stops with the name and version of the package to install.
 
 find_package(OpenCVModules 4.0 QUIET COMPONENTS core)
 if(NOT OpenCVModules_FOUND)

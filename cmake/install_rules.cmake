@@ -26,9 +26,9 @@ install(FILES
     DESTINATION "${package_dir}"
     COMPONENT kelvora_development)
 
-# For programs that are not built by CMake. OpenCV's directories are written out: Debian ships OpenCV's own .pc file only
-# in libopencv-dev, and it links every module. They are system directories, as in CMake, since OpenCV's headers do not
-# compile without warnings in C++20.
+# For programs that are not built with CMake. The file names OpenCV's directories itself: Debian ships OpenCV's .pc file
+# only in libopencv-dev, and it links every module. They are system directories, as in CMake, because OpenCV's headers
+# cause warnings in C++20.
 file(RELATIVE_PATH KELVORA_INCLUDE_FROM_PC
     "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
 set(KELVORA_OPENCV_CORE OpenCVModules::core)
@@ -43,7 +43,7 @@ install(FILES "${pc_file}"
     COMPONENT kelvora_development)
 
 if(KELVORA_BUILD_TOOLS)
-    # The linker finds the library in the system's directories by itself; elsewhere the tool says where it lies.
+    # The loader finds the library in system directories. Anywhere else, the tool stores the path.
     if(NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
         file(RELATIVE_PATH lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
         set_target_properties(kelvora_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Manual pages of the tool: kelvora(1), and one for each command.
+# Manual pages for the tool: kelvora(1) and one per command.
 find_program(HELP2MAN help2man)
 if(NOT HELP2MAN)
     message(FATAL_ERROR "The manual pages need help2man. On Debian: apt install help2man")

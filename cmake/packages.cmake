@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: MIT
-# Debian packages: `cpack -G DEB` in a build directory that is configured as in scripts/package. The names are Debian's: that of the library has the version of its binary interface.
+# Debian packages: `cpack -G DEB` in a build directory configured as in scripts/package. The names follow Debian's
+# rules: the name of the library includes the version of its binary interface.
 
-# The description of the binary interface is read off debug information, which packages come without. Paths in it begin
-# at the root of the repository, so that it does not matter where that lies.
+# The description of the binary interface comes from debug information, which the packages leave out. Paths in it begin
+# at the root of the repository, so that the location of the checkout does not matter.
 target_compile_options(kelvora PRIVATE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
 
 set(CPACK_PACKAGE_CONTACT "The Kelvora authors <kelvora@example.org>")
@@ -15,14 +16,14 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(debian_version "${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}")
 
-# Dependencies on packages of others are read off the binaries. Those among the packages made here are stated below,
-# as the system does not know them yet.
+# Dependencies on other packages are derived from the binaries. Dependencies between the packages made here are stated
+# below, because the system does not know these packages yet.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/src")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
-# Debian wants a changelog in its own form.
+# Debian requires a changelog in its format.
 set(debian_dir "${PROJECT_BINARY_DIR}/debian")
 string(TIMESTAMP build_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 set(changelog "${debian_dir}/changelog.Debian")
@@ -37,7 +38,7 @@ execute_process(
     COMMAND gzip -9n --force --keep "${changelog}"
     COMMAND_ERROR_IS_FATAL ANY)
 
-# kelvora_package(COMPONENT NAME SECTION DEPENDS SUMMARY TEXT): the package of one component of the installation.
+# kelvora_package(COMPONENT NAME SECTION DEPENDS SUMMARY TEXT): makes a package from one component of the installation.
 set(about "Kelvora finds clusters of activity (moving objects, blobs, flickering lights)
 in the output of event cameras, by grid, density or centroid, and follows them.\n.\n")
 function(kelvora_package component name section depends summary text)
@@ -48,7 +49,7 @@ function(kelvora_package component name section depends summary text)
     set(${prefix}_DESCRIPTION "clustering of event camera output - ${summary}\n${about}${text}" PARENT_SCOPE)
     set(CPACK_COMPONENTS_ALL ${CPACK_COMPONENTS_ALL} ${component} PARENT_SCOPE)
 
-    # In packages only: a plain installation has no need of these.
+    # Only for packages: a plain installation does not need these.
     set(doc_dir "${CMAKE_INSTALL_DATAROOTDIR}/doc/${name}")
     install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" RENAME copyright
         DESTINATION "${doc_dir}" COMPONENT ${component} EXCLUDE_FROM_ALL)
@@ -77,7 +78,7 @@ endif()
 if(KELVORA_BUILD_PYTHON)
     find_package(Python REQUIRED COMPONENTS Interpreter)
     math(EXPR next_minor "${Python_VERSION_MINOR} + 1")
-    # An extension module fits one version of the interpreter.
+    # An extension module works with one version of the interpreter only.
     kelvora_package(kelvora_python python3-kelvora python
         "${library} (>= ${debian_version}), python3-numpy, python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), python3 (<< ${Python_VERSION_MAJOR}.${next_minor})"
         "Python package"

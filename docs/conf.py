@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-"""Makes the site of the Markdown pages and of what Doxygen reads in the headers, for scripts/docs.
+"""Builds the site from the Markdown pages and the comments in the headers, for scripts/docs.
 
-The root of the repository is the source directory, so that a page links to any other file as it
-does in the repository itself.
+The root of the repository is the source directory, so that links in pages work on the site as they
+do in the repository.
 """
 
 import pathlib
@@ -45,15 +45,15 @@ pygments_style = "friendly"
 
 
 class ToolHelp(SphinxDirective):
-    """What a command of the tool says when it is asked for help.
+    """The help text of a command of the tool.
 
-    In the repository, that command itself shows.
+    In the repository, the page shows the command itself.
     """
 
     has_content = True
 
     def run(self) -> list[nodes.Node]:
-        """Run the command that is the content."""
+        """Run the command in the content."""
         program, *arguments = "".join(self.content).split()
         if program != "kelvora":
             raise self.error(f"not a command of the tool: {program}")
@@ -61,7 +61,7 @@ class ToolHelp(SphinxDirective):
         if not tool.is_file():
             raise ExtensionError(f"{tool} is missing: scripts/docs builds it")
         said = subprocess.run([tool, *arguments], capture_output=True, text=True, check=False)
-        # Of a command that does not exist, the tool gives its own help.
+        # For an unknown command, the tool prints its general help.
         usage = " ".join(["Usage:", program, *arguments[:-1], "["])
         if said.returncode != 0 or usage not in said.stdout:
             raise self.error(f"'{program} {' '.join(arguments)}' gives no help: {said.stderr}")
@@ -69,7 +69,7 @@ class ToolHelp(SphinxDirective):
 
 
 def setup(app: Sphinx) -> dict[str, bool]:
-    """Register the directive and where the tool lies."""
+    """Register the directive and the path of the tool."""
     tool = ROOT / "build/release/tools/command_line/kelvora"
     app.add_config_value("kelvora_tool", str(tool), "env")
     app.add_directive("tool-help", ToolHelp)

@@ -8,7 +8,7 @@
 
 constexpr unsigned long long kSlice = 10'000;  // microseconds
 
-// What a camera would say that counts from 1970: a block of pixels that moves to the right.
+// Stands in for a camera that counts time from 1970: a block of pixels moves to the right.
 std::vector<kelvora::Event2D> eventsOfSlice(unsigned long long start) {
     std::vector<kelvora::Event2D> events;
     for (unsigned short i = 0; i < 400; ++i) {

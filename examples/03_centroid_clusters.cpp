@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// A known number of objects, and the middle of each: three markers that flash together for 10 ms.
+// A known number of objects and their centres: three markers flash together for 10 ms.
 #include <cstddef>
 #include <iostream>
 #include <kelvora/kelvora.hpp>
 #include <vector>
 
-// Squares of 20 by 20 pixels, with the left edges at columns 100, 300 and 500.
+// Squares of 20 by 20 pixels with their left edges at columns 100, 300 and 500.
 std::vector<kelvora::Event2D> flashingMarkers() {
     std::vector<kelvora::Event2D> events;
     for (unsigned short i = 0; i < 400; ++i) {

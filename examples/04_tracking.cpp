@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The same number for the same object from window to window: two blocks, one moving right, one left.
+// The same object keeps its number from window to window: one block moves right, one left.
 #include <iostream>
 #include <kelvora/kelvora.hpp>
 #include <vector>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// How busy a sensor is: the events of the last 100 ms, known at any time.
+// How busy a sensor is: counts the events of the last 100 ms at any time.
 #include <iostream>
 #include <kelvora/kelvora.hpp>
 #include <vector>
 
 int main() {
-    // 100 bins of 1 ms. Time advances by gaps of at least a bin between one event and the next.
+    // 100 bins of 1 ms. Only gaps of at least one bin between two events advance the window.
     kelvora::SlidingEventCounter counter(100'000, 100);
 
     for (unsigned long long time = 0; time < 300'000; time += 2'000) {  // 500 events per second
@@ -15,7 +15,7 @@ int main() {
     const auto calm = counter.getEventCount();
     std::cout << calm << " events in the last 100 ms\n";
 
-    // Times alone can be counted, too. With the flash the window moves on, and one event leaves it.
+    // The counter also takes plain times. The flash moves the window on, and one event leaves it.
     const std::vector<unsigned long long> flash(5'000, 300'000);
     counter.addTimestamps(flash.data(), flash.size());
     const auto busy = counter.getEventCount();

@@ -18,11 +18,12 @@ std::vector<Point> crossings() {
 }
 
 int main() {
-    const std::vector<Point> points = crossings();  // has to live as long as the tree is searched
+    const std::vector<Point> points = crossings();  // must outlive all searches
     kelvora::KDTree<2, float> tree;
     tree.build(points, 1);
 
-    // Points at exactly the radius are not found; the point itself is. Distances come squared.
+    // The search does not find points at exactly the radius, but finds the point itself. Distances
+    // are squared.
     std::vector<nanoflann::ResultItem<std::size_t, float>> neighbours;
     const std::size_t within = tree.radiusSearchIndex(1.5F, neighbours, true, 55);
     std::cout << within << " points closer than 1.5, the furthest at a squared distance of "

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Points that are no events: DBSCAN and k-means on any coordinates.
+// DBSCAN and k-means on any points, not only events.
 #include <cmath>
 #include <cstddef>
 #include <iostream>
@@ -11,7 +11,7 @@ using Point = kelvora::KDPoint<2, double>;
 using Clusters = std::vector<std::vector<std::size_t>>;  // numbers of points
 using Boxes = std::vector<std::vector<double>>;  // smallest x and y, extent along x and along y
 
-// A ring of radius 10 around a small one of radius 1, and a stray point.
+// A ring of radius 10 around a small ring of radius 1, and a stray point.
 std::vector<Point> ringsAndStray() {
     std::vector<Point> points;
     for (int i = 0; i < 200; ++i) {
@@ -27,7 +27,8 @@ int main() {
     Clusters clusters;
     Boxes boxes;
 
-    // Follows shapes and leaves noise out: two rings. Points at exactly the radius are not near.
+    // Follows shapes and leaves noise out: two rings. Points at exactly the radius are not
+    // neighbours.
     kelvora::DensityClustering<2, double> dbscan(2.0, 4);
     dbscan.generateClustersMultiThread(points, clusters, boxes, 1);
     for (std::size_t i = 0; i < clusters.size(); ++i) {
@@ -35,7 +36,7 @@ int main() {
     }
     const bool rings_found = clusters.size() == 2 && clusters[0].size() == 100;
 
-    // Divides all points among a given number of centroids, the stray point included.
+    // Divides all points among a given number of centroids, including the stray point.
     kelvora::CentroidClustering<2, double> kmeans(2, 100, 1e-6);
     kmeans.generateClusters(points, clusters, boxes);
     std::vector<Point> centroids;
