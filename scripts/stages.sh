@@ -1,13 +1,14 @@
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash
 #
-# What scripts/demo and scripts/test have in common: both run in stages, and each stage says how long it took.
+# Runs scripts in stages. Each stage writes its output to a log and reports its time.
 # Sourced in the root of the repository.
 
 log_dir=build/logs
+stage_times=()
 
 # stage NAME TITLE COMMAND [ARGUMENT]...: runs the command with its output in $log_dir/NAME.log.
-# If it fails, the end of that file is shown, without the tests that did not fail, and the script ends.
+# If it fails, shows the end of that file, without the tests that passed, and ends the script.
 stage() {
     local log=$log_dir/$1.log begin=$SECONDS
     printf '== %s\n' "$2"
@@ -19,10 +20,11 @@ stage() {
         exit 1
     fi
     report_tests "$log"
+    stage_times+=("$(printf '%-20s %5d s   %s' "$1" $((SECONDS - begin)) "$2")")
     printf '   done in %d s\n' $((SECONDS - begin))
 }
 
-# The closing line of ctest, if the stage ran it. Tests that were skipped count as passed there.
+# The closing line of ctest, if the stage ran it. It counts skipped tests as passed.
 report_tests() {
     local skipped
     grep 'tests passed' "$1" || return 0
@@ -30,7 +32,13 @@ report_tests() {
     [[ $skipped == 0 ]] || printf '   %d were skipped, see %s\n' "$skipped" "$1"
 }
 
-# install_packages GROUP...: not a stage with a log, as it may ask for a password.
+# The time of each stage so far, a line each.
+report_times() {
+    printf '\n'
+    printf '%s\n' "${stage_times[@]}"
+}
+
+# install_packages GROUP...: not a stage with a log, because it may ask for a password.
 install_packages() {
     local begin=$SECONDS
     printf '== Packages: %s\n' "$*"
@@ -38,9 +46,13 @@ install_packages() {
     printf '   done in %d s\n' $((SECONDS - begin))
 }
 
+# configure PRESET DIRECTORY [CMAKE_OPTION]...
+configure() {
+    # Without ccache the option is empty, so that CMake forgets a ccache that was removed.
+    cmake --preset "$1" -B "$2" -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache)" "${@:3}"
+}
+
 # configure_and_build PRESET DIRECTORY [CMAKE_OPTION]...
 configure_and_build() {
-    # Without ccache the option is empty, which makes CMake forget one that is gone.
-    cmake --preset "$1" -B "$2" -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache)" "${@:3}" &&
-        cmake --build "$2"
+    configure "$@" && cmake --build "$2"
 }
