@@ -6,17 +6,18 @@ import csv
 import io
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import sys
 import threading
-import time
 
 import numpy as np
 import pytest
 
 import kelvora
 from recordings import DATA, damaged_copy, needs_data, run_tool, simulate, write_records
+from waiting import wait_until
 
 SENSOR = (320, 240)
 
@@ -32,11 +33,16 @@ def scenes(tmp_path_factory):
 def dask_client():
     distributed = pytest.importorskip("distributed")
     dask = pytest.importorskip("dask")
-    # A task is not given to a second worker once the first has died.
-    with dask.config.set({"distributed.scheduler.allowed-failures": 0}):
+    settings = {
+        # A task is not given to a second worker once the first has died.
+        "distributed.scheduler.allowed-failures": 0,
+        "distributed.comm.timeouts.connect": "300s",
+        "distributed.comm.timeouts.tcp": "300s",
+    }
+    with dask.config.set(settings):
         cluster = distributed.LocalCluster(n_workers=2, processes=True, dashboard_address=None)
-    with cluster, distributed.Client(cluster) as client:
-        yield client
+        with cluster, distributed.Client(cluster) as client:
+            yield client
 
 
 def assert_same(left, right):
@@ -49,26 +55,33 @@ def assert_same(left, right):
         assert [getattr(one, name) for name in counts] == [getattr(other, name) for name in counts]
 
 
-def opened_by(path):
-    """The process, other than this one, that has opened a file."""
+def reader_of(pipe):
+    """The process that has opened a pipe for reading only, if there is one.
+
+    A process that has just been forked still has this one's descriptors, which can write, too.
+    """
     for link in pathlib.Path("/proc").glob("[0-9]*/fd/*"):
         with contextlib.suppress(OSError):
-            if os.readlink(link) == str(path) and int(link.parts[2]) != os.getpid():
-                return int(link.parts[2])
+            process, descriptor = link.parts[2], link.parts[4]
+            if os.readlink(link) != str(pipe):
+                continue
+            details = pathlib.Path(f"/proc/{process}/fdinfo/{descriptor}").read_text()
+            flags = int(re.search(r"^flags:\s*(\d+)", details, re.MULTILINE)[1], base=8)
+            if flags & os.O_ACCMODE == os.O_RDONLY:
+                return int(process)
     return None
 
 
 def wait_until_opened(pipe):
-    """Opens a pipe for writing as soon as a process reads it; returns this end and the process."""
-    writer = None
-    while writer is None:
+    """Open a pipe for writing once a process reads it; return this end and the process."""
+
+    def open_for_writing():
         with contextlib.suppress(OSError):
-            writer = os.open(pipe, os.O_WRONLY | os.O_NONBLOCK)
-        time.sleep(0.01)
+            return [os.open(pipe, os.O_WRONLY | os.O_NONBLOCK)]
+
+    [writer] = wait_until(open_for_writing)
     # The reader's call, which this one has let go on, may not have returned yet.
-    while (reader := opened_by(pipe)) is None:
-        time.sleep(0.01)
-    return writer, reader
+    return writer, wait_until(lambda: reader_of(pipe))
 
 
 @contextlib.contextmanager
@@ -81,7 +94,7 @@ def killed_readers(pipe):
 
     def kill():
         while not is_over.wait(0.02):
-            process = opened_by(pipe)
+            process = reader_of(pipe)
             if process is not None and process not in killed:
                 killed.append(process)
                 os.kill(process, signal.SIGKILL)

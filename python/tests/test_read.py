@@ -1,21 +1,29 @@
 # SPDX-License-Identifier: MIT
 """Reading recordings."""
 
+import contextlib
 import os
+import pathlib
 import pickle
+import select
 import signal
 import subprocess
 import sys
 import threading
-import time
 
 import numpy as np
 import pytest
 
 import kelvora
 from recordings import DATA, damaged_copy, needs_data, rows_of, simulate, write_records
+from waiting import LIMIT, wait_until
 
 THREE = [(1000, 7, 5, 1), (1001, 8, 6, 0), (1005, 9, 5, 1)]
+
+
+def is_asleep(process):
+    """Whether the main thread of a process waits for something."""
+    return "\nState:\tS" in pathlib.Path(f"/proc/{process}/status").read_text()
 
 
 def read_all(path, **options):
@@ -191,7 +199,7 @@ def test_pipe_gives_what_has_arrived_and_others_run_meanwhile(tmp_path):
     def write():
         with open(pipe, "wb", buffering=0) as out:
             out.write(source)
-            go_on.wait(60)
+            go_on.wait(LIMIT)
             out.write(source[:16])
 
     writer = threading.Thread(target=write)
@@ -257,30 +265,49 @@ def test_equal_events_have_equal_bytes(tmp_path):
 def test_ctrl_c_ends_the_wait_for_a_pipe(tmp_path, has_writer):
     pipe = tmp_path / "pipe"
     os.mkfifo(pipe)
+    # One exception, however many signals arrive. The program ends when no more are sent.
     program = """if True:
-        import sys, kelvora
+        import signal, sys, kelvora
+
+        def interrupt(*_):
+            global is_interrupted
+            if not is_interrupted:
+                is_interrupted = True
+                raise KeyboardInterrupt
+
+        is_interrupted = False
+        signal.signal(signal.SIGINT, interrupt)
         try:
-            print("begin", flush=True)
+            print(0, flush=True)
             for events in kelvora.read(sys.argv[1], input_format="records"):
                 print(len(events), flush=True)
         except KeyboardInterrupt:
-            print("interrupted")
+            print("interrupted", flush=True)
+        sys.stdin.read()
     """
+    events = THREE * 2000 if has_writer else []
     command = [sys.executable, "-c", program, pipe]
-    with subprocess.Popen(command, stdout=subprocess.PIPE, text=True) as process:
-        try:
-            assert process.stdout.readline() == "begin\n"
-            if has_writer:
-                writer = open(pipe, "wb", buffering=0)
-                writer.write(write_records(tmp_path / "a.bin", THREE * 2000).read_bytes())
-            deadline = time.monotonic() + 60
-            while process.poll() is None and time.monotonic() < deadline:
-                time.sleep(0.2)
-                process.send_signal(signal.SIGINT)
-            assert process.returncode == 0
-        finally:
-            process.kill()
-        assert process.stdout.read().splitlines()[-1] == "interrupted"
+    with contextlib.ExitStack() as stack:
+        process = stack.enter_context(
+            subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        )
+        stack.callback(process.kill)
+        count = int(process.stdout.readline())
+        if has_writer:
+            writer = stack.enter_context(open(pipe, "wb", buffering=0))
+            writer.write(write_records(tmp_path / "a.bin", events).read_bytes())
+        while count < len(events):
+            count += int(process.stdout.readline())
+        wait_until(lambda: is_asleep(process.pid))
+
+        def ends_by_signal():
+            process.send_signal(signal.SIGINT)
+            return select.select([process.stdout], [], [], 0.2)[0]
+
+        wait_until(ends_by_signal)
+        assert process.stdout.readline() == "interrupted\n"
+        process.stdin.close()
+        assert process.wait(LIMIT) == 0
 
 
 @pytest.mark.parametrize("path", ["a\0b", b"a\0b"])

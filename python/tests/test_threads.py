@@ -3,8 +3,6 @@
 
 import gc
 import sys
-import threading
-import time
 import tracemalloc
 from concurrent.futures import ThreadPoolExecutor
 
@@ -12,6 +10,7 @@ import numpy as np
 import pytest
 
 import kelvora
+from waiting import releases_the_gil
 
 WIDTH, HEIGHT = 320, 240
 
@@ -26,47 +25,32 @@ def random_events(count, seed=0):
     return events
 
 
-def turns_meanwhile(work):
-    """How often this thread gets to run Python while another one does the work."""
-    span = []
-
-    def call():
-        span.append(time.perf_counter())
-        work()
-        span.append(time.perf_counter())
-
-    thread = threading.Thread(target=call)
-    turns = []
-    thread.start()
-    while thread.is_alive():
-        time.sleep(0.001)
-        turns.append(time.perf_counter())
-    return sum(span[0] < turn < span[1] for turn in turns)
+def test_feeding_events_releases_the_gil():
+    clusterer = kelvora.GridClusterer(WIDTH, HEIGHT)
+    events = random_events(2_000_000)
+    assert releases_the_gil(lambda: clusterer.process(events))
 
 
-def process(clusterer, events):
-    return lambda: clusterer.process(events)
+def test_generating_clusters_releases_the_gil():
+    clusterer = kelvora.DensityClusterer(WIDTH, HEIGHT, eps=3)
+    events = random_events(100_000)
+    assert releases_the_gil(
+        lambda: clusterer.generate(0), prepare=lambda: clusterer.process(events)
+    )
 
 
 @pytest.mark.parametrize(
-    "work",
-    [
-        process(
-            kelvora.GridClusterer(WIDTH, HEIGHT), np.broadcast_to(random_events(1), 30_000_000)
-        ),
-        lambda: kelvora.dbscan(np.random.default_rng(1).uniform(0, 300, (400_000, 2)), 3.0, 10),
-        lambda: kelvora.kmeans(np.random.default_rng(1).uniform(0, 300, (400_000, 2)), 50),
-    ],
-    ids=["process", "dbscan", "kmeans"],
+    "cluster",
+    [lambda points: kelvora.dbscan(points, 3.0, 10), lambda points: kelvora.kmeans(points, 50)],
+    ids=["dbscan", "kmeans"],
 )
-def test_other_threads_run_meanwhile(work):
-    assert turns_meanwhile(work) > 10
+def test_clustering_points_releases_the_gil(cluster):
+    points = np.random.default_rng(1).uniform(0, 300, (100_000, 2))
+    assert releases_the_gil(lambda: cluster(points))
 
 
-def test_other_threads_run_while_clusters_are_generated():
-    clusterer = kelvora.DensityClusterer(WIDTH, HEIGHT, eps=3)
-    clusterer.process(random_events(300_000))
-    assert turns_meanwhile(lambda: clusterer.generate(0)) > 10
+def test_pure_python_does_not_release_the_gil():
+    assert not releases_the_gil(lambda: sum(range(1000)))
 
 
 def test_one_object_serves_many_threads_one_at_a_time():
