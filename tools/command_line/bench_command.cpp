@@ -47,7 +47,7 @@ void requireFile(const std::filesystem::path& path) {
     }
 }
 
-/// Takes the windows of a pass.
+/// Clusters the windows in one pass.
 class PassTimer {
 public:
     PassTimer(const ClusterWindow& cluster_, PassFigures& figures_)
@@ -123,7 +123,7 @@ void BenchCommand::checkOptions() const {
 }
 
 int BenchCommand::run() const {
-    // A defect does not undo what was read before it: it is reported when all of that is told.
+    // The figures from before a defect are still valid: report them first, then the defect.
     std::exception_ptr defect;
     const BenchReport report = measure(defect);
     if (json != "-") {
@@ -162,7 +162,7 @@ BenchReport BenchCommand::measure(std::exception_ptr& defect) const {
     return report;
 }
 
-/// Reads the recording, and clusters each window of it. Without `cluster` it is only read.
+/// Reads the recording and clusters each of its windows. Without `cluster`, only reads it.
 PassFigures BenchCommand::pass(const std::string& name, const ClusterWindow& cluster,
                                std::exception_ptr& defect) const {
     PassFigures figures;

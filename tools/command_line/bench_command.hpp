@@ -14,10 +14,10 @@
 
 namespace kelvora::tool {
 
-/// `kelvora bench`: says how fast the methods cluster a recording.
+/// `kelvora bench`: measures how fast each method clusters a recording.
 ///
-/// Each method goes over the recording on its own, after a pass that only reads it. So nothing of the
-/// recording is kept but a window, the caches are a method's own, and so is the peak of memory.
+/// A first pass only reads the recording, then each method gets a separate pass. Only one window is
+/// in memory at a time, and methods do not share caches or the peak memory.
 class BenchCommand {
 public:
     /// Adds the command and its options to the program.
@@ -27,7 +27,8 @@ public:
     bool isChosen() const { return command->parsed(); }
 
     /// \returns the exit status of the program.
-    /// \throws recording::RecordingError  for a bad recording, once all that could be read is timed.
+    /// \throws recording::RecordingError  for a bad recording, after everything readable has been
+    ///     timed.
     int run() const;
 
 private:

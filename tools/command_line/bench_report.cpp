@@ -21,7 +21,7 @@ Figure windowsPerSecond(const PassFigures& pass) {
     return quotient(static_cast<double>(pass.window_times.count()), pass.seconds);
 }
 
-/// How many seconds of the recording are done in a second.
+/// Seconds of the recording processed per second.
 Figure realTimeFactor(const PassFigures& pass) {
     return pass.recorded_us > 0
                ? quotient(static_cast<double>(pass.recorded_us) * 1e-6, pass.seconds)

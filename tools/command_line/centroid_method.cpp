@@ -17,7 +17,7 @@ namespace kelvora::tool {
 
 namespace {
 
-// The constructor of the clustering makes room for a count per cluster.
+// The clustering's constructor allocates a count per cluster.
 constexpr unsigned long long kMostClusters = 1'000'000;
 
 template <int DIM, typename T>
@@ -92,7 +92,7 @@ void declareOptions(CLI::App& command, CentroidOptions& options) {
         ->check(CLI::Range(1ULL, kMostClusters));
     add("--max-iter", options.max_iter, "NUMBER [50]", "Most iterations")->check(isPositive());
     add("--tol", options.tol, "UNITS [1]",
-        "Stop when the sum of all squared distances changes by less, squared scaled units")
+        "Stop when the sum of squared distances changes by less, squared scaled units")
         ->check(isPositive());
 }
 

@@ -12,7 +12,7 @@ namespace kelvora::tool {
 
 namespace {
 
-/// In absolute time, -1 if it is not known.
+/// Absolute time; -1 if unknown.
 std::int64_t centroidTime(const ClusterCentroid& centroid, std::uint64_t time_origin) {
     return centroid.time_us
                ? static_cast<std::int64_t>(time_origin) + std::llround(*centroid.time_us)

@@ -14,10 +14,10 @@ namespace kelvora::tool {
 class CentroidWriter {
 public:
     /// \param path  A file, or "-" for standard output.
-    /// \throws recording::RecordingError  if the file cannot be written; likewise `write`.
+    /// \throws recording::RecordingError  if the file cannot be written. `write` throws the same.
     explicit CentroidWriter(const std::filesystem::path& path);
 
-    /// \param end_time  Of the window, microseconds.
+    /// \param end_time  End of the window, microseconds.
     void write(std::uint64_t end_time, const WindowClusters& found);
 
 private:

@@ -18,7 +18,7 @@ public:
     bool isChosen() const { return command->parsed(); }
 
     /// \returns the exit status of the program.
-    /// \throws std::runtime_error  for bad input or output, once all that could be computed is
+    /// \throws std::runtime_error  for bad input or output, after all valid results have been
     ///     written.
     int run() const;
 

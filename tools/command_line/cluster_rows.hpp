@@ -13,16 +13,16 @@ namespace kelvora::tool {
 /// One row of results: a cluster, or the predicted box of a hidden object.
 struct ClusterRow {
     const ClusterGeometry* box;
-    const ClusterTracker::Track* track;  ///< Null for none.
+    const ClusterTracker::Track* track;  ///< Null without a track.
 };
 
 /// The rows of a window: its clusters, then the objects hidden in them. They point into `found`.
 std::vector<ClusterRow> rowsOf(const WindowClusters& found);
 
-/// Start of a cluster in absolute time, microseconds; -1 if it is not known.
+/// Absolute start time of a cluster, microseconds; -1 if unknown.
 std::int64_t startTimeOf(const ClusterGeometry& cluster, const WindowClusters& found);
 
-/// `confirmed`, `tentative`, `hidden`, or `none` for no track.
+/// `confirmed`, `tentative`, `hidden`, or `none` without a track.
 const char* stateOf(const ClusterRow& row);
 
 }  // namespace kelvora::tool

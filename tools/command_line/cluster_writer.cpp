@@ -58,7 +58,7 @@ void appendJson(std::string& text, const ClusterRow& row, const WindowClusters& 
 void appendMot(std::string& text, const ClusterRow& row, const WindowClusters& found) {
     if (row.track != nullptr && isFollowed(*row.track)) {
         const ClusterGeometry& box = *row.box;
-        // The challenge counts pixels from 1.
+        // MOTChallenge coordinates start at 1.
         fmt::format_to(std::back_inserter(text), "{},{},{:.2f},{:.2f},{:.2f},{:.2f},1,-1,-1,-1\n",
                        found.number, row.track->id, box.x + 1, box.y + 1, box.width, box.height);
     }

@@ -11,22 +11,22 @@ namespace kelvora::tool {
 enum class ClusterFormat {
     Csv,
     JsonLines,
-    Mot  ///< As of the MOTChallenge: frame,id,left,top,width,height,1,-1,-1,-1 of tracks alone.
+    Mot  ///< MOTChallenge, tracks only: frame,id,left,top,width,height,1,-1,-1,-1.
 };
 
-/// Writes one row per cluster: the end of its window, its box in pixels, and its extent in time
-/// where it is known (start -1 and duration 0 where not), all times in microseconds.
+/// Writes one row per cluster: the end of its window, its box in pixels, and its start time and
+/// duration (-1 and 0 if unknown). All times are in microseconds.
 ///
 /// With tracks, the number of the cluster's track follows (0 for none), its velocity in pixels per
-/// second and its state: `confirmed`, `tentative` or `none`. Tracks that are `hidden` have rows of
-/// their own after those of the clusters, with the predicted box.
+/// second and its state: `confirmed`, `tentative` or `none`. `hidden` tracks follow the clusters,
+/// in separate rows with the predicted box.
 class ClusterWriter {
 public:
     /// \param path  A file, or "-" for standard output.
-    /// \throws recording::RecordingError  if the file cannot be written; likewise `write`.
+    /// \throws recording::RecordingError  if the file cannot be written. `write` throws the same.
     ClusterWriter(const std::filesystem::path& path, ClusterFormat format_, bool with_tracks_);
 
-    /// Writes the clusters of one window; afterwards, the system has them all.
+    /// Writes the clusters of one window and flushes them to the file.
     void write(const WindowClusters& found);
 
 private:

@@ -19,32 +19,32 @@ constexpr int kNoCluster = -1;
 struct ClusterCentroid {
     double x;
     double y;
-    std::optional<double> time_us;  ///< From the same origin as the clusters' start times.
+    std::optional<double> time_us;  ///< Same origin as the clusters' start times.
     unsigned long long size;        ///< Number of events.
 };
 
-/// What a method found in one window.
+/// The clusters found in one window.
 struct WindowClusters {
-    /// Of the window, from 1 at the first one with events; windows without events count too.
+    /// Number of the window. The first window with events is 1; later empty windows count too.
     std::uint64_t number = 1;
 
     std::vector<ClusterGeometry> clusters;
 
-    /// What the start times of the clusters count from, microseconds.
+    /// Origin of the clusters' start times, microseconds.
     std::uint64_t time_origin = 0;
 
-    /// For each event of the window the index of its cluster, or `kNoCluster`. Empty if the method
-    /// does not tell.
+    /// For each event of the window, the index of its cluster or `kNoCluster`. Empty if the method
+    /// does not provide labels.
     std::vector<int> labels;
 
-    /// The centroid of each cluster. Empty if the method knows none.
+    /// The centroid of each cluster. Empty if the method has no centroids.
     std::vector<ClusterCentroid> centroids;
 
-    /// The objects that are followed, if they are. Methods leave them alone.
+    /// The tracked objects, if tracking is on. Clustering methods do not change them.
     std::vector<ClusterTracker::Track> tracks;
 };
 
-/// Finds the clusters of one window after the other.
+/// Finds the clusters of each window in turn.
 class ClusteringMethod {
 public:
     ClusteringMethod() = default;
@@ -52,12 +52,12 @@ public:
     ClusteringMethod& operator=(const ClusteringMethod&) = delete;
     virtual ~ClusteringMethod() = default;
 
-    /// \param window  Events on the sensor and of the wanted polarity. Its end becomes the timestamp
-    ///     of the clusters.
-    /// \param found  What it holds is replaced.
+    /// \param window  Events on the sensor, of the selected polarity. The end of the window becomes
+    ///     the timestamp of the clusters.
+    /// \param found  Overwritten.
     virtual void cluster(const recording::Window& window, WindowClusters& found) = 0;
 
-    /// What the user should know of the windows so far, or nothing.
+    /// A remark for the user about the windows so far, or an empty string.
     virtual std::string remark() const { return {}; }
 };
 

@@ -31,7 +31,7 @@ void declareOptions(CLI::App& command, ClusteringOptions& options) {
     declareOptions(command, options.recording);
     declareWindows(command, options.windows);
     declarePolarity(command, options.windows);
-    command.add_option("--method", options.method, "How to find clusters")
+    command.add_option("--method", options.method, "Clustering method")
         ->transform(CLI::CheckedTransformer(kMethods).description(""))
         ->option_text("grid|density|centroid [grid]");
     declareOptions(command, options.grid);

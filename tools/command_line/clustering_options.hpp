@@ -18,7 +18,7 @@ namespace kelvora::tool {
 
 enum class Method { Grid, Density, Centroid };
 
-/// Which recording is clustered, and how.
+/// The recording to cluster, and how.
 struct ClusteringOptions {
     RecordingOptions recording;
     WindowOptions windows;
@@ -30,16 +30,16 @@ struct ClusteringOptions {
     TrackOptions track;
 };
 
-/// Adds an option for each.
+/// Adds an option for each field.
 void declareOptions(CLI::App& command, ClusteringOptions& options);
 
-/// \throws CLI::ValidationError  for options that contradict one another.
+/// \throws CLI::ValidationError  for contradictory options.
 void checkOptions(const ClusteringOptions& options);
 
 /// The chosen method.
 ///
-/// \param with_labels  Whether to tell the cluster of each event, as far as the method can.
-/// \throws std::runtime_error  if its memory cannot be reserved.
+/// \param with_labels  Whether to label each event with its cluster, if the method can.
+/// \throws std::runtime_error  if memory cannot be reserved.
 std::unique_ptr<ClusteringMethod> makeMethod(const ClusteringOptions& options,
                                              recording::SensorSize sensor, bool with_labels);
 

@@ -59,12 +59,13 @@ void declareOptions(CLI::App& command, DensityOptions& options) {
     add("--eps", options.eps, "UNITS [10]",
         "Radius of a neighbourhood, scaled units; points at exactly this distance lie outside")
         ->check(isPositive());
-    add("--min-pts", options.min_pts, "EVENTS [10]", "Events that make a neighbourhood dense")
+    add("--min-pts", options.min_pts, "EVENTS [10]",
+        "Number of events that make a neighbourhood dense")
         ->check(isPositive());
     add("--jobs", options.jobs, "THREADS [1]",
-        "Threads; 0 chooses by the number of events, -1 takes all. Two and more count a core point "
-        "differently (one neighbour more) and let border points join groups: results differ from "
-        "those of one")
+        "Number of threads; 0: chosen by the number of events, -1: all. Two or more count a core "
+        "point differently (one neighbour more) and let border points join groups, so results "
+        "differ from one thread")
         ->check(CLI::Range(-1, kMostJobs));
 }
 
@@ -72,7 +73,7 @@ std::unique_ptr<ClusteringMethod> makeDensityMethod(recording::SensorSize sensor
                                                     const PointOptions& points,
                                                     const DensityOptions& options,
                                                     bool with_labels) {
-    // The library leaves the order of clusters open for several jobs: labels settle it.
+    // With several jobs, the library does not specify the order of clusters. Order them by label.
     const bool needs_labels = with_labels || options.jobs != 1;
     return makePointMethod<DensityMethod>(points, sensor, options, needs_labels);
 }

@@ -23,8 +23,8 @@ void declareOptions(CLI::App& command, DensityOptions& options);
 
 /// Clusters by density. Results are the same in every run, whatever the number of jobs.
 ///
-/// \param with_labels  Whether to tell the cluster of each event, which takes some time.
-/// \throws std::runtime_error  if the points cannot be reserved.
+/// \param with_labels  Whether to label each event with its cluster, which takes extra time.
+/// \throws std::runtime_error  if memory for the points cannot be reserved.
 std::unique_ptr<ClusteringMethod> makeDensityMethod(recording::SensorSize sensor,
                                                     const PointOptions& points,
                                                     const DensityOptions& options,

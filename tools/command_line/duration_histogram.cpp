@@ -16,7 +16,7 @@ std::size_t classOf(double nanoseconds) {
                                     std::log(kGrowth));
 }
 
-/// In the middle of the class, by ratio.
+/// The geometric mean of the bounds of the class.
 double durationOf(std::size_t index) {
     return std::pow(kGrowth, static_cast<double>(index) + 0.5);
 }

@@ -8,8 +8,8 @@
 
 namespace kelvora::tool {
 
-/// Durations of which quantiles are asked for, in memory that does not grow with their number: they
-/// are counted in classes, each 1 % wider than the one below.
+/// Computes quantiles of durations in constant memory. Durations are counted in classes, each 1 %
+/// wider than the previous one.
 class DurationHistogram {
 public:
     DurationHistogram();
@@ -18,10 +18,10 @@ public:
 
     std::uint64_t count() const { return total; }
 
-    /// The duration that a share of all durations does not exceed, off by less than 1 %; 0 if there
-    /// are none.
+    /// The duration that a share of all durations does not exceed, with an error below 1 %; 0 if
+    /// there are none.
     ///
-    /// \param share  0.5: the median.
+    /// \param share  For example, 0.5 for the median.
     std::chrono::nanoseconds quantile(double share) const;
 
 private:

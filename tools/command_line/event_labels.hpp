@@ -20,7 +20,7 @@ struct EventScales {
     float time;
 };
 
-/// The point that the generators make of an event whose time counts from `origin`.
+/// The point that the generators make from an event whose time is relative to `origin`.
 template <int DIM, typename T>
 KDPoint<DIM, T> pointOf(const Event2D& event, std::uint64_t origin, const EventScales& scales) {
     KDPoint<DIM, T> point;
@@ -33,7 +33,7 @@ KDPoint<DIM, T> pointOf(const Event2D& event, std::uint64_t origin, const EventS
     return point;
 }
 
-/// Hashes coordinates, so that equal points meet.
+/// Hashes coordinates, so that equal points get the same hash.
 template <int DIM, typename T>
 struct PointHash {
     std::size_t operator()(const std::array<T, DIM>& coordinates) const {
@@ -45,9 +45,9 @@ struct PointHash {
     }
 };
 
-/// The cluster of each event of a window, found by comparing the events' points with those of the
-/// clusters. Equal points always belong to the same cluster; if there are more events than points of
-/// a place, the older ones were not clustered.
+/// Finds the cluster of each event of a window by looking up the event's point among the points of
+/// the clusters. Equal points always belong to the same cluster. If a position has more events than
+/// points, the oldest events were not clustered.
 template <int DIM, typename T>
 std::vector<int> labelEvents(const recording::Window& window,
                              const std::vector<std::vector<KDPoint<DIM, T>>>& clusters,
@@ -76,8 +76,7 @@ std::vector<int> labelEvents(const recording::Window& window,
     return labels;
 }
 
-/// Puts the clusters, and their centroids, into the order of their first events; those without
-/// events go.
+/// Sorts the clusters and their centroids by first event, and removes clusters without events.
 void sortByFirstEvent(WindowClusters& found);
 
 }  // namespace kelvora::tool

@@ -77,7 +77,7 @@ void printJson(const recording::EventReader& reader,
 }  // namespace
 
 InfoCommand::InfoCommand(CLI::App& program)
-    : command(program.add_subcommand("info", "Say what is in a recording")) {
+    : command(program.add_subcommand("info", "Summarise a recording")) {
     declareOptions(*command, recording);
     command->add_flag("--json", as_json, "Print JSON instead of a table");
 }

@@ -7,7 +7,7 @@
 
 namespace kelvora::tool {
 
-/// `kelvora info`: says what is in a recording.
+/// `kelvora info`: summarises a recording.
 class InfoCommand {
 public:
     /// Adds the command and its options to the program.
@@ -17,7 +17,8 @@ public:
     bool isChosen() const { return command->parsed(); }
 
     /// \returns the exit status of the program.
-    /// \throws recording::RecordingError  for a bad recording, once what could be read is told.
+    /// \throws recording::RecordingError  for a bad recording, after printing a summary of the
+    ///     readable part.
     int run() const;
 
 private:

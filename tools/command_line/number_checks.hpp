@@ -4,8 +4,8 @@
 #include <CLI/CLI.hpp>
 
 /// \file
-/// What numbers on the command line must be. Those of the argument parser let through what is not a
-/// number (`nan`), and write out the largest `double` with all its 309 digits.
+/// Range checks for numbers on the command line. The argument parser's checks accept `nan`, and
+/// print the largest `double` with all its 309 digits.
 
 namespace kelvora::tool {
 

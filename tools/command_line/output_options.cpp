@@ -20,7 +20,7 @@ void declareOptions(CLI::App& command, OutputOptions& options) {
         "File for the clusters, one row each; - is standard output");
     command
         .add_option("--format", options.format,
-                    "Format of the clusters; mot is that of the MOTChallenge, and needs --track")
+                    "Format of the clusters; mot is the MOTChallenge format and needs --track")
         ->transform(CLI::CheckedTransformer(formats).description(""))
         ->option_text("csv|jsonl|mot [csv]")
         ->group(group);
@@ -30,13 +30,13 @@ void declareOptions(CLI::App& command, OutputOptions& options) {
     add("--centroids", options.centroids, "FILE",
         "File for the centroid and size of every cluster (CSV); with --method centroid");
     add("--tracks", options.tracks, "FILE",
-        "File for the time, way and speed of every object (CSV); with --track");
+        "File for the lifetime, path length and speed of every object (CSV); with --track");
     add("--frames", options.pictures.frames_dir, "DIR",
         "Directory for a picture (PNG) of each window");
     add("--overview", options.pictures.overview, "FILE", "File for a sheet of some windows (PNG)");
     add("--plot3d", options.pictures.plot3d, "FILE",
         "File for a plot in space and time of the window with most events (PNG)");
-    command.add_flag("-q,--quiet", options.is_quiet, "No closing line and no progress")
+    command.add_flag("-q,--quiet", options.is_quiet, "Print no summary and no progress")
         ->group(group);
 }
 

@@ -9,7 +9,7 @@
 
 namespace kelvora::tool {
 
-/// Where results go; an empty path means that they are not wanted.
+/// Where results are written. An empty path disables the output.
 struct OutputOptions {
     std::filesystem::path clusters = "-";
     ClusterFormat format = ClusterFormat::Csv;
@@ -19,11 +19,11 @@ struct OutputOptions {
     PictureOptions pictures;
     bool is_quiet = false;
 
-    /// Whether somebody wants to know the cluster of each event.
+    /// Whether an output needs the cluster of each event.
     bool needLabels() const { return !points.empty() || pictures.isWanted(); }
 };
 
-/// Adds an option for each.
+/// Adds an option for each field.
 void declareOptions(CLI::App& command, OutputOptions& options);
 
 }  // namespace kelvora::tool

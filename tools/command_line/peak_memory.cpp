@@ -14,7 +14,7 @@ bool resetPeakMemory() {
 #ifdef __GLIBC__
     static_cast<void>(malloc_trim(0));
 #endif
-    // 5: the peak becomes what is resident now, see proc(5).
+    // 5 resets the peak to the current resident size, see proc(5).
     std::ofstream file("/proc/self/clear_refs");
     file << "5" << std::flush;
     return file.good();

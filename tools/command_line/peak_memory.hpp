@@ -6,14 +6,14 @@
 
 namespace kelvora::tool {
 
-/// Returns what is free to the system, and starts to watch for the peak of the resident memory
-/// afresh.
+/// Returns free memory to the system and resets the peak of the resident memory.
 ///
-/// \returns false if the system cannot: `peakMemory` is then the peak since the start of the program.
+/// \returns false if the system does not support it: `peakMemory` is then the peak since the
+///     program started.
 bool resetPeakMemory();
 
-/// The largest resident memory of the whole program, in bytes: its code and libraries, what is read,
-/// and all that is computed. Nothing if the system does not tell.
+/// Peak resident memory of the whole program in bytes, including code and libraries. Empty if the
+/// system does not report it.
 std::optional<std::uint64_t> peakMemory();
 
 }  // namespace kelvora::tool

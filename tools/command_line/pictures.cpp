@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::size_t kLongestTrail = 100;  // windows
 
-/// What tells the colour of each event: the number of its track if objects are followed, so that
-/// events and boxes agree, else that of its cluster.
+/// The number that selects the colour of each event: its track if objects are tracked, so that
+/// events and boxes match, otherwise its cluster.
 std::vector<int> colourLabels(const WindowClusters& found) {
     if (found.tracks.empty()) {
         return found.labels;
@@ -73,7 +73,7 @@ void Pictures::add(const recording::Window& window, const WindowClusters& found)
     }
 }
 
-/// Clusters of confirmed tracks are shown as these. Trails of ended ones go.
+/// Draws clusters of confirmed tracks as tracks, and removes the trails of ended tracks.
 drawing::Overlay Pictures::makeOverlay(const WindowClusters& found) {
     drawing::Overlay overlay;
     for (const ClusterCentroid& centroid : found.centroids) {

@@ -16,7 +16,7 @@
 
 namespace kelvora::tool {
 
-/// Where pictures go; an empty path means that they are not wanted.
+/// Where pictures are written. An empty path disables the picture.
 struct PictureOptions {
     std::filesystem::path frames_dir;
     std::filesystem::path overview;
@@ -25,22 +25,22 @@ struct PictureOptions {
     bool isWanted() const { return !frames_dir.empty() || !overview.empty() || !plot3d.empty(); }
 };
 
-/// Draws the windows of a recording with their clusters: each into a file of its own, some on one
-/// sheet, and the busiest in space and time.
+/// Draws the windows of a recording with their clusters: one file per window, an overview sheet of
+/// some windows, and a space-time plot of the busiest window.
 class Pictures {
 public:
-    /// Makes the directory of frames if it is missing.
-    /// \throws std::runtime_error  if a file or directory cannot be written; likewise the other
-    ///     operations.
+    /// Creates the directory for frames if it is missing.
+    /// \throws std::runtime_error  if a file or directory cannot be written. The other functions
+    ///     throw the same.
     Pictures(PictureOptions options_, recording::SensorSize sensor);
 
     void add(const recording::Window& window, const WindowClusters& found);
 
-    /// Writes the overview of all windows so far, and the plot of the one with most events.
+    /// Writes the overview of all windows so far, and the plot of the window with the most events.
     void finish() const;
 
 private:
-    /// A copy of the window that has had most events so far.
+    /// A copy of the window with the most events so far.
     struct BusiestWindow {
         std::uint64_t start_time = 0;
         std::uint64_t end_time = 0;
@@ -58,9 +58,9 @@ private:
     std::optional<drawing::ContactSheet> sheet;
     cv::Size sensor;
     BusiestWindow busiest;
-    std::optional<std::uint64_t> first_start;  ///< Captions count the time from here.
+    std::optional<std::uint64_t> first_start;  ///< Captions show times relative to this.
     std::uint64_t frame_number = 0;
-    std::map<int, std::vector<cv::Point2f>> trails;  ///< Of each track that goes on.
+    std::map<int, std::vector<cv::Point2f>> trails;  ///< One per active track.
 };
 
 }  // namespace kelvora::tool

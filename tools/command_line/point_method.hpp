@@ -10,15 +10,15 @@
 #include "recording/window_slicer.hpp"
 
 /// \file
-/// What the methods that cluster points have in common.
+/// Shared parts of the methods that cluster points.
 
 namespace kelvora::tool {
 
-/// Feeds the events of a window to a generator. Their times count from its start: a float holds the
-/// microseconds of a window, but not those since 1970.
+/// Feeds the events of a window to a generator. Times are relative to the start of the window: a
+/// float can represent the microseconds of a window, but not microseconds since 1970.
 template <class Generator>
 void feed(Generator& generator, const recording::Window& window) {
-    // As many as are still in the cache when the generator takes them.
+    // Batches are small enough to stay in the cache until the generator reads them.
     constexpr std::size_t kBatch = 512;
     std::array<Event2D, kBatch> batch;
     std::size_t size = 0;
@@ -35,7 +35,7 @@ void feed(Generator& generator, const recording::Window& window) {
     generator.processEvents(batch.data(), size);
 }
 
-/// Makes a method of the wanted dimension and precision.
+/// Creates a method of the given dimension and precision.
 template <template <int, typename> class Method, class... Arguments>
 std::unique_ptr<ClusteringMethod> makePointMethod(const PointOptions& options,
                                                   const Arguments&... arguments) {

@@ -30,18 +30,21 @@ void declareOptions(CLI::App& command, PointOptions& options) {
         ->check(isPositive());
     add("--scale-y", options.scale_y, "FACTOR [1]", "Scaled units per pixel row")
         ->check(isPositive());
-    auto* const us_per_pixel = add("--us-per-pixel", options.us_per_pixel, "US [1000]",
-                                   "Microseconds that weigh as much as a pixel in three dimensions")
-                                   ->check(isPositive());
+    auto* const us_per_pixel =
+        add("--us-per-pixel", options.us_per_pixel, "US [1000]",
+            "Microseconds that count as much as one pixel in three dimensions")
+            ->check(isPositive());
     add("--scale-time", options.scale_time, "FACTOR", "The same as scaled units per microsecond")
         ->check(isPositive())
         ->excludes(us_per_pixel);
-    add("--capacity", options.capacity, "EVENTS [all]", "Most events to cluster, the newest")
+    add("--capacity", options.capacity, "EVENTS [all]",
+        "Maximum number of events to cluster; the newest are kept")
         ->check(isPositive());
     add("--time-length", options.time_length, "TIME [all]",
         "Window of the event counter, with unit: forgets events only across gaps longer than a "
         "hundredth of it");
-    add("--precision", options.precision, "float|double [float]", "Numbers to compute with")
+    add("--precision", options.precision, "float|double [float]",
+        "Floating-point type of the computation")
         ->transform(
             CLI::CheckedTransformer(std::map<std::string, Precision>{{"float", Precision::Float},
                                                                      {"double", Precision::Double}})

@@ -12,7 +12,7 @@ namespace kelvora::tool {
 
 enum class Precision { Float, Double };
 
-/// How the methods that cluster points make points of events, and which.
+/// Which events become points, and how, for the methods that cluster points.
 struct PointOptions {
     int dim = 2;
     float scale_x = 1.0F;
@@ -29,10 +29,10 @@ struct PointOptions {
     unsigned long long timeLength() const;
 };
 
-/// The longest window in three dimensions: the clusters' times in it are 32-bit microseconds.
+/// The longest window in three dimensions. Times within it are 32-bit microseconds.
 constexpr Duration kLongestWindowIn3d{1'800'000'000};
 
-/// Adds an option for each.
+/// Adds an option for each field.
 void declareOptions(CLI::App& command, PointOptions& options);
 
 }  // namespace kelvora::tool

@@ -14,7 +14,7 @@ namespace kelvora::tool {
 class PointWriter {
 public:
     /// \param path  A file, or "-" for standard output.
-    /// \throws recording::RecordingError  if the file cannot be written; likewise `write`.
+    /// \throws recording::RecordingError  if the file cannot be written. `write` throws the same.
     explicit PointWriter(const std::filesystem::path& path);
 
     void write(const recording::Window& window, const WindowClusters& found);

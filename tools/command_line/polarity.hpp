@@ -7,12 +7,12 @@
 
 namespace kelvora::tool {
 
-/// Which events are clustered, and whether the polarities are counted apart.
+/// Which events are clustered, and whether polarities are counted separately.
 enum class Polarity { All, On, Off, Separate };
 
-/// Removes the events of the polarity that is not wanted.
+/// Removes the events of the other polarity.
 ///
-/// The generators could do so themselves, but the grid generators of a process share one filter per
+/// The generators have a filter for this, but all grid generators of a process share one filter per
 /// event type.
 void keepPolarity(std::vector<Event2D>& events, Polarity wanted);
 

@@ -7,8 +7,8 @@
 
 namespace kelvora::tool {
 
-/// A line on the terminal that says how far a long operation has come. Silent if standard error is
-/// no terminal.
+/// Shows the progress of a long operation on the terminal. Silent if standard error is not a
+/// terminal.
 class ProgressLine {
 public:
     ProgressLine(std::string title_, bool is_wanted);
@@ -17,7 +17,7 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /// Shows the share that is done, at most a few times per second.
+    /// Shows the completed share, at most a few times per second.
     /// \param total  0 if unknown: only `done` is shown then.
     void update(std::uint64_t done, std::uint64_t total);
 

@@ -21,7 +21,7 @@ struct Unit {
 
 constexpr std::array<Unit, 3> kUnits = {{{"s", 1'000'000}, {"ms", 1'000}, {"us", 1}}};
 
-// Beyond this, some 30,000 years, sums with time stamps could wrap.
+// About 30,000 years. Beyond this, sums with timestamps could overflow.
 constexpr double kLongestDuration = 1e18;
 
 std::uint64_t unitOf(std::string_view name, const std::string& text) {

@@ -9,21 +9,21 @@
 #include "recording/text_layout.hpp"
 
 /// \file
-/// Values as they are written on the command line.
+/// Parsing of values on the command line.
 ///
-/// The argument parser finds these readers by their name, in the namespace of the type. All of them
-/// throw `CLI::ConversionError`, saying what is wrong with the text.
+/// The argument parser finds these functions by argument-dependent lookup. All of them throw
+/// `CLI::ConversionError` with a description of the problem.
 
 namespace kelvora::tool {
 
-/// A length of time. Written with its unit: 250us, 10ms, 1.5s.
+/// A length of time, written with its unit: 250us, 10ms, 1.5s.
 struct Duration {
     std::uint64_t microseconds = 0;
 };
 
 bool lexical_cast(const std::string& text, Duration& duration);
 
-/// With the largest unit that needs no fraction: 10ms.
+/// Uses the largest unit that needs no fraction, for example 10ms.
 std::string toString(Duration duration);
 
 }  // namespace kelvora::tool

@@ -33,13 +33,13 @@ void declareOptions(CLI::App& command, RecordingOptions& options) {
         ->group(group);
     command
         .add_option("--input-format", options.read.format,
-                    "Format of the recording, if its content does not tell")
+                    "Format of the recording, if it cannot be detected")
         ->option_text("records|text|evt2|evt3")
         ->group(group);
     command
         .add_option_function<std::string>(
             "--columns", [&options](const std::string& text) { setColumns(options, text); },
-            "Order of the columns of a text recording [t,x,y,p, or as its header line says]")
+            "Order of the columns of a text recording [t,x,y,p, or from its header line]")
         ->option_text("ORDER")
         ->group(group);
     command

@@ -11,13 +11,13 @@
 
 namespace kelvora::tool {
 
-/// How to read a recording: its path, and what its content does not say.
+/// How to read a recording: its path, and properties that its content does not state.
 struct RecordingOptions {
     std::filesystem::path path;
     recording::ReadOptions read;
 };
 
-/// Adds the recording and the options that describe it.
+/// Adds the recording argument and the options that describe it.
 void declareOptions(CLI::App& command, RecordingOptions& options);
 
 /// The sensor size of a recording that is about to be clustered.

@@ -21,13 +21,13 @@ namespace kelvora::tool {
 
 namespace {
 
-/// What is told to the user.
+/// The results shown to the user.
 struct Score {
     scoring::ScoreFigures figures;
     scoring::ScoreOptions options;
-    std::uint64_t interval_us;       ///< From one truth to the next.
-    std::size_t tentative_left_out;  ///< Clusters of tracks that are not yet confirmed.
-    std::size_t untracked_left_out;  ///< Clusters of no track, in a file of tracks.
+    std::uint64_t interval_us;       ///< Time between rows of truth.
+    std::size_t tentative_left_out;  ///< Clusters of unconfirmed tracks.
+    std::size_t untracked_left_out;  ///< Clusters without a track, in a file with tracks.
     std::size_t outside_truth;       ///< Clusters before the first or after the last truth.
 
     std::optional<std::uint64_t> ifTracked(std::uint64_t figure) const {
@@ -106,7 +106,7 @@ nlohmann::ordered_json toJson(const Score& score) {
             {"outside_truth", score.outside_truth}};
 }
 
-/// Windows that differ make scores that mean nothing, although some of the times agree.
+/// With different window lengths scores are meaningless, even if some of the times agree.
 void warnOfIntervals(const scoring::FrameSequence& sequence) {
     if (sequence.truth_interval_us != 0 && sequence.cluster_interval_us != 0 &&
         sequence.truth_interval_us != sequence.cluster_interval_us) {
@@ -124,29 +124,27 @@ ScoreCommand::ScoreCommand(CLI::App& program)
           "score", "Compare clusters with the truth: precision, recall, CLEAR MOT figures")) {
     command
         ->add_option("--truth", truth,
-                     "Where objects truly are, as 'kelvora simulate --truth' writes it")
+                     "True boxes of the objects, as written by 'kelvora simulate --truth'")
+        ->required()
+        ->option_text("FILE REQUIRED");
+    command->add_option("--clusters", clusters, "Clusters, as written by 'kelvora cluster'")
         ->required()
         ->option_text("FILE REQUIRED");
     command
-        ->add_option("--clusters", clusters,
-                     "Where clusters were found, as 'kelvora cluster' writes it")
-        ->required()
-        ->option_text("FILE REQUIRED");
-    command
-        ->add_option("--min-iou", options.min_iou,
-                     "Least intersection over union of an object and the cluster that shows it, "
-                     "above 0, up to 1")
+        ->add_option(
+            "--min-iou", options.min_iou,
+            "Minimum intersection over union of an object and its cluster, above 0, up to 1")
         ->check(CLI::Range(0.0, 1.0).description(""))
         ->capture_default_str();
     command
         ->add_option("--min-visibility", options.min_visibility,
-                     "Ignore objects of which a smaller share can be seen")
+                     "Ignore objects with a smaller visible share")
         ->check(CLI::Range(0.0, 1.0).description(""))
         ->capture_default_str();
     command->add_flag("--include-still", options.include_still,
                       "Do not ignore objects that stand still");
     command->add_flag("--tentative", with_tentative,
-                      "Do not leave out tentative tracks, which are not yet confirmed");
+                      "Include tentative tracks, which are not confirmed yet");
     command->add_option("--json", json, "File for the figures as JSON; - is standard output")
         ->option_text("FILE");
     command->parse_complete_callback([this] {

@@ -8,7 +8,7 @@
 
 namespace kelvora::tool {
 
-/// `kelvora score`: compares clusters with known truth.
+/// `kelvora score`: compares clusters with the ground truth.
 class ScoreCommand {
 public:
     /// Adds the command and its options to the program.

@@ -18,7 +18,7 @@ namespace kelvora::tool {
 
 namespace {
 
-/// Writes where the objects truly are, if the user wants to know.
+/// Writes the true positions of the objects, if requested.
 class TruthWriter {
 public:
     explicit TruthWriter(const std::filesystem::path& path) {
@@ -52,8 +52,8 @@ private:
 }  // namespace
 
 SimulateCommand::SimulateCommand(CLI::App& program)
-    : command(program.add_subcommand("simulate",
-                                     "Make a recording of a scene whose objects are known")) {
+    : command(
+          program.add_subcommand("simulate", "Make a recording of a scene with known objects")) {
     declareOutput();
     declareScene();
 }
@@ -62,7 +62,7 @@ void SimulateCommand::declareOutput() {
     command->add_option("-o,--output", output, "File for the events")
         ->required()
         ->option_text("FILE REQUIRED");
-    command->add_option("--format", format, "Format of the events [by the name of the file]")
+    command->add_option("--format", format, "Format of the events [from the file name]")
         ->option_text("records|text|evt2|evt3");
     command->add_option("--truth", truth, "File for the true box of each object (CSV)")
         ->option_text("FILE");
@@ -77,7 +77,7 @@ void SimulateCommand::declareScene() {
         ->option_text("WIDTHxHEIGHT [640x480]");
     command->add_option("--duration", duration, "Length of the recording, with unit")
         ->option_text("TIME [" + toString(duration) + "]");
-    command->add_option("--seed", scene.seed, "Chooses the scene: same seed, same events")
+    command->add_option("--seed", scene.seed, "Selects the scene: same seed, same events")
         ->capture_default_str();
     const char* const group = "Scene";
     command->add_option("--discs", scene.discs, "Number of discs [3]")->group(group);

@@ -12,7 +12,7 @@
 
 namespace kelvora::tool {
 
-/// `kelvora simulate`: makes a recording of a scene whose objects are known.
+/// `kelvora simulate`: makes a recording of a scene with known objects.
 class SimulateCommand {
 public:
     /// Adds the command and its options to the program.

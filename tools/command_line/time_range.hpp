@@ -10,17 +10,17 @@
 
 namespace kelvora::tool {
 
-/// A part of a recording, counted from its first event: [from, to).
+/// A part of a recording, relative to its first event: [from, to).
 class TimeRange {
 public:
-    /// \param to_  The end of the recording if absent.
+    /// \param to_  If absent, the end of the recording.
     TimeRange(Duration from_, std::optional<Duration> to_);
 
-    /// Removes the events of a chunk that lie outside.
-    /// \param events  The next chunk, in order of time.
+    /// Removes the events of a chunk that lie outside the range.
+    /// \param events  The next chunk, in time order.
     void keepInside(std::vector<Event2D>& events);
 
-    /// Whether a chunk has reached the end, so that no later one holds an event of the range.
+    /// Whether a chunk has reached the end of the range, so that all later chunks lie outside.
     bool isOver() const { return is_over; }
 
 private:

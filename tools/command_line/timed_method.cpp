@@ -13,7 +13,7 @@ namespace kelvora::tool {
 namespace {
 
 ClusterWindow makeGrid(recording::SensorSize sensor, const GridOptions& options) {
-    // Functions can be copied, generators cannot.
+    // A shared pointer, because functions must be copyable and generators are not.
     const auto generator = std::make_shared<GridBasedClusterGenerator>(
         sensor.width, sensor.height, options.cell_width, options.cell_height,
         options.max_cluster_size, options.min_cluster_size, POLARITY_FREE,

@@ -13,19 +13,17 @@
 
 namespace kelvora::tool {
 
-/// The methods that can be timed, by the names of users.
+/// The methods that can be timed, by their names on the command line.
 enum class TimedMethod { Grid, Density2d, Density3d, Centroid2d, Centroid3d };
 
-/// With which parameters. The points of the methods that work on them are made as `PointOptions` has
-/// it by default.
+/// Parameters of the methods. Points are made with the defaults of `PointOptions`.
 struct TimedMethodOptions {
     GridOptions grid;
     DensityOptions density;
     CentroidOptions centroid;
 };
 
-/// Clusters one window: nothing but what a program does that uses the library, which is to feed a
-/// generator and to generate clusters.
+/// Clusters one window the way a program would: feeds a generator, then generates clusters.
 using ClusterWindow =
     std::function<void(const recording::Window& window, std::vector<ClusterGeometry>& clusters)>;
 

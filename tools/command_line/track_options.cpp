@@ -14,7 +14,7 @@ void declareOptions(CLI::App& command, TrackOptions& options) {
     CLI::Option* const track =
         command
             .add_flag("--track", options.is_wanted,
-                      "Follow objects from window to window: adds the columns "
+                      "Track objects from window to window: adds the columns "
                       "track_id,vx,vy,state, and rows for objects hidden in other clusters")
             ->group(group);
     const auto add = [&](const char* name, auto& value, const char* unit, const char* description) {
@@ -24,14 +24,16 @@ void declareOptions(CLI::App& command, TrackOptions& options) {
             ->group(group);
     };
     add("--max-distance", options.max_distance, "PIXELS",
-        "Largest distance of a cluster from where its track expects it")
+        "Largest distance between a cluster and the predicted position of its track")
         ->check(isNotNegative());
     add("--max-size-change", options.max_size_change, "PIXELS",
-        "Largest difference of a cluster from the usual width and height of its track")
+        "Largest difference between a cluster and the usual width and height of its track")
         ->check(isNotNegative());
-    add("--max-missed", options.max_missed, "WINDOWS", "Windows that a track survives unseen")
+    add("--max-missed", options.max_missed, "WINDOWS",
+        "Number of windows that a track survives without a cluster")
         ->check(isNotNegative());
-    add("--min-hits", options.min_hits, "WINDOWS", "Windows with a cluster that confirm a track")
+    add("--min-hits", options.min_hits, "WINDOWS",
+        "Number of windows with a cluster that confirm a track")
         ->check(isPositive());
 }
 

@@ -7,7 +7,7 @@
 
 namespace kelvora::tool {
 
-/// How to follow objects from window to window.
+/// How to track objects from window to window.
 struct TrackOptions {
     bool is_wanted = false;
     float max_distance = ClusterTracker::kDefaultMaxDistance;
@@ -20,10 +20,10 @@ struct TrackOptions {
     }
 };
 
-/// Adds an option for each.
+/// Adds an option for each field.
 void declareOptions(CLI::App& command, TrackOptions& options);
 
-/// Whether a track is told to the user in windows in which it has no cluster of its own, too.
+/// Whether a track is also reported in windows in which no cluster is assigned to it.
 bool isFollowed(const ClusterTracker::Track& track);
 
 }  // namespace kelvora::tool

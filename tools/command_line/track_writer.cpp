@@ -47,7 +47,7 @@ void TrackWriter::addWindow(Summary& summary, const ClusterTracker::Track& track
     summary.is_confirmed = track.state == ClusterTracker::State::Confirmed;
 }
 
-/// Tentative tracks that end were none.
+/// Tentative tracks that end are not reported.
 void TrackWriter::end(const std::map<int, Summary>& tracks) {
     for (const auto& [id, summary] : tracks) {
         if (summary.is_confirmed) {

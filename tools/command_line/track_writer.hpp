@@ -11,16 +11,16 @@
 
 namespace kelvora::tool {
 
-/// Writes one row per confirmed track (CSV): its number, the ends of its first and last windows, in
-/// how many windows it had a cluster, the length of its way in pixels and its mean speed in pixels
-/// per second.
+/// Writes one row per confirmed track (CSV): its number, the ends of its first and last windows,
+/// the number of windows in which it had a cluster, the length of its path in pixels, and its mean
+/// speed in pixels per second.
 ///
-/// Rows come in the order of the numbers: tracks that have ended stay in memory as long as one with
-/// a lower number goes on.
+/// Rows are sorted by number: an ended track stays in memory until all tracks with lower numbers
+/// have ended.
 class TrackWriter {
 public:
     /// \param path  A file, or "-" for standard output.
-    /// \throws recording::RecordingError  if the file cannot be written; likewise `finish`.
+    /// \throws recording::RecordingError  if the file cannot be written. `finish` throws the same.
     explicit TrackWriter(const std::filesystem::path& path);
 
     void add(const WindowClusters& found);

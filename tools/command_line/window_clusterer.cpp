@@ -27,7 +27,7 @@ const WindowClusters& WindowClusterer::cluster(const recording::Window& window) 
     return found;
 }
 
-/// Windows without events are windows in which no object was seen.
+/// For the tracker, windows without events are windows without clusters.
 void WindowClusterer::track(std::uint64_t windows_skipped) {
     const auto enough = static_cast<std::uint64_t>(longest_gap) + 1;
     for (std::uint64_t i = 0; i < std::min(windows_skipped, enough); ++i) {

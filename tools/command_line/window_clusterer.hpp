@@ -13,20 +13,20 @@
 
 namespace kelvora::tool {
 
-/// Clusters window after window, and follows objects from one to the next.
+/// Clusters one window after another, and tracks objects across them.
 class WindowClusterer {
 public:
     /// \param window_length_  Microseconds.
     WindowClusterer(std::unique_ptr<ClusteringMethod> method_, const TrackOptions& track,
                     std::uint64_t window_length_);
 
-    /// What is in the next window. Valid until the next call.
+    /// The clusters of the next window. Valid until the next call.
     const WindowClusters& cluster(const recording::Window& window);
 
     std::uint64_t windowCount() const { return window_count; }
     std::uint64_t clusterCount() const { return cluster_count; }
 
-    /// What the user should know of the windows, or nothing.
+    /// A remark for the user about the windows, or an empty string.
     std::string remark() const { return method->remark(); }
 
 private:
@@ -34,7 +34,7 @@ private:
 
     std::unique_ptr<ClusteringMethod> method;
     std::optional<ClusterTracker> tracker;
-    int longest_gap;  ///< Empty windows that end all tracks.
+    int longest_gap;  ///< Number of empty windows that end all tracks.
     std::uint64_t window_length;
     WindowClusters found;
     std::optional<std::uint64_t> first_start;

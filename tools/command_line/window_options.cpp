@@ -20,23 +20,24 @@ void declareWindows(CLI::App& command, WindowOptions& options) {
     command
         .add_option(
             "--window", options.window,
-            "Length of a window of event time, with its unit: us, ms or s. Windows begin at "
+            "Length of a window in event time, with its unit: us, ms or s. Windows begin at "
             "multiples of it")
         ->option_text("TIME [" + toString(options.window) + "]");
     command
         .add_option("--from", options.from,
-                    "Leave out events before this time after the first one, with unit")
+                    "Ignore events before this time, counted from the first event, with unit")
         ->option_text("TIME [0s]");
     command
         .add_option("--to", options.to,
-                    "Leave out events from this time after the first one on, with unit")
+                    "Ignore events from this time on, counted from the first event, with unit")
         ->option_text("TIME");
 }
 
 void declarePolarity(CLI::App& command, WindowOptions& options) {
     command
-        .add_option("--polarity", options.polarity,
-                    "Events to cluster; 'separate' takes all, but wants both polarities in a cell")
+        .add_option(
+            "--polarity", options.polarity,
+            "Events to cluster; 'separate' uses all, but requires both polarities in a cell")
         ->transform(CLI::CheckedTransformer(kPolarities).description(""))
         ->option_text("all|on|off|separate [all]");
 }

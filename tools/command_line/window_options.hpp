@@ -9,11 +9,11 @@
 
 namespace kelvora::tool {
 
-/// Which events of a recording are clustered, and which together.
+/// Which events of a recording are clustered, and how they are grouped into windows.
 struct WindowOptions {
     Duration window{10'000};
     Duration from;
-    std::optional<Duration> to;  ///< The end of the recording if absent.
+    std::optional<Duration> to;  ///< If absent, the end of the recording.
     Polarity polarity = Polarity::All;
 };
 
@@ -23,7 +23,7 @@ void declareWindows(CLI::App& command, WindowOptions& options);
 /// Adds the option `--polarity`.
 void declarePolarity(CLI::App& command, WindowOptions& options);
 
-/// \throws CLI::ValidationError  for options that contradict one another.
+/// \throws CLI::ValidationError  for contradictory options.
 void checkOptions(const WindowOptions& options);
 
 }  // namespace kelvora::tool

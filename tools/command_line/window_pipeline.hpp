@@ -19,22 +19,22 @@
 
 namespace kelvora::tool {
 
-/// Clusters window after window, and hands the results to whoever wants them.
+/// Clusters one window after another, and writes the results to all requested outputs.
 class WindowPipeline {
 public:
     /// \param window_length  Microseconds.
-    /// \throws std::runtime_error  if a file cannot be written; likewise the other operations.
+    /// \throws std::runtime_error  if a file cannot be written. The other functions throw the same.
     WindowPipeline(std::unique_ptr<ClusteringMethod> method, const OutputOptions& output,
                    const TrackOptions& track, recording::SensorSize sensor,
                    std::uint64_t window_length);
 
-    /// Takes all windows that are complete, up to an interrupt.
+    /// Processes all complete windows, or stops at an interrupt.
     void process(recording::WindowSlicer& slicer);
 
-    /// Writes what is known at the end only.
+    /// Writes the results that are only known at the end.
     void finish();
 
-    /// Tells what was found so far.
+    /// The clusterer, for a summary of the results so far.
     const WindowClusterer& windowClusterer() const { return clusterer; }
 
 private:

@@ -25,21 +25,21 @@ namespace kelvora::tool {
 ///     }
 class WindowReader {
 public:
-    /// \param sensor  Of the recording.
+    /// \param sensor  Size of the recording's sensor.
     WindowReader(std::unique_ptr<recording::EventReader> reader_, recording::SensorSize sensor,
                  const WindowOptions& options);
 
-    /// Hands the next chunk of the recording to the slicer.
+    /// Passes the next chunk of the recording to the slicer.
     ///
-    /// \return False at the end of the recording or of the wanted part of it, and at a defect. The
-    ///     last window is complete then.
+    /// \return False at the end of the recording or of the selected range, and at a defect. The
+    ///     last window is then complete.
     bool read();
 
-    /// Gives the windows that are complete.
+    /// Provides the complete windows.
     recording::WindowSlicer& slicer() { return window_slicer; }
 
-    /// The `RecordingError` that reading ended with, if any. It does not undo what was read before,
-    /// and is to be reported after that.
+    /// The `RecordingError` that ended reading, if any. The events before it are valid: report it
+    /// after their results.
     std::exception_ptr defect() const { return reading_defect; }
 
     const recording::EventReader& source() const { return *reader; }

@@ -31,7 +31,7 @@ struct Layout {
     }
 };
 
-// The largest thumbnail that leaves room for all. Whole factors, where it is enlarged, keep the
+// The largest thumbnail size at which all thumbnails fit. Enlarging by whole factors only keeps the
 // pixels square.
 cv::Size thumbnailSize(cv::Size sensor, int columns, int rows) {
     const int width = (kSheetWidth - kGap) / columns - kGap;
@@ -47,8 +47,8 @@ double distanceFrom16To10(cv::Size sheet) {
     return std::abs(std::log(static_cast<double>(sheet.width) / sheet.height / 1.6));
 }
 
-// The number of columns that makes the thumbnails largest; of equals, the one with the most
-// pleasant sheet.
+// The number of columns that makes the thumbnails largest. Ties go to the sheet with the best
+// aspect ratio.
 Layout bestLayout(cv::Size sensor, int count) {
     Layout best{};
     for (int columns = 1; columns <= count; ++columns) {

@@ -13,28 +13,27 @@
 
 namespace kelvora::drawing {
 
-/// An overview of a recording: thumbnails of evenly spaced windows, made while the windows stream
-/// by.
+/// An overview of a recording: thumbnails of evenly spaced windows, made in a single pass.
 ///
-/// How many windows will come need not be known. All are kept at first; whenever there are twice as
-/// many as wanted, every other one is dropped and from then on half as many are taken. Memory is
-/// bounded: at most 2 * `tile_count` windows of at most 1920 by 1200 bytes each, and what
-/// is drawn over them.
+/// The number of windows need not be known in advance. At first every window is kept. When there
+/// are twice as many as needed, every other one is dropped, and from then on half as many are kept.
+/// Memory is bounded: at most 2 * `tile_count` windows of at most 1920 by 1200 bytes each, plus
+/// their overlays.
 class ContactSheet {
 public:
     /// \param sensor      Size of the sensor, pixels.
-    /// \param tile_count  At least so many windows are shown, if there are as many, and less than
-    ///     twice as many.
-    /// \throws std::invalid_argument  if any of them is below 1.
+    /// \param tile_count  The sheet shows at least this many windows, if there are enough, and less
+    ///     than twice as many.
+    /// \throws std::invalid_argument  if any argument is below 1.
     explicit ContactSheet(cv::Size sensor, std::size_t tile_count = 12);
 
-    /// Adds the next window; those that the sheet does not need cost nothing.
+    /// Adds the next window. Windows that the sheet does not need cost nothing.
     ///
     /// \param caption  One line below the thumbnail, such as `windowCaption`.
     void add(EventSpan events, const Overlay& overlay, const std::string& caption);
 
-    /// Whether the sheet would keep the next window. One that it does not want may be added without
-    /// its events.
+    /// Whether the sheet would keep the next window. If not, the window may be added without its
+    /// events.
     bool wantsNext() const { return added % stride == 0; }
 
     /// Which of the added windows the sheet shows, counted from 0: the multiples of a power of two.

@@ -10,7 +10,7 @@ namespace kelvora::drawing {
 
 namespace {
 
-// Element i is where pixel i of `from` pixels begins when they are brought to `to` pixels; one more
+// Element i is the start of pixel i when `from` pixels are resized to `to` pixels. One more element
 // marks the end.
 std::vector<int> scaledEdges(int from, int to) {
     std::vector<int> edges(static_cast<std::size_t>(from) + 1);

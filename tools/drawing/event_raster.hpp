@@ -10,7 +10,7 @@
 
 namespace kelvora::drawing {
 
-/// Events that lie one after the other in memory, which somebody else owns.
+/// A non-owning view of contiguous events.
 struct EventSpan {
     const Event2D* first = nullptr;
     std::size_t count = 0;
@@ -25,25 +25,25 @@ struct EventSpan {
     const Event2D* end() const { return first + count; }
 };
 
-/// Values of a raster: what happened at a pixel. The last event of a pixel wins. Events with labels
-/// are noise or belong to a cluster, whose number decides on one of a few values from
-/// `kFirstCluster` on; others are told apart by polarity.
+/// Values of a raster. The last event of a pixel determines its value. Events with labels are noise
+/// or belong to a cluster, whose number is mapped to one of a few values from `kFirstCluster` on.
+/// Events without labels are distinguished by polarity.
 enum RasterValue : unsigned char { kNoEvent = 0, kOff = 1, kOn = 2, kNoise = 3, kFirstCluster = 4 };
 
-/// The colour of an event: of its cluster or noise if it has a label, else of its polarity.
+/// The colour of an event: by cluster or noise if it has a label, otherwise by polarity.
 cv::Vec3b eventColour(const EventSpan& events, std::size_t i);
 
 /// The events as a `CV_8UC1` matrix of `RasterValue`.
 ///
-/// \param sensor  Size of the sensor, pixels. Events outside of it are left out.
-/// \param raster  Size of the result, not larger than `sensor`. Where it is smaller, an event
-///     lights the pixel it falls into, so that none vanishes.
+/// \param sensor  Size of the sensor, pixels. Events outside are omitted.
+/// \param raster  Size of the result, not larger than `sensor`. If it is smaller, each event lights
+///     the pixel that contains it, so that no event disappears.
 cv::Mat rasterize(EventSpan events, cv::Size sensor, cv::Size raster);
 
-/// Colours a raster and brings it to another size, `CV_8UC3` in the order blue, green, red.
+/// Colours and resizes a raster: `CV_8UC3` in the order blue, green, red.
 ///
-/// Each pixel of the raster is drawn over the whole area it covers. Where the picture is smaller
-/// than the raster it becomes a dot of two by two pixels, as single ones are easily overlooked.
+/// Each pixel of the raster fills the whole area it covers. If the picture is smaller than the
+/// raster, each becomes a dot of two by two pixels, because single pixels are easy to miss.
 cv::Mat colourRaster(const cv::Mat& raster, cv::Size picture);
 
 }  // namespace kelvora::drawing

@@ -28,7 +28,7 @@ cv::Size comfortableSize(cv::Size sensor) {
         return {std::max(1, static_cast<int>(sensor.width * scale)),
                 std::max(1, static_cast<int>(sensor.height * scale))};
     }
-    // Rounded to the nearest factor, as 240 rows look as good as 260 do.
+    // Rounded to the nearest factor: 240 rows look as good as 260.
     const int wanted = (kComfortableSide + shorter / 2) / shorter;
     return sensor * std::max(1, std::min(wanted, kLongestSide / longer));
 }
@@ -43,8 +43,8 @@ struct Interval {
     int end;
 };
 
-// The pixels of a picture that a length of the sensor touches. Widened to what the eye can see, and
-// kept within reach of the picture, since a float holds more than an int.
+// The pixels of a picture that an interval on the sensor touches. Widened to a visible size, and
+// clamped near the picture, because a float can exceed the range of an int.
 Interval scaledInterval(double start, double length, double scale, int picture_length) {
     const double reach = 2.0 * picture_length + 2 * kSmallestBoxSide;
     double begin = std::clamp(std::floor(start * scale), -reach, reach);
@@ -103,8 +103,8 @@ std::vector<Outline> outlines(const Overlay& overlay, cv::Size sensor, cv::Size 
     return result;
 }
 
-// A dark line around the bright ones sets an outline off from the events around it. All dark lines
-// come first, so that none cuts through the outline of a neighbour.
+// A dark line around the bright one separates an outline from the events around it. All dark lines
+// are drawn first, so that none crosses the outline of a neighbour.
 void drawOutlines(cv::Mat& frame, const std::vector<Outline>& outlines, int thickness) {
     for (const Outline& outline : outlines) {
         drawRing(frame, grown(outline.rect, 1), kBackgroundColour);
@@ -116,8 +116,8 @@ void drawOutlines(cv::Mat& frame, const std::vector<Outline>& outlines, int thic
     }
 }
 
-// The middle of a pixel of the sensor in the picture, kept within reach of it, since a float holds
-// more than an int.
+// The centre of a sensor pixel in the picture, clamped near the picture, because a float can exceed
+// the range of an int.
 cv::Point placeInPicture(const cv::Point2f& place, cv::Size sensor, cv::Size picture) {
     const double column = (place.x + 0.5) * picture.width / sensor.width;
     const double row = (place.y + 0.5) * picture.height / sensor.height;
@@ -125,7 +125,7 @@ cv::Point placeInPicture(const cv::Point2f& place, cv::Size sensor, cv::Size pic
             static_cast<int>(std::clamp(row, -1.0 * picture.height, 2.0 * picture.height))};
 }
 
-// The number of a track stands above its box, or in it at the upper edge.
+// The number of a track is drawn above its box, or inside the box at the upper edge of the picture.
 void drawNumber(cv::Mat& frame, const cv::Rect& box, int id, int thickness) {
     const double size = 0.4 + 0.1 * thickness;
     const cv::Point place(std::max(0, box.x - thickness),
@@ -158,7 +158,7 @@ void drawTracks(cv::Mat& frame, const std::vector<TrackMark>& tracks, cv::Size s
     }
 }
 
-// Each with a dark rim, as outlines have.
+// Crosses have a dark rim, like outlines.
 void drawCrosses(cv::Mat& frame, const std::vector<cv::Point2f>& centroids, cv::Size sensor,
                  int thickness) {
     for (const cv::Point2f& centroid : centroids) {

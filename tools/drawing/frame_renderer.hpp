@@ -11,13 +11,12 @@ namespace kelvora::drawing {
 
 /// Draws the events and clusters of one window of time.
 ///
-/// Each event lights its pixel in the colour of its polarity; of several events at a pixel the last
-/// one wins. Clusters are outlined around, not over, the area they cover.
+/// Each event lights its pixel in the colour of its polarity. If a pixel has several events, the
+/// last one wins. Outlines of clusters are drawn around the covered area, not over it.
 class FrameRenderer {
 public:
-    /// Pictures that are easy to look at: the pixels of the sensor, each enlarged to a square of n
-    /// by n so that the shorter side has about 480 pixels or more. Sensors of more than 4096 pixels
-    /// are scaled down.
+    /// Pictures of a convenient size: each sensor pixel is enlarged to n by n, so that the shorter
+    /// side has about 480 pixels or more. Sensors larger than 4096 pixels are scaled down.
     ///
     /// \param sensor  Size of the sensor, pixels.
     /// \throws std::invalid_argument  if a side is below 1.
@@ -32,14 +31,14 @@ public:
     /// Size of the drawn sensor area, pixels. A caption adds a strip of `kStripHeight` below it.
     cv::Size pictureSize() const { return picture; }
 
-    /// \param events    Those outside of the sensor are left out.
+    /// \param events    Events outside the sensor are omitted.
     /// \param caption   One line below the picture, or empty for none.
     /// \returns `CV_8UC3` in the order blue, green, red.
     cv::Mat render(EventSpan events, const Overlay& overlay, const std::string& caption = "") const;
 
-    /// The same without the events, as made by `rasterize`.
+    /// The same for events that were already drawn by `rasterize`.
     ///
-    /// \param raster  Shows the whole sensor, in any resolution.
+    /// \param raster  The whole sensor, at any resolution.
     cv::Mat render(const cv::Mat& raster, const Overlay& overlay) const;
 
 private:

@@ -8,8 +8,8 @@ namespace kelvora::drawing {
 
 /// Colours of the pictures, in the order blue, green, red.
 ///
-/// Events have colours that people with any common colour blindness can tell apart. The background
-/// is nearly black, on which a single lit pixel is easiest to see.
+/// The colours of events can be distinguished with any common colour blindness. The background is
+/// nearly black, which makes single lit pixels easy to see.
 inline const cv::Vec3b kBackgroundColour{20, 16, 16};
 inline const cv::Vec3b kOnColour{0, 159, 230};       ///< Orange: brighter pixels.
 inline const cv::Vec3b kOffColour{233, 180, 86};     ///< Sky blue: darker pixels.
@@ -19,11 +19,10 @@ inline const cv::Vec3b kBoxColour{255, 255, 255};
 inline const cv::Vec3b kStripColour{44, 38, 38};
 inline const cv::Vec3b kTextColour{235, 230, 230};
 
-/// How many colours there are for clusters and tracks.
+/// Number of colours for clusters and tracks.
 constexpr std::size_t kIdColourCount = 8;
 
-/// A colour for the cluster or track number `id`. Eight colours that are easily told apart, then
-/// the same again.
+/// The colour of the cluster or track number `id`: one of eight distinct colours, which repeat.
 cv::Vec3b idColour(std::size_t id);
 
 }  // namespace kelvora::drawing

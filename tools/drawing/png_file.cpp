@@ -32,12 +32,12 @@ png_image emptyImage() {
     return image;
 }
 
-// The system knows better what is wrong with a disk, libpng what is wrong with a picture.
+// Use the system's message for disk errors, and libpng's for errors in the picture.
 std::string failureReason(int error, const png_image& image) {
     return error != 0 ? std::generic_category().message(error) : std::string{image.message};
 }
 
-// Devices and pipes are left alone.
+// Never remove devices and pipes.
 void removeRegularFile(const std::filesystem::path& path) {
     std::error_code ignored;
     if (std::filesystem::is_regular_file(path, ignored)) {
@@ -45,7 +45,7 @@ void removeRegularFile(const std::filesystem::path& path) {
     }
 }
 
-// Returns why it failed, or nothing.
+// Returns the reason for a failure; empty on success.
 std::string tryToWrite(const std::filesystem::path& path, const cv::Mat& picture) {
     png_image image = emptyImage();
     image.width = static_cast<png_uint_32>(picture.cols);
@@ -61,7 +61,7 @@ std::string tryToWrite(const std::filesystem::path& path, const cv::Mat& picture
     const PngCleanup cleanup{&image};
     const bool written =
         png_image_write_to_stdio(&image, file.get(), 0, picture.data, row_stride, nullptr) != 0;
-    // A full disk is often noticed only when the last bytes leave the buffer.
+    // A full disk is often only detected when the last bytes are flushed.
     const bool closed = std::fclose(file.release()) == 0;
     if (written && closed) {
         return "";

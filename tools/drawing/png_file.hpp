@@ -6,12 +6,12 @@
 
 namespace kelvora::drawing {
 
-/// Writes a picture as PNG file, over an existing one.
+/// Writes a picture as a PNG file. An existing file is replaced.
 ///
 /// \param picture  `CV_8UC3` in the order blue, green, red; not empty.
 /// \throws std::invalid_argument  for any other matrix.
-/// \throws std::runtime_error     "FILE: cannot write the picture (REASON), ...". No partly written
-///     file remains.
+/// \throws std::runtime_error     "FILE: cannot write the picture (REASON), ...". No partial file
+///     remains.
 void writePng(const std::filesystem::path& file, const cv::Mat& picture);
 
 /// Reads a PNG file of any kind as `CV_8UC3` in the order blue, green, red.

@@ -16,8 +16,7 @@ constexpr int kWidth = 1120;
 constexpr int kHeight = 720;
 constexpr double kFontScale = 0.5;
 
-// A parallel projection: where the corner of space and time lies in the picture, and how its edges
-// run from there.
+// A parallel projection, given by the origin and the three axes in the picture.
 const cv::Point2d kOrigin{70, 240};
 const cv::Point2d kAlongX{240, -180};
 const cv::Point2d kAlongY{0, 380};

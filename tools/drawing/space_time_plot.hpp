@@ -9,10 +9,10 @@
 
 namespace kelvora::drawing {
 
-/// Draws the events of one window as points in space and time: time runs to the right, columns into
-/// the depth, rows downwards.
+/// Draws the events of one window as points in space and time. The time axis points right, columns
+/// point away from the viewer, and rows point down.
 ///
-/// \param events  Those outside of the sensor or the window are left out.
+/// \param events  Events outside the sensor or the window are omitted.
 /// \param sensor  Size of the sensor, pixels.
 /// \param start,end  The window, microseconds.
 /// \param caption  One line below the picture.

@@ -10,8 +10,7 @@ namespace kelvora::recording {
 /// Bytes of a file, text or not.
 using Bytes = std::string_view;
 
-/// The unsigned number whose bytes lie at `bytes`, the lowest first, whatever the byte order of the
-/// machine.
+/// Reads an unsigned little-endian number at `bytes`, independent of the machine's byte order.
 template <typename Unsigned>
 Unsigned loadLittleEndian(const char* bytes) {
     Unsigned value = 0;
@@ -23,7 +22,7 @@ Unsigned loadLittleEndian(const char* bytes) {
     return value;
 }
 
-/// Appends the bytes of `value`, the lowest first.
+/// Appends the bytes of `value` in little-endian order.
 template <typename Unsigned>
 void appendLittleEndian(std::string& bytes, Unsigned value) {
     for (std::size_t i = 0; i < sizeof(Unsigned); ++i) {

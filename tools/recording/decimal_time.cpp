@@ -9,7 +9,7 @@
 namespace kelvora::recording {
 namespace {
 
-// Digits after the point that make up whole microseconds. Nanoseconds are treated apart.
+// Number of decimals that give whole microseconds. Nanoseconds are handled separately.
 unsigned fractionDigits(TimeUnit unit) {
     switch (unit) {
         case TimeUnit::Seconds:
@@ -35,14 +35,15 @@ std::optional<std::uint64_t> fromExponential(std::string_view number, TimeUnit u
     const double microseconds =
         std::round(unit == TimeUnit::Nanoseconds ? value / 1000.0
                                                  : value * std::pow(10.0, fractionDigits(unit)));
-    // Written so that not-a-number fails; the largest time itself rounds up to 2^63 as a double.
+    // This form rejects NaN, too. As a double, the largest time rounds up to 2^63.
     if (!(microseconds >= 0.0 && microseconds < static_cast<double>(kLatestTime))) {
         return std::nullopt;
     }
     return static_cast<std::uint64_t>(microseconds);
 }
 
-// Appends `fraction` to `whole`: as many digits as make microseconds, the next one rounds.
+// Appends the digits of `fraction` to `whole` up to microseconds. The next digit decides on
+// rounding.
 std::optional<std::uint64_t> appendFraction(std::uint64_t whole, std::string_view fraction,
                                             unsigned digits) {
     for (unsigned i = 0; i < digits; ++i) {

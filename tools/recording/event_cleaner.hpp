@@ -13,20 +13,20 @@ namespace kelvora::recording {
 /// Makes the events of a recording fit for clustering: on the sensor, and in order of time.
 ///
 /// - Events off the sensor are dropped.
-/// - A time that goes back is raised to that of the event before.
-/// - A single time that is more than a second ahead of its neighbours on both sides is damaged, and
-///   is lowered to that of the event before (or after, for the first). Else all that follows would
-///   be raised to it. The next event of the same chunk is looked at: the last event of a chunk is
-///   believed.
+/// - A time earlier than the previous event's is raised to the previous event's time.
+/// - A single time more than a second ahead of both neighbours is treated as damaged and lowered to
+///   the time of the previous event (the next one, for the first event). Otherwise all later events
+///   would be raised to it. The check needs the next event of the same chunk, so the last event of
+///   a chunk is not checked.
 ///
-/// Of damage that affects several events in a row nothing is repaired; `clampedTimes` tells how
-/// many times were changed.
+/// Damage to several consecutive events is not repaired. `clampedTimes` returns how many times were
+/// changed.
 class EventCleaner {
 public:
     explicit EventCleaner(const SensorSize& sensor_size);
 
-    /// Cleans the next chunk in place. The times of `events` then never decrease, nor from call to
-    /// call.
+    /// Cleans the next chunk in place. Afterwards, times never decrease within `events` or from
+    /// call to call.
     void clean(std::vector<Event2D>& events);
 
     /// Number of events dropped since the start.
@@ -41,7 +41,7 @@ private:
 
     unsigned width;
     unsigned height;
-    bool has_time = false;        // that of the last event
+    bool has_time = false;        // whether `last_time` is set
     std::uint64_t last_time = 0;  // of the cleaned events
     std::uint64_t dropped_off_sensor = 0;
     std::uint64_t clamped_times = 0;

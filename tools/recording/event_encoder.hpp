@@ -8,9 +8,9 @@
 
 namespace kelvora::recording {
 
-/// Turns events into the bytes of a recording: the inverse of `EventDecoder`.
+/// Encodes events into the bytes of a recording: the inverse of `EventDecoder`.
 ///
-/// An encoder knows no files: it is told the name for its messages only.
+/// An encoder does not access files; the file name is only used in messages.
 class EventEncoder {
 public:
     virtual ~EventEncoder() = default;
@@ -18,7 +18,7 @@ public:
     /// Appends the bytes of the header, if the format has one.
     virtual void encodeHeader(std::string& bytes) const = 0;
 
-    /// Appends the bytes of `events`, which follow those of the previous call.
+    /// Appends the bytes of `events`, which continue the events of the previous call.
     ///
     /// \param events  Of polarity 0 or 1.
     /// \throws RecordingError  at an event that the format cannot hold.

@@ -25,7 +25,7 @@ constexpr std::size_t kHeadBytes =
     std::size_t{64} * 1024;  // enough for any header and for recognising a format
 constexpr std::size_t kMaxHeaderBytes = kHeadBytes / 2;
 
-// The bytes of a file that have been read but not yet been decoded.
+// The bytes of a file that have been read but not decoded yet.
 class InputBuffer {
 public:
     InputBuffer(const std::filesystem::path& path, const std::function<void()>& on_signal)
@@ -38,7 +38,7 @@ public:
         skipped += count;
     }
 
-    // Reads what is there; false at the end of the file.
+    // Reads the available bytes; false at the end of the file.
     bool fill() {
         if (begin > 0) {
             std::memmove(buffer.data(), buffer.data() + begin, end - begin);
@@ -50,7 +50,7 @@ public:
         return count > 0;
     }
 
-    // Reads until `count` bytes are there; false if the file has fewer.
+    // Reads until `count` bytes are available; false if the file has fewer.
     bool fillTo(std::size_t count) {
         while (unread().size() < count) {
             if (!fill()) {
@@ -79,7 +79,7 @@ public:
         const Bytes head = input.unread();
         const std::string& file = input.source().name();
         if (head.empty()) {
-            throw RecordingError(file, "is empty", "", "give a recording that holds events");
+            throw RecordingError(file, "is empty", "", "give a recording with events");
         }
         file_format = options.format ? *options.format : detectFormat(head, file);
         switch (file_format) {
@@ -107,7 +107,7 @@ public:
                 decodeSome(events);
             }
         } catch (const RecordingError&) {
-            // The events before the defect come first, the error with the next call.
+            // Return the events before the defect first. The next call throws the error.
             defect = std::current_exception();
             if (events.empty()) {
                 throw;
@@ -154,7 +154,7 @@ private:
         }
     }
 
-    // Decodes what is in the buffer, or reads more, or finishes.
+    // Decodes the buffer, reads more bytes, or finishes.
     void decodeSome(std::vector<Event2D>& events) {
         const std::size_t used = decoder->decode(input.unread(), events);
         input.skip(used);

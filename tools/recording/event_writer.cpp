@@ -43,7 +43,7 @@ public:
         try {
             FileEventWriter::close();
         } catch (const RecordingError&) {
-            // Who wants to know calls close().
+            // Callers that need to know about errors call close().
         }
     }
 
@@ -76,7 +76,7 @@ private:
     }
 
     void flush() {
-        // Emptied first: after a failure, closing must not write the same bytes again.
+        // Empty the buffer first: after a failure, closing must not write the same bytes again.
         const std::string bytes = std::move(buffer);
         buffer.clear();
         file.write(bytes);

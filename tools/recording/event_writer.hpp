@@ -14,17 +14,18 @@ namespace kelvora::recording {
 /// Writes a recording from front to back. `openRecording` reads back exactly the same events.
 class EventWriter {
 public:
-    /// Closes the recording if `close` was not called; errors are then lost.
+    /// Closes the recording if `close` was not called. Errors are then ignored.
     virtual ~EventWriter() = default;
 
     /// Appends events.
     ///
     /// \throws RecordingError  if they cannot be written, as on a full disk, or if the format
-    ///     cannot hold one: a polarity other than 0 and 1 and, in EVT2 and EVT3, coordinates over
-    ///     2047, times that go back and pauses of more than 12 days, also before the first event.
+    ///     cannot represent an event: a polarity other than 0 and 1 and, in EVT2 and EVT3,
+    ///     coordinates over 2047, times that go back, and pauses of more than 12 days (including
+    ///     the time before the first event).
     virtual void write(const std::vector<Event2D>& events) = 0;
 
-    /// Writes what is still in memory and closes the file. Nothing may be written after it.
+    /// Writes all buffered bytes and closes the file. Must be the last call.
     ///
     /// \throws RecordingError  if that fails, as on a full disk.
     virtual void close() = 0;
@@ -32,7 +33,7 @@ public:
 
 /// Creates a recording, which replaces an existing file. `formatFromExtension` suggests the format.
 ///
-/// \param sensor_size  Noted in the header of all formats but records, which have none.
+/// \param sensor_size  Written to the header of all formats except records, which have none.
 /// \throws RecordingError  if the file cannot be created.
 std::unique_ptr<EventWriter> createRecording(const std::filesystem::path& path, Format format,
                                              const SensorSize& sensor_size);

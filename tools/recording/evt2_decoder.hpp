@@ -10,12 +10,12 @@ namespace kelvora::recording {
 
 /// Decodes `Format::Evt2` after its header.
 ///
-/// Events are given as they are found, times that go back included. Words of unknown type and
-/// events before the first time word (of a recording cut out of a stream) are skipped and counted.
-/// The one defect is an end in the middle of a word.
+/// Events are returned as recorded, even if times go back. Words of unknown type and events before
+/// the first time word (in a recording cut out of a stream) are skipped and counted. The only
+/// possible defect is an end in the middle of a word.
 class Evt2Decoder : public EventDecoder {
 public:
-    /// \param header_length  Bytes of the file before the first word.
+    /// \param header_length  Number of bytes before the first word.
     Evt2Decoder(std::string file, std::uint64_t header_length);
 
     std::size_t decode(Bytes bytes, std::vector<Event2D>& events) override;

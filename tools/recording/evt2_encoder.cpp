@@ -10,7 +10,7 @@
 namespace kelvora::recording {
 namespace {
 
-// A pause is told in steps that a reader cannot take for a time that went back.
+// Write a pause in steps small enough that a reader does not take them for a time that goes back.
 constexpr std::uint64_t kLongestStep = std::uint64_t{1} << (kEvt2TimeHighBits - 2);
 
 std::uint32_t wordOf(Evt2WordType type, std::uint32_t payload) {

@@ -10,7 +10,7 @@
 
 namespace kelvora::recording {
 
-/// Encodes `Format::Evt2`. `EvtEventCheck` tells which events it can hold.
+/// Encodes `Format::Evt2`. `EvtEventCheck` defines which events it can represent.
 class Evt2Encoder : public EventEncoder {
 public:
     Evt2Encoder(const std::string& file, const SensorSize& sensor_size);
@@ -23,7 +23,7 @@ private:
 
     SensorSize sensor_size;
     EvtEventCheck event_check;
-    std::uint64_t time_high = 0;  // as written last, but with all its bits
+    std::uint64_t time_high = 0;  // last one written, before truncation
     bool has_time = false;
 };
 

@@ -5,7 +5,7 @@
 
 namespace kelvora::recording {
 
-/// Words of EVT2 have 32 bits, little-endian; bits 31 to 28 tell the type.
+/// Words of EVT2 have 32 bits, little-endian; bits 31 to 28 are the type.
 ///
 /// An event holds the low part of its time in bits 27 to 22, x in bits 21 to 11 and y in bits 10 to
 /// 0. A time word holds the high part in bits 27 to 0.

@@ -76,9 +76,9 @@ void Evt3Decoder::decodeTimeHigh(std::uint16_t high) {
     const bool was_known = time_high.isKnown();
     const std::uint64_t before = time_high.microseconds();
     time_high.set(high);
-    // The old low part says nothing about the new high part. Keeping it would put events between
-    // this word and the next low part up to 4 ms late. Sensors repeat the high part, though, which
-    // must not reset the low one.
+    // The old low part does not belong to the new high part: with it, events between this word and
+    // the next low part would be up to 4 ms late. However, sensors repeat the high part, which must
+    // not reset the low one.
     if (!was_known || time_high.microseconds() != before) {
         event.timestamp = time_high.microseconds();
     }

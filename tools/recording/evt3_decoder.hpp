@@ -10,13 +10,13 @@ namespace kelvora::recording {
 
 /// Decodes `Format::Evt3` after its header.
 ///
-/// Events are given as they are found, times that go back a little included. Words of unknown type
-/// are skipped and counted. So are those whose events have no time, row or column yet, at the start
-/// of a recording cut out of a stream, and vectors that begin right of column 2047. The one defect
-/// is an end in the middle of a word.
+/// Events are returned as recorded, even if times go back a little. Words of unknown type are
+/// skipped and counted. So are words whose events have no time, row or column yet (at the start of
+/// a recording cut out of a stream), and vectors that begin right of column 2047. The only possible
+/// defect is an end in the middle of a word.
 class Evt3Decoder : public EventDecoder {
 public:
-    /// \param header_length  Bytes of the file before the first word.
+    /// \param header_length  Number of bytes before the first word.
     Evt3Decoder(std::string file, std::uint64_t header_length);
 
     std::size_t decode(Bytes bytes, std::vector<Event2D>& events) override;

@@ -15,7 +15,7 @@ using Iterator = std::vector<Event2D>::const_iterator;
 
 constexpr unsigned kVectorWidth = 12;
 
-// A pause is told in steps that a reader cannot take for a time that went back.
+// Write a pause in steps small enough that a reader does not take them for a time that goes back.
 constexpr std::uint64_t kLongestStep = std::uint64_t{1} << (kEvt3TimeHighBits - 2);
 
 void appendWord(Evt3WordType type, std::uint64_t payload, std::string& bytes) {
@@ -29,7 +29,7 @@ std::uint64_t columnAndPolarity(const Event2D& event) {
     return event.x | (static_cast<unsigned>(event.polarity) << kEvt3PolarityShift);
 }
 
-// End of the events from `first` on that can be written as vectors together.
+// End of the events from `first` on that can be written together as vectors.
 Iterator endOfRun(Iterator first, Iterator last) {
     const auto breaks_run = [](const Event2D& before, const Event2D& after) {
         return after.timestamp != before.timestamp || after.y != before.y ||

@@ -11,10 +11,10 @@
 
 namespace kelvora::recording {
 
-/// Encodes `Format::Evt3`. `EvtEventCheck` tells which events it can hold.
+/// Encodes `Format::Evt3`. `EvtEventCheck` defines which events it can represent.
 ///
-/// Neighbouring events of one time, row and polarity are written as vectors if their columns ascend
-/// and this takes fewer words. The order of events is always kept.
+/// Consecutive events of the same time, row and polarity are written as vectors if their columns
+/// ascend and vectors need fewer words. The order of events is always preserved.
 class Evt3Encoder : public EventEncoder {
 public:
     Evt3Encoder(const std::string& file, const SensorSize& sensor_size);
@@ -29,8 +29,8 @@ private:
     SensorSize sensor_size;
     EvtEventCheck event_check;
     std::optional<std::uint64_t>
-        last_time;                // as written last; time and row hold for the events that follow
-    std::uint64_t time_high = 0;  // as written last, but with all its bits
+        last_time;                // last ones written; time and row apply to the following events
+    std::uint64_t time_high = 0;  // last one written, before truncation
     std::optional<std::uint16_t> row;
 };
 

@@ -19,8 +19,8 @@ EvtEventCheck::EvtEventCheck(std::string file_) : file(std::move(file_)) {}
 
 void EvtEventCheck::check(const Event2D& event) {
     if (event.x > kLargestCoordinate || event.y > kLargestCoordinate) {
-        refuse(fmt::format("cannot hold the pixel ({}, {}), as EVT ends at {}", event.x, event.y,
-                           kLargestCoordinate),
+        refuse(fmt::format("cannot hold the pixel ({}, {}), because EVT coordinates end at {}",
+                           event.x, event.y, kLargestCoordinate),
                "write records or text");
     }
     if (event.timestamp < last_time) {

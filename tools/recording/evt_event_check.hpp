@@ -8,11 +8,11 @@
 
 namespace kelvora::recording {
 
-/// Refuses events that EVT words cannot hold.
+/// Rejects events that EVT words cannot represent.
 ///
-/// Coordinates have 11 bits, and a reader takes a time that goes back for one that wraps around. A
-/// pause, or the time before the first event, may last 2^40 us (12 days), as a time word has to be
-/// written for every few seconds of it.
+/// Coordinates have 11 bits, and readers take a time that goes back for one that wraps around. A
+/// pause, or the time before the first event, may last up to 2^40 us (12 days), because a time word
+/// has to be written for every few seconds of it.
 class EvtEventCheck {
 public:
     explicit EvtEventCheck(std::string file);

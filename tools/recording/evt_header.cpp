@@ -17,7 +17,7 @@ bool isHeaderCharacter(char character) {
     return (character >= ' ' && character <= '~') || character == '\t' || character == '\r';
 }
 
-// The header line at the front without its end, or nothing.
+// The first header line without its newline, or nothing.
 std::optional<std::string_view> headerLine(Bytes bytes) {
     if (bytes.substr(0, kLineStart.size()) != kLineStart) {
         return std::nullopt;
@@ -36,7 +36,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
 
-// Cuts `text` at the first `separator`: returns what stands before it and leaves what follows.
+// Splits `text` at the first `separator`: returns the part before it and leaves the rest in `text`.
 std::string_view takeUntil(std::string_view& text, char separator) {
     const std::string_view part = text.substr(0, text.find(separator));
     text.remove_prefix(std::min(part.size() + 1, text.size()));

@@ -11,21 +11,21 @@
 
 namespace kelvora::recording {
 
-/// What the header of an EVT recording says.
+/// The contents of the header of an EVT recording.
 ///
 /// A header is a run of lines of the form "% key value". It may end in a line "% end".
 struct EvtHeader {
-    std::size_t length = 0;  ///< Bytes up to the first word; 0: there is no header.
+    std::size_t length = 0;  ///< Bytes before the first word; 0 without a header.
     std::string
-        evt_version;  ///< "2", "3", "2.1", ... as told by "% evt 3.0" or "% format EVT3;..."; or empty.
+        evt_version;  ///< "2", "3", "2.1", ... from "% evt 3.0" or "% format EVT3;..."; or empty.
     std::optional<SensorSize>
         sensor_size;  ///< From "% geometry 640x480" or "% format ...;height=480;width=640".
 };
 
 /// Reads the header at the front of `bytes`.
 ///
-/// Only a line of printable ASCII characters that begins with "% " and ends in a newline belongs to
-/// the header: without "% end", words may follow that begin with the byte of `%` by chance.
+/// Only lines of printable ASCII characters that begin with "% " and end with a newline belong to
+/// the header: without "% end", the first word may begin with the byte of `%` by chance.
 EvtHeader parseEvtHeader(Bytes bytes);
 
 /// A header for a recording of this EVT version, `% end` included.
@@ -33,7 +33,7 @@ std::string evtHeader(int version, const SensorSize& sensor_size);
 
 /// Throws if `rest`, which an EVT decoder left over at byte `position` of the file, is not empty.
 ///
-/// \throws RecordingError  saying that the recording ends in the middle of a word.
+/// \throws RecordingError  with the message that the recording ends in the middle of a word.
 void refuseEndInsideWord(const std::string& file, std::uint64_t position, Bytes rest);
 
 }  // namespace kelvora::recording

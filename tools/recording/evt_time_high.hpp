@@ -5,20 +5,20 @@
 
 namespace kelvora::recording {
 
-/// The high part of the time in an EVT stream. It is sent in words of its own, has few bits and
-/// wraps around.
+/// The high part of the time in an EVT stream. It is sent in separate words, has few bits and wraps
+/// around.
 ///
-/// A wrap shows as a fall by more than half of the range. A smaller fall is one: time then goes
-/// back. This holds as long as the high part is sent at least once in half a range, 8.4 s in EVT3
-/// and 2.4 hours in EVT2.
+/// A decrease by more than half the range is a wrap. A smaller decrease means that time goes back.
+/// This requires that the high part is sent at least once per half range, 8.4 s in EVT3 and 2.4
+/// hours in EVT2.
 class EvtTimeHigh {
 public:
-    /// \param high_bits  Width of the high part.
-    /// \param low_bits_  Width of the low part, which events or words of their own give.
+    /// \param high_bits  Number of bits of the high part.
+    /// \param low_bits_  Number of bits of the low part, which is sent in events or separate words.
     EvtTimeHigh(unsigned high_bits, unsigned low_bits_)
         : range(std::uint64_t{1} << high_bits), low_bits(low_bits_) {}
 
-    /// Takes over the high part of a time word.
+    /// Updates the time with the high part of a time word.
     void set(std::uint64_t high_) {
         if (high_ + range / 2 < high) {
             wraps += range;

@@ -17,7 +17,7 @@ constexpr std::array<std::pair<Format, std::string_view>, 4> kNames = {
      {Format::Evt2, "evt2"},
      {Format::Evt3, "evt3"}}};
 
-// The first that fits is taken: `.evt2.raw` has to stand before `.raw`.
+// The first match wins, so `.evt2.raw` must come before `.raw`.
 constexpr std::array<std::pair<std::string_view, Format>, 7> kExtensions = {
     {{".bin", Format::Records},
      {".txt", Format::Text},
@@ -58,8 +58,8 @@ Format formatFromExtension(const std::filesystem::path& path) {
             return format;
         }
     }
-    throw RecordingError(path.string(), "has a name that tells no format to write", "",
-                         "end it in .bin (records), .txt or .csv (text), .evt2.raw or .evt3.raw");
+    throw RecordingError(path.string(), "has a name without the extension of a supported format",
+                         "", "use .bin (records), .txt or .csv (text), .evt2.raw or .evt3.raw");
 }
 
 }  // namespace kelvora::recording

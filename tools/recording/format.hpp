@@ -23,10 +23,10 @@ std::string toString(Format format);
 /// The inverse of `toString`; nothing if there is no such format.
 std::optional<Format> formatFromString(std::string_view name);
 
-/// The format in which to write a file of this name: `.bin` holds records, `.txt` and `.csv` text,
-/// `.raw` and `.evt3` EVT3, `.evt2` and `.evt2.raw` EVT2. Upper and lower case are the same.
+/// The format for writing a file with this name: `.bin` holds records, `.txt` and `.csv` text,
+/// `.raw` and `.evt3` EVT3, `.evt2` and `.evt2.raw` EVT2. Case is ignored.
 ///
-/// Names say nothing about what a file holds already: reading goes by content, see `detectFormat`.
+/// Names are not used for reading, which detects the format by content, see `detectFormat`.
 ///
 /// \throws RecordingError  for other names.
 Format formatFromExtension(const std::filesystem::path& path);

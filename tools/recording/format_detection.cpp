@@ -47,7 +47,8 @@ bool beginsWith(Bytes bytes, std::string_view start) {
 void refuseForeignFormats(Bytes head, const std::string& file) {
     for (const ForeignFormat& format : kForeignFormats) {
         if (beginsWith(head, format.magic)) {
-            throw RecordingError(file, std::string("is ") + format.name + ", which is not read", "",
+            throw RecordingError(file,
+                                 std::string("is ") + format.name + ", which is not supported", "",
                                  format.remedy);
         }
     }
@@ -84,8 +85,8 @@ Format detectFormat(Bytes head, const std::string& file) {
     }
     throw RecordingError(
         file, "has an unknown format", "",
-        "give a recording in one of the formats records, text, evt2 and evt3; name the "
-        "format with --input-format if it is one of them");
+        "give a recording in one of the formats records, text, evt2 and evt3; if it is one, give "
+        "the format with --input-format");
 }
 
 Format formatFromHeader(const EvtHeader& header, const std::string& file) {
@@ -96,10 +97,11 @@ Format formatFromHeader(const EvtHeader& header, const std::string& file) {
         return Format::Evt3;
     }
     if (header.evt_version.empty()) {
-        throw RecordingError(file, "has a header that names no EVT version", "",
-                             "name it with --input-format evt2 or --input-format evt3");
+        throw RecordingError(file, "has a header without an EVT version", "",
+                             "give it with --input-format evt2 or --input-format evt3");
     }
-    throw RecordingError(file, "is an EVT " + header.evt_version + " recording, which is not read",
+    throw RecordingError(file,
+                         "is an EVT " + header.evt_version + " recording, which is not supported",
                          "", "convert it to EVT 2 or EVT 3");
 }
 

@@ -9,15 +9,15 @@
 
 namespace kelvora::recording {
 
-/// Finds out the format of a recording from its content.
+/// Detects the format of a recording from its content.
 ///
-/// EVT recordings are known by their header, text by printable characters and a first line that
-/// looks like an event or a header, records by zero padding and polarities of 0 and 1.
+/// EVT recordings are recognised by their header, text by printable characters and a first line
+/// that looks like an event or a header, and records by zero padding and polarities of 0 and 1.
 ///
-/// \param head  The first bytes of the recording, 64 KiB if it has as many.
+/// \param head  The first bytes of the recording, up to 64 KiB.
 /// \param file  For messages.
-/// \throws RecordingError  if the format is not known or, with its name, if it is known but not
-///     supported.
+/// \throws RecordingError  if the format is unknown, or recognised but not supported. The message
+///     then names it.
 Format detectFormat(Bytes head, const std::string& file);
 
 /// The format that the header of an EVT recording names.

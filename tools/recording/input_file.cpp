@@ -18,7 +18,7 @@ std::string systemMessage(int error) {
     return std::generic_category().message(error);
 }
 
-/// Repeats a call of the system as long as nothing but signals ends it.
+/// Repeats a system call while signals interrupt it.
 template <class Call>
 auto callThroughSignals(const Call& call, const std::function<void()>& on_signal) {
     auto result = call();
@@ -33,7 +33,7 @@ auto callThroughSignals(const Call& call, const std::function<void()>& on_signal
 
 int openForReading(const std::string& name, const std::function<void()>& on_signal) {
     const int descriptor = callThroughSignals(
-        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system offers no other way
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): there is no other interface
         [&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC); }, on_signal);
     if (descriptor < 0) {
         const int error = errno;
@@ -55,7 +55,7 @@ InputFile::InputFile(const std::filesystem::path& path, std::function<void()> on
     }
     if (S_ISDIR(status.st_mode)) {
         ::close(descriptor);
-        throw RecordingError(file_name, "is a directory", "", "name a file in it");
+        throw RecordingError(file_name, "is a directory", "", "give a file in it");
     }
     if (S_ISREG(status.st_mode)) {
         file_size = static_cast<std::uint64_t>(status.st_size);

@@ -13,7 +13,7 @@ namespace kelvora::recording {
 namespace {
 
 constexpr int kClosed = -1;
-constexpr mode_t kPermissions = 0666;  // as far as the user's mask allows
+constexpr mode_t kPermissions = 0666;  // reduced by the user's umask
 
 RecordingError errorOf(const std::string& name, const std::string& problem,
                        const std::string& remedy) {
@@ -21,7 +21,7 @@ RecordingError errorOf(const std::string& name, const std::string& problem,
 }
 
 int openForWriting(const std::string& name) {
-    // A duplicate, so that closing it leaves standard output to others.
+    // A duplicate, so that closing it does not close standard output.
     if (name == "-") {
         return ::dup(STDOUT_FILENO);
     }

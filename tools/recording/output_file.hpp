@@ -8,14 +8,14 @@
 
 namespace kelvora::recording {
 
-/// A file that is written from front to back, or standard output where the path is "-". An existing
-/// file is replaced.
+/// Writes a file from front to back, or standard output if the path is "-". An existing file is
+/// replaced.
 class OutputFile {
 public:
     /// \throws RecordingError  if it cannot be created.
     explicit OutputFile(const std::filesystem::path& path);
 
-    /// Closes the file if `close` was not called; errors are then lost.
+    /// Closes the file if `close` was not called. Errors are then ignored.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -23,12 +23,12 @@ public:
     /// \throws RecordingError  if not all bytes can be written, as on a full disk.
     void write(Bytes bytes);
 
-    /// Does nothing if the file is closed already.
+    /// Does nothing if the file is already closed.
     ///
-    /// \throws RecordingError  if the system reports an error that it kept until now.
+    /// \throws RecordingError  if the system reports a delayed write error.
     void close();
 
-    /// Path as it was given, for messages.
+    /// The path as given by the user, for messages.
     const std::string& name() const { return file_name; }
 
 private:

@@ -8,16 +8,15 @@
 
 namespace kelvora::recording {
 
-/// A recording that cannot be read or written.
+/// Thrown for a recording that cannot be read or written.
 ///
 /// The message is one line that needs no context: `FILE: problem, where, what to do`.
 class RecordingError : public std::runtime_error {
 public:
     /// \param file  Path of the recording, as the user gave it.
-    /// \param problem  What is wrong, as the rest of a sentence that begins with the file: "is
-    ///     empty".
-    /// \param where  Byte or line; empty if the whole file is meant.
-    /// \param remedy  What the user can do about it.
+    /// \param problem  The problem, as a sentence whose subject is the file: "is empty".
+    /// \param where  Byte or line; empty for the whole file.
+    /// \param remedy  How the user can fix the problem.
     RecordingError(const std::string& file, const std::string& problem, const std::string& where,
                    const std::string& remedy);
 
@@ -34,11 +33,11 @@ private:
         std::string remedy;
     };
 
-    std::shared_ptr<const Parts> parts;  ///< Shared, as copying an exception must not throw.
+    std::shared_ptr<const Parts> parts;  ///< Shared, because copying an exception must not throw.
 };
 
-/// A field of a file as it may stand in a message: the file may hold anything, the message is one
-/// short line.
+/// Quotes a field of a file for a message. The field may contain anything; the result is short and
+/// on one line.
 std::string inQuotes(std::string_view field);
 
 }  // namespace kelvora::recording

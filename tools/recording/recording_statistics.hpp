@@ -10,16 +10,16 @@
 
 namespace kelvora::recording {
 
-/// Sums up a recording, chunk by chunk and as it is: before cleaning.
+/// Statistics of a recording, computed chunk by chunk from the raw events before cleaning.
 class RecordingStatistics {
 public:
-    /// \param sensor_size  Needed only to count the events off the sensor.
+    /// \param sensor_size  Only needed to count events off the sensor.
     explicit RecordingStatistics(const std::optional<SensorSize>& sensor_size);
 
-    /// Takes the next chunk.
+    /// Adds the next chunk.
     void add(const std::vector<Event2D>& events);
 
-    /// Number of events. What follows is 0 as long as there are none.
+    /// Number of events. All figures below are 0 without events.
     std::uint64_t events() const { return event_count; }
 
     /// Earliest time, in microseconds.
@@ -28,24 +28,24 @@ public:
     /// Latest time, in microseconds.
     std::uint64_t lastTime() const { return last_time; }
 
-    /// From the earliest to the latest time, in microseconds.
+    /// Time from the earliest to the latest event, in microseconds.
     std::uint64_t duration() const { return lastTime() - firstTime(); }
 
-    /// Events per second over the whole duration; 0 if that is 0.
+    /// Events per second over the whole duration; 0 if the duration is 0.
     double meanRate() const;
 
     /// Events per second in the busiest of the 10 ms intervals that begin at multiples of 10 ms,
-    /// and never less than the mean rate: a recording may be shorter than an interval. Times that
-    /// go back by up to a second count for the interval of the events before.
+    /// but at least the mean rate, because a recording may be shorter than an interval. Events
+    /// whose time goes back by up to a second count for the interval of the previous events.
     double peakRate() const;
 
-    /// Events of polarity 1 per event, from 0 to 1.
+    /// Share of events with polarity 1, from 0 to 1.
     double onShare() const;
 
-    /// Number of events earlier than the event before them.
+    /// Number of events earlier than the previous event.
     std::uint64_t outOfOrder() const { return out_of_order; }
 
-    /// Number of events off the sensor; nothing if the size is not known.
+    /// Number of events off the sensor; empty if the size is unknown.
     std::optional<std::uint64_t> offSensor() const;
 
     /// Largest column of an event.
@@ -65,7 +65,7 @@ private:
     std::uint64_t off_sensor = 0;
     std::uint64_t first_time;
     std::uint64_t last_time = 0;
-    std::uint64_t time_before = 0;  // of the event before
+    std::uint64_t time_before = 0;  // of the previous event
     std::uint64_t interval = 0;
     std::uint64_t interval_count = 0;
     std::uint64_t peak_count = 0;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kPolarityOffset = 12;
 
-// Polarity and padding as one number: 0 or 1 in a sound record.
+// Polarity and padding as one number: 0 or 1 in a valid record.
 std::uint32_t polarityAndPadding(const char* record) {
     return loadLittleEndian<std::uint32_t>(record + kPolarityOffset);
 }

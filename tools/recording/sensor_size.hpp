@@ -26,8 +26,7 @@ inline constexpr int kLargestSensorSide = 65536;
 /// Whether both sides are from 1 to `kLargestSensorSide`.
 bool isValid(const SensorSize& size);
 
-/// Reads a size written as `640x480`; nothing if the text is anything else or the size is not
-/// valid.
+/// Parses a size such as `640x480`; empty if the text has another form or the size is invalid.
 std::optional<SensorSize> sensorSizeFromString(std::string_view text);
 
 }  // namespace kelvora::recording

@@ -20,7 +20,7 @@ std::string withoutPlus(std::string_view field) {
     return std::string(field.substr(!field.empty() && field.front() == '+' ? 1 : 0));
 }
 
-// The whole number that a field holds, be it written as 96, +96, 96.0 or 9.6e+01.
+// Parses a whole number, which may be written as 96, +96, 96.0 or 9.6e+01.
 std::optional<int> wholeNumber(std::string_view field) {
     int number = 0;
     const char* const end = field.data() + field.size();
@@ -112,7 +112,7 @@ std::uint64_t TextDecoder::decodeTime(std::string_view field) {
         unit_is_assumed = true;
     } else if (unit_is_assumed && *time_unit == TimeUnit::Microseconds && isDecimal(field)) {
         refuse("has the time " + inQuotes(field) +
-                   " with a decimal point, while times before were whole numbers",
+                   " with a decimal point, but earlier times are whole numbers",
                "give the unit with --time-unit");
     }
     const auto microseconds = microsecondsFromDecimal(field, *time_unit);
@@ -147,7 +147,7 @@ void TextDecoder::checkLength(std::size_t line_length) const {
         throw RecordingError(
             file, fmt::format("has a line of more than {} characters", kMaxTextLine),
             fmt::format("line {}", line_number + 1),
-            "check that it is a text recording, or name its format with --input-format");
+            "check that it is a text recording, or give its format with --input-format");
     }
 }
 

@@ -12,14 +12,14 @@ namespace kelvora::recording {
 ///
 /// Coordinates and polarities may be written as decimals (`96.0`, `9.6e+01`) if they are whole.
 ///
-/// Defects are lines that do not hold four numbers, times that are negative or after `kLatestTime`,
+/// Defects are lines without exactly four numbers, times that are negative or after `kLatestTime`,
 /// coordinates outside 0 to 65535, polarities other than 1, 0 and -1, lines longer than
-/// `kMaxTextLine`, and a time with a decimal point where the first event, without one, made it look
-/// like microseconds.
+/// `kMaxTextLine`, and a time with a decimal point if the first event has none and therefore set
+/// the unit to microseconds.
 class TextDecoder : public EventDecoder {
 public:
-    /// \param layout        What is not set is found out as `TextLayout` says.
-    /// \param header_lines  Lines of the file before the first to be decoded.
+    /// \param layout        Missing parts are detected as described for `TextLayout`.
+    /// \param header_lines  Number of lines before the first line to decode.
     TextDecoder(std::string file, const TextLayout& layout, std::uint64_t header_lines);
 
     std::size_t decode(Bytes bytes, std::vector<Event2D>& events) override;

@@ -7,7 +7,7 @@
 namespace kelvora::recording {
 
 /// Encodes `Format::Text`: a line `width height`, then a line `t x y p` per event, the time in
-/// seconds with six decimals. It can hold any event.
+/// seconds with six decimals. It can represent any event.
 class TextEncoder : public EventEncoder {
 public:
     explicit TextEncoder(const SensorSize& sensor_size);

@@ -7,15 +7,15 @@
 
 namespace kelvora::recording {
 
-/// Longest line of a text recording, in bytes. What is longer is no text.
+/// Longest line of a text recording, in bytes. A file with a longer line is not treated as text.
 inline constexpr std::size_t kMaxTextLine = 4096;
 
-/// Blanks within a line; the carriage return of `\r\n` is one of them.
+/// Blanks within a line, including the carriage return of `\r\n`.
 inline bool isTextBlank(char character) {
     return character == ' ' || character == '\t' || character == '\r';
 }
 
-/// The separators of which at most one stands between two fields.
+/// Separators that occur at most once between two fields.
 inline bool isTextSeparator(char character) {
     return character == ',' || character == ';';
 }
@@ -26,13 +26,13 @@ inline void skipTextBlanks(std::string_view& text) {
     }
 }
 
-/// Whether a line holds no fields: it is blank, or begins with `#`.
+/// Whether a line has no fields, because it is blank or begins with `#`.
 inline bool isTextComment(std::string_view line) {
     skipTextBlanks(line);
     return line.empty() || line.front() == '#';
 }
 
-/// Takes the next field off the front of a line; nothing at its end.
+/// Removes the next field from the front of a line and returns it; empty at the end.
 ///
 /// The field is empty where two commas follow each other. A comma at the end of a line is ignored.
 inline std::optional<std::string_view> takeTextField(std::string_view& rest) {

@@ -16,7 +16,7 @@ namespace kelvora::recording {
 namespace {
 
 constexpr std::string_view kByteOrderMark =
-    "\xEF\xBB\xBF";  // some editors put it in front of UTF-8
+    "\xEF\xBB\xBF";  // byte order mark that some editors write
 
 std::vector<std::string_view> splitFields(std::string_view line) {
     std::vector<std::string_view> fields;
@@ -58,11 +58,10 @@ std::optional<TextColumn> columnFromName(std::string_view name) {
     return std::nullopt;
 }
 
-// What a line of names says about the layout; nothing if it is none.
+// The layout given by a line of names; empty if the line is not one.
 std::optional<TextLayout> layoutFromNames(const std::vector<std::string_view>& fields) {
     TextLayout layout;
-    std::string
-        letters;  // the order as `textColumnsFromString` understands it, which also refuses doubles
+    std::string letters;  // the order for `textColumnsFromString`, which also rejects duplicates
     for (const std::string_view field : fields) {
         std::string name(field);
         std::transform(name.begin(), name.end(), name.begin(), [](unsigned char letter) {
@@ -85,7 +84,7 @@ std::optional<TextLayout> layoutFromNames(const std::vector<std::string_view>& f
 }
 
 void complete(TextLayout& layout, const TextLayout& found) {
-    // A unit in the name of a column is believed even where the user gave the order.
+    // A unit in a column name applies even if the user gave the order.
     layout.time_unit = layout.time_unit ? layout.time_unit : found.time_unit;
     layout.columns = layout.columns ? layout.columns : found.columns;
 }
@@ -96,7 +95,7 @@ public:
         header.layout = given;
     }
 
-    // Takes a line into the header, unless it is the first of the events.
+    // Adds a line to the header, unless it is the first event.
     bool take(std::string_view line) {
         if (isTextComment(line)) {
             takeComment(line);
@@ -150,7 +149,7 @@ private:
     const std::string& file;
 };
 
-// The line that begins at `start`, without its newline.
+// The line at `start`, without its newline.
 std::string_view lineAt(Bytes bytes, std::size_t start) {
     return bytes.substr(start, bytes.find('\n', start) - start);
 }

@@ -12,26 +12,28 @@
 
 namespace kelvora::recording {
 
-/// What stands before the first event of a text recording: lines that are blank or comments, the
-/// size of the sensor, the names of the columns. All may be missing.
+/// The lines before the first event of a text recording: blank lines, comments, the size of the
+/// sensor and the names of the columns. All are optional.
 struct TextHeader {
-    std::size_t length = 0;   ///< Bytes up to the line of the first event.
-    std::uint64_t lines = 0;  ///< Lines up to that one.
+    std::size_t length = 0;   ///< Number of bytes before the line of the first event.
+    std::uint64_t lines = 0;  ///< Number of lines before that line.
     std::optional<SensorSize> sensor_size;
-    TextLayout layout;  ///< What was given, completed by what the header says.
+    TextLayout layout;  ///< The given layout, completed from the header.
 };
 
-/// Reads the header at the front of `bytes`, which end at the end of a line or of the recording.
+/// Reads the header at the front of `bytes`, which must end at the end of a line or of the
+/// recording.
 ///
-/// Names of columns are t, ts, time and timestamp (also with a unit, as in `t_us`), x, y, p, pol,
-/// polarity and on, in upper or lower case. A comment that consists of such names counts as well.
+/// Column names are t, ts, time and timestamp (also with a unit, as in `t_us`), x, y, p, pol,
+/// polarity and on, in upper or lower case. A comment that consists of such names also counts as a
+/// header.
 ///
-/// \param given  What the user said, which takes precedence.
-/// \throws RecordingError  for names that are not understood, and for an impossible size.
+/// \param given  The layout given by the user, which takes precedence.
+/// \throws RecordingError  for unknown names and for an invalid size.
 TextHeader parseTextHeader(Bytes bytes, const TextLayout& given, const std::string& file);
 
-/// Whether `bytes`, the front of a file, are printable text whose first line that is no comment
-/// begins with a number or looks like names of columns.
+/// Whether `bytes`, the front of a file, are printable text whose first line other than a comment
+/// begins with a number or looks like column names.
 bool looksLikeTextRecording(Bytes bytes);
 
 }  // namespace kelvora::recording

@@ -13,7 +13,7 @@ enum class TimeUnit { Seconds, Milliseconds, Microseconds, Nanoseconds };
 /// Meaning of a column of a text recording.
 enum class TextColumn { Time, X, Y, Polarity };
 
-/// Order of the columns. Each occurs once.
+/// Order of the columns. Each column occurs once.
 using TextColumns = std::array<TextColumn, 4>;
 
 /// The order `t x y p`, unless a recording or the user names another.
@@ -24,10 +24,10 @@ inline constexpr TextColumns kDefaultTextColumns = {TextColumn::Time, TextColumn
 /// commas or semicolons. Polarity is 1 or 0 (-1 is the same as 0). Lines that are blank or begin
 /// with `#` are skipped.
 ///
-/// What is not set here is found out from the recording:
+/// Members that are not set are detected from the recording:
 /// - The order of the columns is taken from a first line that names them, such as `x,y,p,t`, or is
 ///   `t x y p`.
-/// - The unit may be part of the name of the column, as in `t_us`. Else the first event decides: a
+/// - The unit may be part of the column name, as in `t_us`. Otherwise the first event decides: a
 ///   time with a decimal point or exponent is in seconds, a whole number in microseconds.
 ///
 /// A first line of two whole numbers is the width and height of the sensor.
@@ -36,10 +36,10 @@ struct TextLayout {
     std::optional<TimeUnit> time_unit;
 };
 
-/// Reads an order of columns written as `xypt` or `x,y,p,t`; nothing if the text is not one.
+/// Parses an order of columns such as `xypt` or `x,y,p,t`; empty if the text is not one.
 std::optional<TextColumns> textColumnsFromString(std::string_view text);
 
-/// Reads a unit of time, one of "s", "ms", "us" and "ns"; nothing if the text is none of them.
+/// Parses a unit of time: "s", "ms", "us" or "ns"; empty for any other text.
 std::optional<TimeUnit> timeUnitFromString(std::string_view text);
 
 }  // namespace kelvora::recording

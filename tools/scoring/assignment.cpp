@@ -24,7 +24,8 @@ CostMatrix prepared(const CostMatrix& costs) {
     const bool is_upright = costs.rows() <= costs.columns();
     CostMatrix result(std::min(costs.rows(), costs.columns()),
                       std::max(costs.rows(), costs.columns()));
-    // More than all permitted pairs together can cost: one forbidden pair less is worth any price.
+    // More than all permitted pairs can cost together, so that avoiding a forbidden pair always
+    // pays off.
     const double span = highest > lowest ? highest - lowest : 1.0;
     const double forbidden = static_cast<double>(result.rows() + 1) * span;
     for (std::size_t i = 0; i < result.rows(); ++i) {
@@ -36,13 +37,13 @@ CostMatrix prepared(const CostMatrix& costs) {
     return result;
 }
 
-/// Pairs every row, one after the other: each on the cheapest path that alternates between pairs
-/// not made and pairs made, and ends at a column that is free. To make and undo pairs along this
-/// path keeps the total the least for the rows so far.
+/// Adds one row after another, each by the cheapest augmenting path: a path that alternates between
+/// unmatched and matched pairs and ends at a free column. Flipping the pairs along this path keeps
+/// the total cost of the rows so far minimal.
 ///
-/// Each row and column has a potential, such that no pair costs less than its two potentials
-/// together and each pair made costs just as much. What a pair costs beyond them is never negative,
-/// so that the cheapest path is found as Dijkstra does.
+/// Each row and column has a potential. No pair costs less than the sum of its two potentials, and
+/// matched pairs cost exactly that. Reduced costs are therefore never negative, and Dijkstra's
+/// algorithm finds the cheapest path.
 class AugmentingPaths {
 public:
     /// \param costs_  With at most as many rows as columns, all of them finite.
@@ -69,7 +70,7 @@ private:
         distance.assign(root, kForbidden);
         column_before.assign(root, root);
         is_reached.assign(root + 1, false);
-        row_of[root] = start;  // a column that is not there holds the row that has none yet
+        row_of[root] = start;  // an extra column holds the row that is not matched yet
         std::size_t column = root;
         while (row_of[column] != kNone) {
             is_reached[column] = true;
@@ -79,7 +80,7 @@ private:
         return column;
     }
 
-    /// Goes on from the row of the column reached last.
+    /// Extends the search from the row of the column reached last.
     std::size_t nearestColumn(std::size_t from) {
         const std::size_t row = row_of[from];
         std::size_t nearest = kNone;
@@ -100,7 +101,7 @@ private:
         return nearest;
     }
 
-    /// Makes the pair that leads to the nearest column cost just its potentials.
+    /// Adjusts the potentials so that the pair to the nearest column has a reduced cost of 0.
     void movePotentials(double step) {
         for (std::size_t column = 0; column <= root; ++column) {
             if (is_reached[column]) {
@@ -117,7 +118,7 @@ private:
     std::vector<double> row_potential;
     std::vector<double> column_potential;
     std::vector<std::size_t> row_of;
-    std::vector<double> distance;  ///< From the columns reached to each other one.
+    std::vector<double> distance;  ///< From the reached columns to each other column.
     std::vector<std::size_t> column_before;
     std::vector<bool> is_reached;
 };

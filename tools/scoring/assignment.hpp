@@ -11,7 +11,7 @@ namespace kelvora::scoring {
 /// Cost of a pair that must not be made.
 inline constexpr double kForbidden = std::numeric_limits<double>::infinity();
 
-/// What it costs to pair each row with each column: any finite number, or `kForbidden`.
+/// The cost of each pair of a row and a column: any finite number, or `kForbidden`.
 class CostMatrix {
 public:
     /// All pairs are forbidden at first.
@@ -31,11 +31,10 @@ private:
     std::vector<double> costs;
 };
 
-/// Pairs rows with columns, each at most once: as many pairs as can be made without a forbidden
-/// one, and among these choices the one whose costs add up to the least. Of several such choices,
-/// always the same one is taken.
+/// Pairs rows with columns, each at most once: as many pairs as possible without a forbidden one,
+/// at the least total cost. If several assignments are optimal, the choice is deterministic.
 ///
-/// The Hungarian method, as shortest augmenting paths: R. Jonker, A. Volgenant: "A shortest
+/// The Hungarian method with shortest augmenting paths: R. Jonker, A. Volgenant: "A shortest
 /// augmenting path algorithm for dense and sparse linear assignment problems", 1987. O(n^2 m) for n
 /// rows and m columns or the reverse, whichever has n <= m.
 ///

@@ -11,8 +11,8 @@ struct Box {
     double height = 0.0;
 };
 
-/// Area that two boxes share, relative to the area that they cover together: from 0 (apart) to 1
-/// (the same). 0 if one of them has no area.
+/// Intersection over union of two boxes: from 0 (disjoint) to 1 (equal). 0 if one of them has no
+/// area.
 double intersectionOverUnion(const Box& a, const Box& b);
 
 }  // namespace kelvora::scoring

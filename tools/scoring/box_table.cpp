@@ -17,7 +17,7 @@ namespace {
 double length(const TableReader& table, std::string_view column) {
     const double value = table.number(column);
     if (value < 0.0) {
-        table.refuseField(column, "a number from 0 on");
+        table.refuseField(column, "a number of at least 0");
     }
     return value;
 }
@@ -67,12 +67,12 @@ State state(const TableReader& table) {
 std::uint64_t track(const TableReader& table) {
     const std::uint64_t id = table.countingNumber("track_id");
     if (id == 0) {
-        table.refuseField("track_id", "a whole number from 1 on");
+        table.refuseField("track_id", "a whole number of at least 1");
     }
     return id;
 }
 
-/// Refuses names that are given to two boxes at the same time.
+/// Rejects two boxes with the same name at the same time.
 template <class Id>
 class UniqueIds {
 public:

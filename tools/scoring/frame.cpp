@@ -13,7 +13,7 @@ void sortByTime(std::vector<Row>& rows) {
     });
 }
 
-/// Times between different neighbours, in ascending order.
+/// Differences between distinct successive times, in ascending order.
 template <class Row>
 std::vector<std::uint64_t> intervals(const std::vector<Row>& sorted_rows) {
     std::vector<std::uint64_t> result;
@@ -26,7 +26,8 @@ std::vector<std::uint64_t> intervals(const std::vector<Row>& sorted_rows) {
     return result;
 }
 
-/// Appends the rows of a time to `taken`; they are at the front of what is left, if there are any.
+/// Appends the rows of a time to `taken`. If there are any, they are at the front of the remaining
+/// rows.
 template <class Row>
 void takeRows(const std::vector<Row>& rows, std::size_t& next, std::uint64_t time,
               std::vector<Row>& taken) {

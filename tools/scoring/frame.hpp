@@ -9,40 +9,40 @@
 
 namespace kelvora::scoring {
 
-/// Where an object truly was.
+/// The true box of an object.
 struct TruthBox {
     std::uint64_t timestamp_us = 0;
     Box box;
-    std::int64_t id = 0;      ///< Of the same object throughout.
-    double visibility = 1.0;  ///< Share of the object that can be seen.
+    std::int64_t id = 0;      ///< The same in all frames.
+    double visibility = 1.0;  ///< Visible share of the object.
     bool is_moving = true;
 };
 
-/// Where a cluster was found.
+/// The box of a cluster.
 struct ClusterBox {
     std::uint64_t timestamp_us = 0;
     Box box;
-    std::uint64_t track = 0;  ///< Of the same track throughout, from 1; 0 if there are no tracks.
+    std::uint64_t track = 0;  ///< From 1, the same in all frames; 0 without tracks.
 };
 
-/// All that is there at a time.
+/// All objects and clusters at one time.
 struct Frame {
     std::vector<TruthBox> truth;
     std::vector<ClusterBox> clusters;
 };
 
-/// The times of the truth in ascending order, and those of clusters in between.
+/// In ascending order: all times of the truth, and times between them that have clusters.
 struct FrameSequence {
     std::vector<Frame> frames;
     std::size_t common_times = 0;  ///< Frames with truth and clusters.
 
-    /// Clusters before the first or after the last truth, which are in no frame.
+    /// Clusters before the first or after the last truth, which belong to no frame.
     std::size_t clusters_outside = 0;
 
-    /// Median time from one truth to the next; 0 if there are less than two times.
+    /// Median interval of the truth; 0 with fewer than two times.
     std::uint64_t truth_interval_us = 0;
 
-    /// Least time from one cluster to a later one; 0 if there are less than two times.
+    /// Shortest interval of the clusters; 0 with fewer than two times.
     std::uint64_t cluster_interval_us = 0;
 };
 

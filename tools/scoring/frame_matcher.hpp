@@ -9,7 +9,7 @@
 
 namespace kelvora::scoring {
 
-/// An object and the cluster that shows it, by their positions in the frame.
+/// An object and its cluster, as indices into the frame.
 struct Match {
     std::size_t object;
     std::size_t cluster;
@@ -20,15 +20,15 @@ struct Match {
 class FrameMatcher {
 public:
     /// \param frame_  Must outlive the matcher.
-    /// \param min_iou_  Least intersection over union of a match, above 0.
+    /// \param min_iou_  Minimum intersection over union of a match, above 0.
     FrameMatcher(const Frame& frame_, double min_iou_);
 
-    /// Matches an object that is not matched yet with the cluster of a track, if it is there, free,
-    /// and near enough.
+    /// Matches an unmatched object with the cluster of a track, if that exists, is free, and
+    /// overlaps enough.
     void matchWithTrack(std::size_t object, std::uint64_t track);
 
-    /// Matches as many of these objects as can be with clusters that are free, at the largest sum
-    /// of intersections over unions. Those that are matched already stay so.
+    /// Matches as many of these objects as possible with free clusters, with the largest sum of
+    /// intersections over unions. Existing matches are kept.
     void matchAll(const std::vector<std::size_t>& objects);
 
     /// The matches, in the order in which they were made.
@@ -40,8 +40,8 @@ private:
 
     const Frame& frame;
     double min_iou;
-    std::vector<bool> is_matched;  ///< Of each object.
-    std::vector<bool> is_taken;    ///< Of each cluster.
+    std::vector<bool> is_matched;  ///< One per object.
+    std::vector<bool> is_taken;    ///< One per cluster.
     std::vector<Match> made;
 };
 

@@ -91,7 +91,7 @@ std::int64_t TableReader::wholeNumber(std::string_view column) const {
 }
 
 std::uint64_t TableReader::countingNumber(std::string_view column) const {
-    return parse<std::uint64_t>(column, "a whole number from 0 on");
+    return parse<std::uint64_t>(column, "a whole number of at least 0");
 }
 
 void TableReader::refuse(const std::string& problem, const std::string& remedy) const {
@@ -105,7 +105,7 @@ void TableReader::refuseField(std::string_view column, const std::string& expect
            "correct the line");
 }
 
-/// Goes to the next line that is not blank.
+/// Moves to the next line that is not blank.
 bool TableReader::nextLine() {
     do {
         std::size_t end = buffer.find('\n', buffer_position);
@@ -126,7 +126,7 @@ bool TableReader::nextLine() {
     return true;
 }
 
-/// Appends more of the file to what is left of the buffer.
+/// Appends more of the file to the rest of the buffer.
 bool TableReader::fillBuffer() {
     buffer.erase(0, buffer_position);
     buffer_position = 0;

@@ -13,26 +13,26 @@
 namespace kelvora::scoring {
 
 /// A table with named columns, read row by row: CSV with a header line, or JSON lines (recognised
-/// by the `{` at its beginning), whose columns are the members of the first object.
+/// by a leading `{`), whose columns are the members of the first object.
 ///
-/// Columns may stand in any order. Blank lines are skipped, and so are blanks around fields.
-/// Fields in quotation marks are not understood in CSV.
+/// Columns may be in any order. Blank lines and blanks around fields are skipped. Quoted CSV fields
+/// are not supported.
 ///
-/// All functions throw `recording::RecordingError` for what cannot be read.
+/// All functions throw `recording::RecordingError` for unreadable or malformed input.
 class TableReader {
 public:
-    /// \param required  Columns that must be there.
+    /// \param required  Columns that must exist.
     TableReader(const std::filesystem::path& path, const std::vector<std::string>& required);
 
     /// Whether the table has this column.
     bool has(std::string_view column) const;
 
-    /// Goes to the next row.
+    /// Moves to the next row.
     ///
     /// \returns false at the end.
     bool next();
 
-    /// A field of the row, as it is written; likewise all below. The table must have the column.
+    /// The text of a field of the row. For all functions below, the table must have the column.
     const std::string& text(std::string_view column) const;
 
     /// \throws recording::RecordingError  also if it is infinite.
@@ -43,14 +43,14 @@ public:
     /// \throws recording::RecordingError  also if it is negative.
     std::uint64_t countingNumber(std::string_view column) const;
 
-    /// Reports that something is wrong with the row.
+    /// Reports an error in the row.
     ///
     /// \throws recording::RecordingError  always.
     [[noreturn]] void refuse(const std::string& problem, const std::string& remedy) const;
 
-    /// Reports that something is wrong with a field of the row.
+    /// Reports an error in a field of the row.
     ///
-    /// \param expected  As in "is not a number".
+    /// \param expected  The end of "is not ...", such as "a number".
     /// \throws recording::RecordingError  always.
     [[noreturn]] void refuseField(std::string_view column, const std::string& expected) const;
 

@@ -13,29 +13,30 @@
 namespace kelvora::scoring {
 
 struct ScoreOptions {
-    double min_iou = 0.5;         ///< Least intersection over union of a match, in (0, 1].
-    double min_visibility = 0.0;  ///< Objects of which less can be seen are ignored.
-    bool include_still = false;   ///< Whether objects that do not move count, too.
+    double min_iou = 0.5;         ///< Minimum intersection over union of a match, in (0, 1].
+    double min_visibility = 0.0;  ///< Less visible objects are ignored.
+    bool include_still = false;   ///< Whether still objects count, too.
     bool has_tracks = false;      ///< Whether clusters belong to tracks.
 };
 
-/// Compares clusters with the truth, frame by frame, by the rules of K. Bernardin, R. Stiefelhagen:
+/// Compares clusters with the truth, frame by frame, according to K. Bernardin, R. Stiefelhagen:
 /// "Evaluating Multiple Object Tracking Performance: The CLEAR MOT Metrics", EURASIP Journal on
 /// Image and Video Processing, 2008.
 ///
-/// An object stays matched with the track that it was matched with in the frame before, as long as
-/// the two overlap enough. All others are assigned such that there are as many matches as can be,
-/// at the largest sum of intersections over unions.
+/// An object keeps its track from the previous frame as long as the two overlap enough. The others
+/// are matched so that there are as many matches as possible, with the largest sum of intersections
+/// over unions.
 ///
-/// An event camera does not see what stands still. Objects that do not move, or of which too little
-/// can be seen, are therefore ignored: they need not be found, and are assigned the clusters that
-/// the other objects leave, which then are no false positives. Frames in which an object is ignored
-/// count neither as found nor as lost.
+/// An event camera does not see still objects. Objects that do not move or are hardly visible are
+/// therefore ignored: they need not be found, and clusters that match them after all other objects
+/// are matched are not false positives. Frames in which an object is ignored count neither as found
+/// nor as lost.
 class TrackingScore {
 public:
     explicit TrackingScore(const ScoreOptions& options_);
 
-    /// Counts a frame; frames come in order of time. An object or track occurs in it once at most.
+    /// Adds a frame. Frames must be in time order, with each object and track at most once per
+    /// frame.
     void add(const Frame& frame);
 
     /// The score of all frames so far.
@@ -46,9 +47,9 @@ private:
     struct Trajectory {
         std::uint64_t frames = 0;
         std::uint64_t matches = 0;
-        std::uint64_t last_match = 0;  ///< Number of the frame, from 1.
+        std::uint64_t last_match = 0;  ///< Number of a frame, from 1.
         std::uint64_t last_track = 0;
-        bool is_tracked = false;  ///< Whether it was matched in the last frame in which it counted.
+        bool is_tracked = false;  ///< Whether it was matched in its last counted frame.
     };
 
     bool counts(const TruthBox& object) const;

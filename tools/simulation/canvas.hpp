@@ -12,13 +12,13 @@ namespace kelvora::simulation {
 /// background's.
 class Canvas {
 public:
-    /// All background.
+    /// Starts with background only.
     Canvas(int width_, int height_);
 
-    /// Puts the background back. \pre the region lies on the sensor
+    /// Restores the background. \pre the region lies on the sensor
     void clear(const Region& region);
 
-    /// Paints all objects of a scene of the same size, each over those before it.
+    /// Paints all objects of a scene of the same size, each over the previous ones.
     void paint(const Scene& scene);
 
     /// The pixels of a row.
@@ -30,7 +30,7 @@ private:
 
     std::size_t width;
     std::vector<float> brightness;
-    std::vector<float> coverage;  ///< Of one row, kept to save allocations.
+    std::vector<float> coverage;  ///< Of one row. A member to save allocations.
 };
 
 }  // namespace kelvora::simulation

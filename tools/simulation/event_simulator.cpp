@@ -11,7 +11,7 @@ namespace kelvora::simulation {
 
 namespace {
 
-// Streams of random numbers; that of the scene is 1.
+// Streams of random numbers. The scene uses stream 1.
 constexpr std::uint64_t kPixelStream = 2;
 constexpr std::uint64_t kBackgroundNoiseStream = 3;
 constexpr std::uint64_t kHotPixelStream = 4;

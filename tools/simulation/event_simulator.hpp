@@ -16,10 +16,10 @@
 
 namespace kelvora::simulation {
 
-/// What an event camera would record of a scene, with the true places of the objects in it.
+/// Simulates an event camera that looks at a scene, with the true positions of the objects.
 ///
-/// The same options give the same events with every compiler and on every machine. Memory depends
-/// on the size of the sensor, not on the duration.
+/// The same options produce the same events with every compiler and on every machine. Memory
+/// depends on the size of the sensor, not on the duration.
 ///
 /// \code
 /// EventSimulator simulator(options);
@@ -33,21 +33,20 @@ namespace kelvora::simulation {
 /// \endcode
 class EventSimulator {
 public:
-    /// The random scene of the options.
+    /// Simulates the random scene given by the options.
     /// \throws std::invalid_argument as `SceneOptions::validate`
     explicit EventSimulator(const SceneOptions& options_);
 
-    /// A scene of one's own; the options say the rest, but their counts of objects go unused.
+    /// Simulates a custom scene. The options give the rest; their numbers of objects are not used.
     /// \throws std::invalid_argument as `SceneOptions::validate`, or if the sensors differ in size
     EventSimulator(const SceneOptions& options_, Scene scene_);
 
-    /// Simulates the next interval of `truth_interval_us`, or what is left of the duration.
+    /// Simulates the next `truth_interval_us`, or the rest of the duration.
     ///
-    /// \param events the events of the interval are appended, ordered by time; no earlier than
-    ///     those of the intervals before
-    /// \param truth the rows of the interval are appended, ordered by id. A last interval that the
-    ///     duration cuts short has none
-    /// \returns false, and appends nothing, if the duration is over
+    /// \param events the events of the interval are appended in time order, also across calls
+    /// \param truth the rows of the interval are appended, ordered by id. An incomplete last
+    ///     interval has no rows
+    /// \returns false, and appends nothing, once the duration is over
     bool step(std::vector<Event2D>& events, std::vector<GroundTruth>& truth);
 
 private:

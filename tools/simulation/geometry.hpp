@@ -13,7 +13,7 @@ struct Point {
     double y;
 };
 
-/// Where a shape is: its centre, and the direction in which its own x axis points.
+/// Position and orientation of a shape: its centre, and the direction of its x axis.
 struct Pose {
     Point centre;
     Point direction;  ///< Unit vector: cosine and sine of the angle, clockwise as y points down.
@@ -41,21 +41,21 @@ struct Region {
 /// The smallest region around both. \pre neither is empty
 Region unite(const Region& a, const Region& b);
 
-/// What two regions have in common; its begin is not below its end on an axis where they are apart.
+/// The intersection of two regions. On an axis where they are disjoint, begin >= end.
 Region intersect(const Region& a, const Region& b);
 
-/// True if no pixel lies inside.
+/// True if it contains no pixel.
 bool isEmpty(const Region& region);
 
-/// The vector turned by an angle whose cosine and sine are given.
+/// Rotates a vector by an angle given by its cosine and sine.
 Point turned(const Point& vector, const Point& cosine_and_sine);
 
-/// Cosine and sine of an angle for which `half_tangent` is the tangent of its half.
+/// Cosine and sine of an angle, given the tangent of half the angle.
 ///
-/// Needs a division only, and is exact up to rounding whatever the angle.
+/// Needs only a division, and is exact up to rounding for every angle.
 Point angleFromHalfTangent(double half_tangent);
 
-/// The vector scaled to length 1. \pre it is not zero
+/// Scales a vector to length 1. \pre it is not zero
 Point normalised(const Point& vector);
 
 /// Length of a vector.

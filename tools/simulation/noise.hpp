@@ -9,25 +9,25 @@
 
 namespace kelvora::simulation {
 
-/// Where a pixel is.
+/// Position of a pixel.
 struct PixelPosition {
     unsigned short x;
     unsigned short y;
 };
 
-/// Events that come at random times, of random polarity, each from a random one of some pixels.
+/// Events at random times, with random polarity, each at a random pixel of a given set.
 class Noise {
 public:
-    /// Noise of all pixels of a sensor.
+    /// Noise at all pixels of a sensor.
     /// \param rate_hz events per pixel and second; 0: none
     static Noise background(int width, int height, double rate_hz, RandomNumbers random);
 
-    /// Noise of some pixels in random places.
+    /// Noise at some random pixels.
     /// \param rate_hz events per hot pixel and second; 0: none
-    /// \pre count is not above the number of pixels
+    /// \pre count is at most the number of pixels
     static Noise hotPixels(int count, int width, int height, double rate_hz, RandomNumbers random);
 
-    /// Appends the events before `end_us` that were not yet given, in the order of time.
+    /// Appends the next events, up to `end_us` (exclusive), in time order.
     void advance(std::uint64_t end_us, std::vector<Event2D>& events);
 
 private:
@@ -36,7 +36,7 @@ private:
 
     PixelPosition drawPlace();
 
-    std::vector<PixelPosition> places;  ///< Empty: all pixels of the sensor.
+    std::vector<PixelPosition> places;  ///< Empty for all pixels of the sensor.
     std::uint64_t width;
     std::uint64_t height;
     double mean_wait_us;  ///< Between two events of all pixels together; 0 if there are none.

@@ -11,7 +11,7 @@ namespace {
 constexpr double kLowestRelativeThreshold = 0.5;
 constexpr double kHighestRelativeThreshold = 1.5;
 
-/// The time between two pictures, and where its events go.
+/// The interval between two pictures, and the output for its events.
 class Exposure {
 public:
     Exposure(std::uint64_t begin_us_, std::uint64_t end_us_, std::vector<Event2D>& events_)
@@ -20,7 +20,7 @@ public:
     void emit(int x, int y, bool on, double elapsed_share) const {
         const double elapsed = elapsed_share * static_cast<double>(duration_us);
         // A crossing at the very end must not fall into the next step, whose events are sorted
-        // apart.
+        // separately.
         const auto whole = std::min(static_cast<std::uint64_t>(elapsed), duration_us - 1);
         events.emplace_back(static_cast<unsigned short>(x), static_cast<unsigned short>(y),
                             static_cast<unsigned char>(on ? 1 : 0), begin_us + whole);
@@ -44,7 +44,7 @@ PixelArray::PixelArray(const Canvas& canvas, int width_, int height_, double thr
                                                kLowestRelativeThreshold, kHighestRelativeThreshold);
             const double own_threshold = threshold * relative;
             const float seen = canvas.row(y)[x];
-            // A pixel at rest has its last event somewhere in the past: only by less than its
+            // The last event of a pixel at rest was some time ago, at a brightness less than a
             // threshold away.
             const double past = own_threshold * random.uniform(-0.5, 0.5);
             pixels.push_back(

@@ -13,23 +13,23 @@ namespace kelvora::simulation {
 
 /// The pixels of an event camera.
 ///
-/// Each remembers the log brightness of its last event, and emits an event whenever the present one
-/// has moved away from it by the pixel's threshold: ON (polarity 1) when brighter, OFF (polarity 0)
-/// when darker.
+/// Each pixel stores the log brightness of its last event, and emits an event whenever the current
+/// brightness differs from it by the pixel's threshold: ON (polarity 1) when brighter, OFF
+/// (polarity 0) when darker.
 class PixelArray {
 public:
-    /// \param canvas what the pixels see at the start; it makes no events
+    /// \param canvas the first picture, which makes no events
     /// \param threshold the change of log brightness that makes an event
-    /// \param threshold_spread standard deviation of the pixels' own thresholds, relative to
-    /// `threshold`
+    /// \param threshold_spread standard deviation of the thresholds of the pixels, relative to
+    ///     `threshold`
     PixelArray(const Canvas& canvas, int width_, int height_, double threshold,
                double threshold_spread, RandomNumbers random);
 
-    /// Shows the pixels of a region a new picture. Between the last one and this, from `begin_us`
-    /// to `end_us`, brightness went linearly.
+    /// Shows a new picture to the pixels of a region. Brightness changes linearly from the last
+    /// picture at `begin_us` to this one at `end_us`.
     ///
-    /// Appends the events, which are unordered but for those of the same pixel. Showing the same
-    /// picture twice adds none.
+    /// Appends the events. Only events of the same pixel are in order. Showing the same picture
+    /// twice adds no events.
     void expose(const Canvas& canvas, const Region& region, std::uint64_t begin_us,
                 std::uint64_t end_us, std::vector<Event2D>& events);
 

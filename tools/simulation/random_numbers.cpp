@@ -6,7 +6,7 @@ namespace kelvora::simulation {
 namespace {
 
 // An odd constant with well-mixed bits (2^64 divided by the golden ratio) keeps the seeds of
-// streams apart.
+// streams distinct.
 constexpr std::uint64_t kStreamStride = 0x9E3779B97F4A7C15;
 
 }  // namespace

@@ -6,15 +6,15 @@
 
 namespace kelvora::simulation {
 
-/// Random numbers that are the same everywhere for a seed.
+/// Random numbers that depend only on the seed, on all platforms.
 ///
-/// The distributions of the standard library may differ between its implementations, and `std::log`
-/// between machines, so that they are drawn here with the generator's bits, additions and
+/// The distributions of the standard library may differ between implementations, and `std::log`
+/// between machines. Numbers are therefore computed from the generator's bits with additions and
 /// comparisons only.
 class RandomNumbers {
 public:
-    /// Streams of the same seed are independent of one another: drawing more numbers from one
-    /// leaves the others as they are.
+    /// Streams of the same seed are independent: drawing more numbers from one does not change the
+    /// others.
     RandomNumbers(std::uint64_t seed, std::uint64_t stream);
 
     /// Uniform in [0, 1), in steps of 2^-53.

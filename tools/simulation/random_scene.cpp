@@ -29,8 +29,8 @@ struct Ranges {
     Range speed;     ///< Pixels per second.
 };
 
-// On small sensors objects stay big enough to be seen as such, and fast enough for events in every
-// window.
+// On small sensors, objects stay large enough to be recognisable, and fast enough to make events in
+// every window.
 Ranges rangesFor(const SceneOptions& options) {
     const double scale = std::min(options.width / 640.0, options.height / 480.0);
     const double slowest = 90 * std::max(scale, 1.0);
@@ -44,7 +44,8 @@ int countFor(const SceneOptions& options, const std::optional<int>& asked, int u
     return asked.value_or(std::min(usual, fitting));
 }
 
-// The corners of regular polygons, as numbers: sine and cosine may differ between machines.
+// The corners of regular polygons, as constants because sine and cosine may differ between
+// machines.
 const std::array<std::vector<Point>, 4> kRegularCorners = {{
     {{1, 0}, {-0.5, 0.8660254037844386}, {-0.5, -0.8660254037844386}},
     {{1, 0}, {0, 1}, {-1, 0}, {0, -1}},
@@ -94,14 +95,13 @@ private:
     const SceneOptions& options;
     Ranges ranges;
     RandomNumbers random;
-    // Where in its range the size of each object to come lies, from 0 to 1; the last is taken
-    // first.
+    // The size of each remaining object relative to its range, from 0 to 1. The last is used first.
     std::vector<double> sizes;
-    std::vector<double> speeds;  // In the same way.
+    std::vector<double> speeds;  // The same for speeds.
     std::vector<SceneObject> objects;
 };
 
-// One value from each of as many equal parts of [0, 1), in random order.
+// Divides [0, 1) into equal parts and draws one value from each, in random order.
 std::vector<double> SceneMaker::drawShares(int count) {
     std::vector<double> shares;
     shares.reserve(static_cast<std::size_t>(count));
@@ -133,8 +133,8 @@ void SceneMaker::addLight() {
          period_us});
 }
 
-// Compilers evaluate the arguments of a call in different orders, and so do they the operands of a
-// sum or a product: numbers are drawn in statements of their own.
+// Compilers may evaluate arguments and operands in any order, so each number is drawn in a separate
+// statement.
 void SceneMaker::addDisc() {
     const double radius = takeDiameter() / 2;
     const Point heading = drawDirection();
@@ -145,8 +145,8 @@ void SceneMaker::addBar(bool turns) {
     const double length =
         std::max(takeDiameter(), (ranges.diameter.low + ranges.diameter.high) / 2);
     const double thickness = std::max(length * random.uniform(0.12, 0.2), 2.0);
-    // Near an axis of the sensor the path stays across the bar when it is reflected at a border.
-    // The bar leans by some 25 to 35 degrees, so that its ends move across pixels, too.
+    // A path near an axis of the sensor still crosses the bar after a reflection at a border. The
+    // bar leans by about 25 to 35 degrees, so that its ends move across pixels, too.
     const Point heading = drawNearAxis();
     const double lean = random.uniform(0.22, 0.32);
     const Point across =
@@ -157,7 +157,8 @@ void SceneMaker::addBar(bool turns) {
 void SceneMaker::addPolygon(bool turns) {
     const double radius = takeDiameter() / 2;
     std::vector<Point> corners = kRegularCorners[random.below(kRegularCorners.size())];
-    // Corners shifted along a circle stay convex, and so little that the centre stays inside.
+    // Shifting corners along a circle keeps the polygon convex, and small shifts keep the centre
+    // inside.
     for (Point& corner : corners) {
         corner = turned(corner, angleFromHalfTangent(random.uniform(-0.12, 0.12)));
         corner = {corner.x * radius, corner.y * radius};
@@ -175,7 +176,7 @@ void SceneMaker::addMoving(ObjectKind kind, Shape shape, const Point& heading,
                            const Point& direction, bool turns) {
     const double share = speeds.back();
     speeds.pop_back();
-    // The square makes slow objects the more frequent ones.
+    // Squaring makes slow objects more frequent.
     const double speed = ranges.speed.low + (ranges.speed.high - ranges.speed.low) * share * share;
     const double turn_rate = turns ? drawTurnRate() : 0;
     const Point place = drawPlace(shape.radius());
@@ -208,7 +209,7 @@ double SceneMaker::drawTurnRate() {
     return random.coin() ? magnitude : -magnitude;
 }
 
-// Of several random places, the one furthest from the objects that are already there.
+// Of several random positions, the one furthest from the existing objects.
 Point SceneMaker::drawPlace(double radius) {
     const double margin = std::min({radius, options.width / 3.0, options.height / 3.0});
     Point best{};

@@ -9,9 +9,9 @@
 
 namespace kelvora::simulation {
 
-/// Objects in front of a uniform background, and the time.
+/// Objects in front of a uniform background, at a point in time.
 ///
-/// Objects further back in the list hide those before them. Object i has the id i + 1.
+/// Later objects in the list hide earlier ones. Object i has the id i + 1.
 class Scene {
 public:
     /// \throws std::invalid_argument if a side of the sensor is below 1 or above 65535
@@ -21,10 +21,10 @@ public:
     int height() const { return sensor_height; }
     std::uint64_t timeUs() const { return time_us; }
     const std::vector<SceneObject>& objects() const& { return members; }
-    /// By value, so that a loop over the objects of a temporary scene is safe.
+    /// Returns a copy, so that a loop over the objects of a temporary scene is safe.
     std::vector<SceneObject> objects() && { return std::move(members); }
 
-    /// Moves everything on. Paths are followed exactly; borders and turns want steps of some
+    /// Moves all objects. Straight paths are exact; reflections and rotations need steps of a few
     /// milliseconds.
     void advance(std::uint64_t duration_us);
 
@@ -32,7 +32,7 @@ public:
     /// light changes by more than a third.
     double longestStepUs() const;
 
-    /// The pixels of the sensor that an object covers at least in part; may be empty.
+    /// The pixels of the sensor that an object covers at least partly; may be empty.
     Region regionOnSensor(const SceneObject& object) const;
 
 private:

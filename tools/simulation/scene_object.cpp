@@ -19,8 +19,8 @@ void advanceBetweenBorders(double seconds, double low, double high, double& posi
     }
 }
 
-// A trapezoid, as of a switched lamp behind a slow circuit: a fifth of the period each to rise and
-// to fall.
+// A trapezoid, like a switched lamp with a slow circuit: it rises and falls for a fifth of the
+// period each.
 double flicker(std::uint64_t time_us, std::uint64_t period_us) {
     const double phase = static_cast<double>(time_us % period_us) / static_cast<double>(period_us);
     const double distance_from_peak = phase < 0.5 ? 0.5 - phase : phase - 0.5;
@@ -50,7 +50,8 @@ void SceneObject::advance(double seconds, int sensor_width, int sensor_height) {
     advanceBetweenBorders(seconds, margin, width - margin, pose.centre.x, velocity.x);
     advanceBetweenBorders(seconds, margin, height - margin, pose.centre.y, velocity.y);
     if (turn_rate != 0) {
-        // Half the angle is its own tangent for the small steps of a simulation.
+        // For the small steps of a simulation, the tangent of half the angle is about half the
+        // angle.
         const Point angle = angleFromHalfTangent(turn_rate * seconds / 2);
         pose.direction = normalised(turned(pose.direction, angle));
     }

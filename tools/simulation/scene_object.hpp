@@ -8,12 +8,12 @@
 
 namespace kelvora::simulation {
 
-/// What an object of a scene is.
+/// Kind of an object in a scene.
 enum class ObjectKind : std::uint8_t {
     kDisc,
     kBar,
     kPolygon,
-    kLight,  ///< A lamp that flickers and stays in its place.
+    kLight,  ///< A flickering lamp that does not move.
 };
 
 /// "disc", "bar", "polygon" or "light".
@@ -23,18 +23,18 @@ std::string nameOf(ObjectKind kind);
 struct SceneObject {
     ObjectKind kind;
     Shape shape;
-    double contrast;  ///< Log brightness above that of the background; negative: darker than it.
-    Pose pose;        ///< Where it is now.
-    Point velocity;   ///< Of its centre, in pixels per second.
+    double contrast;       ///< Log brightness relative to the background; negative: darker.
+    Pose pose;             ///< Current position and orientation.
+    Point velocity;        ///< Of its centre, in pixels per second.
     double turn_rate = 0;  ///< In radians per second, clockwise.
     std::uint64_t flicker_period_us =
         0;  ///< 0: steady. Otherwise it goes off and on once per period.
 
-    /// Moves it on. Its centre turns back at the borders of the sensor, though not before half of
-    /// its radius has left.
+    /// Moves the object. It is reflected at the borders of the sensor once half of its radius is
+    /// outside.
     void advance(double seconds, int sensor_width, int sensor_height);
 
-    /// Log brightness above that of the background.
+    /// Current log brightness relative to the background.
     float brightness(std::uint64_t time_us) const;
 
     /// Speed, in pixels per second, of the fastest point of its outline.

@@ -9,7 +9,7 @@ namespace kelvora::simulation {
 
 namespace {
 
-// Written so that a value that is not a number is refused as well.
+// This form rejects NaN, too.
 template <typename T>
 void requireRange(const char* name, T value, T low, T high) {
     if (!(value >= low && value <= high)) {

@@ -9,8 +9,8 @@
 
 namespace kelvora::simulation {
 
-// Registers of higher precision than the type would make the results depend on what the compiler
-// spills.
+// With registers of higher precision than the type, results would depend on which values the
+// compiler spills.
 static_assert(FLT_EVAL_METHOD == 0, "the simulator needs arithmetic in the precision of its types");
 
 namespace {
@@ -21,8 +21,8 @@ void require(bool condition, const char* message) {
     }
 }
 
-// Distance of each pixel's centre from a circle, negative inside. The quotient stands for a square
-// root and is right near the circle, which is where it matters.
+// Distance of each pixel's centre from a circle, negative inside. The quotient approximates a
+// square root and is accurate near the circle, where it matters.
 void distancesFromCircle(double radius, double dx, double dy, int count, float* distance) {
     const auto start = static_cast<float>(dx);
     const auto scale = static_cast<float>(1 / (2 * radius));
@@ -33,7 +33,7 @@ void distancesFromCircle(double radius, double dx, double dy, int count, float* 
     }
 }
 
-// A convex polygon lies inside all lines of its sides, so that the largest distance counts.
+// A convex polygon lies inside the lines of all its sides, so the largest distance counts.
 void raiseToDistancesFromLine(const Point& normal, double first, int count, float* distance) {
     const auto start = static_cast<float>(first);
     const auto slope = static_cast<float>(normal.x);
@@ -105,7 +105,7 @@ Box Shape::bounds(const Pose& pose) const {
 }
 
 Region Shape::region(const Pose& pose) const {
-    // The smooth outline reaches half a pixel beyond the sides, and further at sharp corners.
+    // The smooth outline extends half a pixel beyond the sides, and further at sharp corners.
     const Box box = bounds(pose);
     return {static_cast<int>(std::floor(box.left)) - 1, static_cast<int>(std::floor(box.top)) - 1,
             static_cast<int>(std::ceil(box.right)) + 1,

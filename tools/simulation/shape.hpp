@@ -13,7 +13,7 @@ public:
     /// \throws std::invalid_argument unless the radius is above 0
     static Shape disc(double radius);
 
-    /// A rectangle whose length runs along its own x axis.
+    /// A rectangle with its length along its x axis.
     /// \throws std::invalid_argument unless both sides are above 0
     static Shape bar(double length, double thickness);
 
@@ -22,23 +22,23 @@ public:
     /// polygon, or if the origin is not inside
     static Shape polygon(std::vector<Point> corners);
 
-    /// Radius, in pixels, of the smallest circle around the origin that holds the shape.
+    /// Radius, in pixels, of the smallest circle around the origin that contains the shape.
     double radius() const { return outer_radius; }
 
     /// The box around the shape in this pose.
     Box bounds(const Pose& pose) const;
 
-    /// The pixels that the shape covers at least in part. It may cover a few of them not at all.
+    /// The pixels that the shape covers at least partly, and possibly a few more.
     Region region(const Pose& pose) const;
 
-    /// Writes to `coverage` which fraction of each of the pixels (x_begin, y) to (x_end - 1, y) is
-    /// covered.
+    /// Writes the covered fraction of each of the pixels (x_begin, y) to (x_end - 1, y) to
+    /// `coverage`.
     ///
     /// The fraction falls linearly from 1 to 0 over one pixel across the outline.
     void coverRow(const Pose& pose, int y, int x_begin, int x_end, float* coverage) const;
 
 private:
-    /// The line on which a side lies: normal . p = distance, with the normal pointing outwards.
+    /// The line through a side: normal . p = distance, with the normal pointing outwards.
     struct Side {
         Point normal;
         double distance;

@@ -22,7 +22,7 @@ double sum(const std::vector<float>& values) {
     return total;
 }
 
-// Takes away from the coverage of a row what an object in front of it hides.
+// Subtracts the part of a row's coverage that an object in front hides.
 void hide(const SceneObject& front, int y, int x_begin, std::vector<float>& coverage) {
     const int x_end = x_begin + static_cast<int>(coverage.size());
     const Region overlap = intersect(front.shape.region(front.pose), {x_begin, y, x_end, y + 1});

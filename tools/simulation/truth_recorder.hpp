@@ -8,29 +8,28 @@
 
 namespace kelvora::simulation {
 
-/// Follows the objects of a scene through an interval of time.
+/// Records the ground truth of a scene's objects during an interval.
 class TruthRecorder {
 public:
-    /// Starts an interval: forgets the last one.
+    /// Starts a new interval and discards the last one.
     void begin(const Scene& scene);
 
-    /// Extends the boxes by the places where the objects are now.
+    /// Extends the boxes to the current positions of the objects.
     void follow(const Scene& scene);
 
-    /// Measures how much of each object can be seen now.
+    /// Measures how much of each object is currently visible.
     void measureVisibility(const Scene& scene);
 
-    /// Appends a row for each object whose box meets the sensor; the interval ends at the scene's
-    /// time.
+    /// Appends a row for each object whose box overlaps the sensor. The interval ends at the
+    /// scene's time.
     void finish(const Scene& scene, std::vector<GroundTruth>& truth) const;
 
 private:
-    std::vector<Box> boxes;  ///< Of each object.
+    std::vector<Box> boxes;  ///< One per object.
     std::vector<double> visibilities;
 };
 
-/// The share of each object of a scene that is neither hidden by objects in front of it nor off the
-/// sensor.
+/// The visible share of each object of a scene: neither hidden by other objects nor off the sensor.
 std::vector<double> visibilitiesOf(const Scene& scene);
 
 }  // namespace kelvora::simulation

@@ -201,7 +201,7 @@ TEST_F(EventReaderTest, RefusesWhatCannotBeOpened) {
     EXPECT_THAT(readRecording(directory.file("missing")).error,
                 EndsWith("missing: cannot be opened (No such file or directory), check the path"));
     EXPECT_THAT(readRecording(directory.file("")).error,
-                HasSubstr(": is a directory, name a file in it"));
+                HasSubstr(": is a directory, give a file in it"));
 }
 
 TEST_F(EventReaderTest, RefusesFilesThatMayNotBeRead) {

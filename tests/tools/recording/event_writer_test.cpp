@@ -150,9 +150,11 @@ TEST_P(EvtWriterTest, KeepsTimesAcrossAllPausesItAccepts) {
 }
 
 TEST_P(EvtWriterTest, RefusesPixelsBeyondElevenBits) {
-    EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(0, 1, 1, 1), eventAt(0, 2048, 3, 1)}),
-                HasSubstr("cannot hold the pixel (2048, 3), as EVT ends at 2047, event 1, write "
-                          "records or text"));
+    EXPECT_THAT(
+        errorOfWriting(path, GetParam(), {eventAt(0, 1, 1, 1), eventAt(0, 2048, 3, 1)}),
+        HasSubstr(
+            "cannot hold the pixel (2048, 3), because EVT coordinates end at 2047, event 1, write "
+            "records or text"));
     EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(0, 3, 2048, 1)}), HasSubstr("(3, 2048)"));
 }
 

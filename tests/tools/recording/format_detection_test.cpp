@@ -35,10 +35,11 @@ TEST(FormatDetection, KnowsEvtByItsHeader) {
 
 TEST(FormatDetection, RefusesOtherVersionsOfEvtByName) {
     EXPECT_THAT(errorOf("% evt 2.1\n"),
-                HasSubstr("a.raw: is an EVT 2.1 recording, which is not read"));
+                HasSubstr("a.raw: is an EVT 2.1 recording, which is not supported"));
     EXPECT_THAT(errorOf("% format EVT21;height=480;width=640\n"), HasSubstr("EVT 2.1"));
     EXPECT_THAT(errorOf("% evt 4.0\n"), HasSubstr("EVT 4 recording"));
-    EXPECT_THAT(errorOf("% Date today\n\x2D\x8B"), HasSubstr("names no EVT version, name it with"));
+    EXPECT_THAT(errorOf("% Date today\n\x2D\x8B"),
+                HasSubstr("without an EVT version, give it with"));
 }
 
 TEST(FormatDetection, KnowsTextByItsFirstLine) {
@@ -66,7 +67,7 @@ TEST(FormatDetection, KnowsRecordsThatBeginWithThePercentSignOfAnEvtHeader) {
 
 TEST(FormatDetection, NamesFormatsThatAreNotRead) {
     EXPECT_THAT(errorOf("\x89HDF\r\n\x1A\n...."sv),
-                HasSubstr("is an HDF5 file, which is not read, convert"));
+                HasSubstr("is an HDF5 file, which is not supported, convert"));
     EXPECT_THAT(errorOf("#!AER-DAT4.0\r\n"), HasSubstr("is an AEDAT file"));
     EXPECT_THAT(errorOf("#ROSBAG V2.0\n"), HasSubstr("is a ROS bag"));
     EXPECT_THAT(errorOf("SQLite format 3\0..."sv), HasSubstr("ROS 2"));
@@ -75,7 +76,7 @@ TEST(FormatDetection, NamesFormatsThatAreNotRead) {
     EXPECT_THAT(errorOf("% Version 2\n"), HasSubstr("is a DAT recording"));
     EXPECT_THAT(errorOf("PK\x03\x04...."), HasSubstr("is a ZIP archive"));
     EXPECT_THAT(errorOf("\x1F\x8B...."),
-                HasSubstr("is a gzip file, which is not read, decompress"));
+                HasSubstr("is a gzip file, which is not supported, decompress"));
 }
 
 TEST(FormatDetection, RefusesWhatItDoesNotKnowAndNamesTheFormatsItDoes) {

@@ -40,7 +40,8 @@ TEST(Format, IsRefusedWithTheExtensionsToChooseFrom) {
         formatFromExtension("street.h5");
         FAIL();
     } catch (const RecordingError& error) {
-        EXPECT_THAT(error.what(), HasSubstr("street.h5: has a name that tells no format"));
+        EXPECT_THAT(error.what(),
+                    HasSubstr("street.h5: has a name without the extension of a supported format"));
         EXPECT_THAT(error.what(), HasSubstr(".bin"));
     }
 }

@@ -53,7 +53,7 @@ TEST(TextDecoder, AsksForTheUnitIfWhatItAssumedTurnsOutDoubtful) {
     EXPECT_THAT(outcome.events, ElementsAre(eventAt(1, 2, 3, 0)));
     EXPECT_EQ(
         outcome.error,
-        "a.txt: has the time '1.5' with a decimal point, while times before were whole numbers, "
+        "a.txt: has the time '1.5' with a decimal point, but earlier times are whole numbers, "
         "line 2, give the unit with --time-unit");
 }
 
