@@ -1,17 +1,16 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-r"""How fast Python hands events to the library, and what Python adds to the library's own time.
+r"""Speed of event input from Python, and the overhead of Python over the library.
 
-- Intake: millions of events per second of processor time that `process` takes, for several
-  layouts and methods.
-- Threads: how much more two threads on two clusterers take than one in the same time.
-- dbscan: its time over that of the C++ program `cluster_points` on the same points.
+- Intake: millions of events per second of processor time in `process`, for several layouts and
+  methods.
+- Threads: throughput of two threads with two clusterers, relative to one.
+- dbscan: its time relative to the C++ program `cluster_points` on the same points.
 
 Usage: PYTHONPATH=build/release/python \
            python/benchmarks/process_benchmark.py [--program PATH] [--rounds N]
 
-Figures of one and of two threads are taken in turn; medians are printed. Wants a machine with
-nothing else to do.
+Runs with one and with two threads alternate; medians are printed. Run it on an idle machine.
 """
 
 import argparse
@@ -73,7 +72,7 @@ def intake_rate(make, events, rounds):
 
 
 def wall_seconds(works):
-    """Runs each work in a thread of its own."""
+    """Run each task in a separate thread."""
     threads = [threading.Thread(target=work) for work in works]
     start = time.perf_counter()
     for thread in threads:
@@ -84,7 +83,7 @@ def wall_seconds(works):
 
 
 def thread_gain(make_work, rounds):
-    """How many times the work of one thread two threads do in the same time."""
+    """Throughput of two threads relative to one."""
     gains = []
     for _ in range(rounds):
         works = [make_work(), make_work()]
@@ -103,12 +102,12 @@ def make_intake(events, repeats=4):
 
 
 def make_hashing(data=bytes(100_000_000)):
-    """Work that is known to need neither the GIL nor anything that is shared."""
+    """Work that needs neither the GIL nor shared resources."""
     return lambda: hashlib.sha256(data)
 
 
 def program_seconds(program, points, eps, rounds):
-    """Processor seconds of the library alone, median but for the first run."""
+    """Processor seconds of the library alone: median of all runs except the first."""
     run = subprocess.run(
         [program, "density", "2f", repr(eps), str(MIN_PTS), "1", str(rounds + 1)],
         input=points.tobytes(),
@@ -149,8 +148,8 @@ def main():
     gain = thread_gain(lambda: make_intake(random_events(kelvora.EVENT_DTYPE)), arguments.rounds)
     possible = thread_gain(make_hashing, arguments.rounds)
     print(
-        f"\ntwo threads on two grids take {gain:.2f} times the events of one "
-        f"(and hash {possible:.2f} times the bytes: what the machine has to give)"
+        f"\ntwo threads on two grids process {gain:.2f} times the events of one "
+        f"(and hash {possible:.2f} times the bytes, which is the limit of the machine)"
     )
 
     print("\ndbscan, one job\n  points   eps   library ms   Python ms   ratio")

@@ -12,10 +12,10 @@ from kelvora._recordings import Format, TimeUnit, integer, sensor_size
 from kelvora._worker import ClusteredRecording, cluster, failed
 from kelvora._worker_pool import WorkerPool
 
-# Where keywords differ from the options of the command-line tool in more than dashes.
+# Keywords that differ from the options of the command-line tool in more than dashes.
 _TOOL_NAMES = {"tracking": "track", "k": "clusters"}
 _DURATIONS = ("window_us", "from_us", "to_us", "time_length_us")
-_LONGEST_DURATION = 10**18  # 30,000 years; beyond, sums with times could wrap.
+_LONGEST_DURATION = 10**18  # 30,000 years; beyond, sums with times could overflow.
 _FLAGS = ("tracking", "count_every_event")
 _CHOICES = {
     "method": ("grid", "density", "centroid"),
@@ -65,54 +65,54 @@ def cluster_recordings(
     **parameters: object,
 ) -> list[ClusteredRecording]:
     """
-    Find the clusters of recordings, window by window, several recordings at a time.
+    Find the clusters of recordings, window by window, with several recordings in parallel.
 
-    The rows are those of ``kelvora cluster`` with the same options. But for the centroid method,
-    which draws at random, they are the same for any number of workers.
+    The rows are the same as from ``kelvora cluster`` with the same options. They do not depend on
+    the number of workers, except for the centroid method, which is random.
 
     Parameters
     ----------
     paths : iterable of path_like
-        The recordings, of any format.
+        The recordings, in any supported format.
     client : distributed.Client, optional
-        Dask client of a cluster whose workers cluster the recordings. They need this package, and
-        find the recordings by the same paths. Without one, processes on this machine do.
+        Client of a Dask cluster to run on. Its workers need this package and access to the
+        recordings under the same paths. Without a client, processes on this machine do the work.
     workers : int, optional
-        Processes on this machine; as many as there are processors by default.
+        Number of processes on this machine. By default, one per processor.
     method : {'grid', 'density', 'centroid'}
-        How to find clusters.
+        Clustering method.
     window_us : int
         Length of a window, microseconds. Windows begin at multiples of it.
     from_us, to_us : int, optional
         Part of each recording to cluster, microseconds after its first event, `to_us` excluded.
     polarity : {'all', 'on', 'off', 'separate'}
-        Events to cluster; 'separate', for the grid alone, takes all, but wants both polarities in
+        Events to cluster. 'separate', for the grid only, uses all, but requires both polarities in
         a cell.
     tracking : bool
-        Follow objects from window to window, which adds columns and rows.
+        Track objects from window to window, which adds columns and rows.
     sensor : tuple of int, optional
         Width and height in pixels, if the recordings do not state them.
     input_format, columns, time_unit : str, optional
         As for `read`.
     **parameters
-        Parameters of the method as of `GridClusterer`, `DensityClusterer` or `CentroidClusterer`,
-        and of `Tracker`, with the same defaults.
+        Parameters of the method, as for `GridClusterer`, `DensityClusterer` or `CentroidClusterer`,
+        and of the `Tracker`, with the same defaults.
 
     Returns
     -------
     list of ClusteredRecording
-        One per path, in their order. What goes wrong with a recording, be it that its worker
-        process dies, is told in its ``error``, and leaves the others alone.
+        One per path, in the same order. If a recording fails, even because its worker process dies,
+        its ``error`` has the reason. The other recordings are not affected.
 
     Raises
     ------
     TypeError, ValueError
-        For unknown parameters, those of another method, and bad values, before any recording is
-        opened.
+        For unknown parameters, parameters of another method, and invalid values, before any
+        recording is opened.
 
     Notes
     -----
-    Ctrl-C ends the processes at once, and cancels what a Dask cluster has not yet begun.
+    Ctrl-C ends the processes at once, and cancels tasks that a Dask cluster has not started.
 
     Examples
     --------
@@ -160,7 +160,7 @@ def cluster_recordings(
 
 
 def _options(**keywords: object) -> dict[str, str]:
-    """Options of the command-line tool, as it reads them: so it checks them, too."""
+    """Convert keywords to options of the command-line tool, which also checks them."""
     options = {}
     _check_method(keywords)
     for keyword, value in keywords.items():
@@ -176,7 +176,8 @@ def _options(**keywords: object) -> dict[str, str]:
 
 
 def _check_method(keywords: dict[str, object]) -> None:
-    # The tool leaves alone what the method does not use; here, it hides a forgotten method.
+    # The tool ignores parameters that the method does not use. Here, this could hide a forgotten
+    # method argument.
     method = str(keywords["method"] or "grid")
     others = set().union(*_OF_METHOD.values()) - _OF_METHOD.get(method, set())
     for keyword, value in keywords.items():
@@ -210,7 +211,7 @@ def _on_dask(client: Any, paths: list[str], options: dict[str, str]) -> list[Clu
     futures = [_submit(client, path, options) for path in paths]
     try:
         found = [_result(future, path, options) for future, path in zip(futures, paths)]
-        # A worker that dies takes along what else it had: that gets a second chance, all alone.
+        # When a worker dies, its other tasks fail, too: run each of them again, alone.
         for i, (path, future) in enumerate(zip(paths, futures)):
             if future.status == "error":
                 futures[i] = _submit(client, path, options)

@@ -4,7 +4,7 @@
 import re
 
 
-# Of `cluster_recordings`, where they differ from the options of the tool in more than dashes.
+# Keywords of `cluster_recordings` that differ from the options of the tool in more than dashes.
 _KEYWORDS = {
     "window": "window_us",
     "from": "from_us",
@@ -17,24 +17,24 @@ _KEYWORDS = {
 
 class RecordingError(Exception):
     """
-    A recording that cannot be read, or not to its end.
+    Raised for a recording that cannot be read, or only in part.
 
-    The message is one line that says which file, what is wrong, where, and what to do.
+    The message is one line with the file, the problem, its place, and a remedy.
 
     Attributes
     ----------
     file : str
-        Path of the recording, as it was given.
+        Path of the recording, as given.
     problem : str
-        What is wrong, as the rest of a sentence that begins with the file.
+        The problem, as a sentence whose subject is the file.
     place : str
-        Byte or line; empty if the whole file is meant.
+        Byte or line; empty for the whole file.
     remedy : str
-        What to do about it.
+        How to fix the problem.
     """
 
     def __init__(self, file: str, problem: str, place: str, remedy: str) -> None:
-        # Exceptions are sent from process to process by these arguments.
+        # Exceptions are pickled with these arguments.
         super().__init__(file, problem, place, remedy)
         self.file = file
         self.problem = problem
@@ -48,7 +48,7 @@ class RecordingError(Exception):
 
 
 def in_python(text: str) -> str:
-    """Name keyword arguments where a text names options of the command line."""
+    """Replace command-line options in a text with keyword arguments."""
 
     def keyword(match: re.Match[str]) -> str:
         name = match[1].replace("-", "_")

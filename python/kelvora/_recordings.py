@@ -35,34 +35,35 @@ def read(
     sensor : tuple of int, optional
         Width and height in pixels, if the recording does not state them.
     input_format : {'records', 'text', 'evt2', 'evt3'}, optional
-        Format of the recording, if its content does not tell.
+        Format of the recording, if it cannot be detected.
     columns : str, optional
-        Order of the columns of a text recording, such as 'xypt'. As its header line says by
-        default, or 'txyp'.
+        Order of the columns of a text recording, such as 'xypt'. By default taken from its header
+        line, otherwise 'txyp'.
     time_unit : {'s', 'ms', 'us', 'ns'}, optional
-        Unit of the times of a text recording. Seconds by default if they have a decimal point,
-        else microseconds.
+        Unit of the times of a text recording. By default, seconds if they have a decimal point,
+        otherwise microseconds.
     chunk_events : int
-        Events per chunk; the last one has fewer. From a pipe, a chunk is what has arrived.
+        Events per chunk; the last one may have fewer. A chunk from a pipe contains the events that
+        have arrived.
     clean : bool
-        Leave out events off the sensor, and put right times that go back or that lie far ahead
-        of their neighbours. The reader counts both. Otherwise events are as recorded.
+        Drop events off the sensor, and correct times that go back or are far ahead of their
+        neighbours. The reader counts both. Otherwise, events are returned as recorded.
 
     Returns
     -------
     RecordingReader
         Iterator over the chunks: arrays of the type `EVENT_DTYPE` with the fields ``x`` and
         ``y``, pixels; ``p``, 0 or 1; and ``t``, microseconds. Its attributes are ``format``;
-        ``sensor``, None if not known; and, of the chunks so far, ``dropped``, ``clamped`` and
+        ``sensor``, None if unknown; and, for the chunks so far, ``dropped``, ``clamped`` and
         ``skipped_words``.
 
     Raises
     ------
     RecordingError
-        If the recording cannot be opened. If it breaks off, the iterator raises after it has
-        given all events before the defect.
+        If the recording cannot be opened. At a defect, the iterator raises after returning all
+        events before it.
     TypeError, ValueError
-        For arguments of a wrong type or value.
+        For arguments of a wrong type or with an invalid value.
 
     Examples
     --------

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What a worker does, in whatever process: it clusters one recording."""
+"""The task of a worker process: clustering one recording."""
 
 from __future__ import annotations
 
@@ -13,32 +13,32 @@ from kelvora._errors import RecordingError
 from kelvora._kelvora import cluster_recording
 
 
-# Tables have no single answer to whether they are equal.
+# No `__eq__`: comparing arrays does not give a single bool.
 @dataclasses.dataclass(eq=False)
 class ClusteredRecording:
     """
-    What was found in one recording.
+    The clusters of one recording.
 
     Attributes
     ----------
     path : str
-        The recording, as it was given.
+        Path of the recording, as given.
     rows : numpy.ndarray
         A row for each cluster: ``timestamp``, the end of its window; ``x``, ``y``, ``width`` and
         ``height`` of the box around it, pixels; ``start_time`` and ``duration``, -1 and 0 unless
-        clusters are found in space and time. Times are microseconds.
+        clusters are found in space and time. Times are in microseconds.
 
         With tracking, ``track_id`` (0 for none), ``vx`` and ``vy`` in pixels per second, and
-        ``state``: 'confirmed', 'tentative', 'hidden' or 'none'. Hidden objects have rows of
-        their own, with the predicted box, after those of the clusters of their window.
+        ``state``: 'confirmed', 'tentative', 'hidden' or 'none'. Hidden objects have separate rows
+        with the predicted box, after the clusters of their window.
     error : RecordingError or None
-        Why the recording was not clustered, or not to its end. The rows are those before.
+        Why the recording was not clustered completely. The rows end before the defect.
     windows : int
-        Number of windows that hold events.
+        Number of windows with events.
     dropped, clamped, skipped_words : int
-        Events off the sensor, times that were put right, and words of no known type.
+        Number of events off the sensor, corrected times, and words of unknown type.
     remark : str
-        What else there is to know, or nothing.
+        Any other information for the user, or an empty string.
     """
 
     path: str
@@ -64,12 +64,12 @@ TRACK_FIELDS = [("track_id", "i8"), ("vx", "f4"), ("vy", "f4"), ("state", "U9")]
 
 
 def row_type(with_tracks: bool) -> np.dtype[np.void]:
-    """Type of the rows of a recording."""
+    """Data type of the rows of a recording."""
     return np.dtype(ROW_FIELDS + TRACK_FIELDS if with_tracks else ROW_FIELDS)
 
 
 def joined(rows: NDArray[np.void], tracks: NDArray[np.void] | None) -> NDArray[np.void]:
-    """Rows with the columns of their tracks."""
+    """Combine rows with the columns of their tracks."""
     table = np.zeros(len(rows), row_type(tracks is not None))
     for part in (rows,) if tracks is None else (rows, tracks):
         for name in part.dtype.names or ():
@@ -78,7 +78,7 @@ def joined(rows: NDArray[np.void], tracks: NDArray[np.void] | None) -> NDArray[n
 
 
 def nothing_found(path: str, options: dict[str, str], error: RecordingError) -> ClusteredRecording:
-    """The result for a recording of which nothing is known but what went wrong."""
+    """The result for a recording that failed without any rows."""
     rows = np.zeros(0, row_type("track" in options))
     return ClusteredRecording(
         path, rows, error, windows=0, dropped=0, clamped=0, skipped_words=0, remark=""
@@ -91,19 +91,19 @@ def failed(path: str, options: dict[str, str], problem: str, remedy: str) -> Clu
 
 
 def cluster(path: str, options: dict[str, str]) -> ClusteredRecording:
-    """Cluster one recording. What goes wrong is part of the result."""
+    """Cluster one recording. Errors are part of the result."""
     try:
         found = cluster_recording(path, options)
     except RecordingError as error:
         return nothing_found(path, options, error)
-    except Exception as error:  # Of which others than this recording should not suffer.
+    except Exception as error:  # Must not affect other recordings.
         problem = f"could not be clustered ({type(error).__name__}: {error})"
         return failed(path, options, problem, "change the options, or use fewer workers")
     return ClusteredRecording(path, joined(found.pop("rows"), found.pop("tracks")), **found)
 
 
 def serve(file_descriptor: int) -> None:
-    """Cluster what comes through a connection, until it is closed."""
+    """Cluster the recordings received from a connection, until it is closed."""
     connection = multiprocessing.connection.Connection(file_descriptor)
     while True:
         try:

@@ -13,7 +13,7 @@ import threading
 
 from kelvora._worker import ClusteredRecording, failed
 
-# Finds modules where the parent does.
+# Finds modules in the same places as the parent.
 _PROGRAM = """\
 import json, sys
 sys.path[:] = json.loads(sys.argv[2])
@@ -24,16 +24,16 @@ serve(int(sys.argv[1]))
 
 class WorkerProcess:
     """
-    A process that clusters one recording after the other.
+    A process that clusters one recording after another.
 
-    A fresh interpreter instead of those of `multiprocessing`: it does not import the user's
-    program again, which would have to be written for that, and copies no threads.
+    Starts a new interpreter instead of using `multiprocessing`: it does not import the user's main
+    module, which would need a guard for that, and does not fork threads.
     """
 
     def __init__(self) -> None:
         self._connection, its_connection = multiprocessing.Pipe()
         descriptor = its_connection.fileno()
-        # In a session of its own, Ctrl-C does not reach it: who started it decides.
+        # In a separate session, Ctrl-C does not reach the process: the parent ends it.
         self._process = subprocess.Popen(
             [sys.executable, "-c", _PROGRAM, str(descriptor), json.dumps(sys.path)],
             stdin=subprocess.DEVNULL,
@@ -43,7 +43,7 @@ class WorkerProcess:
         its_connection.close()
 
     def cluster(self, path: str, options: dict[str, str]) -> ClusteredRecording | None:
-        """Cluster a recording; None if the process has ended meanwhile."""
+        """Cluster a recording; None if the process ended before it was done."""
         try:
             self._connection.send((path, options))
             found: ClusteredRecording = self._connection.recv()
@@ -55,7 +55,7 @@ class WorkerProcess:
         self._process.kill()
 
     def end(self) -> str:
-        """Wait for the end, and tell how it came."""
+        """Wait for the end of the process, and return its status or signal as text."""
         self._connection.close()
         status = self._process.wait()
         if status >= 0:
@@ -64,7 +64,7 @@ class WorkerProcess:
 
 
 class WorkerPool:
-    """Worker processes, of which each is started when it is needed first."""
+    """Worker processes, each started when it is first needed."""
 
     def __init__(self, workers: int) -> None:
         self._workers = workers
@@ -74,15 +74,15 @@ class WorkerPool:
         self._is_cancelled = False
 
     def map(self, paths: list[str], options: dict[str, str]) -> list[ClusteredRecording]:
-        """Cluster recordings, and end all processes. Results are in the order of the paths."""
+        """Cluster recordings, then end all processes. Results are in the order of the paths."""
         try:
             with concurrent.futures.ThreadPoolExecutor(self._workers) as threads:
                 futures: list[concurrent.futures.Future[ClusteredRecording]] = []
                 try:
                     for path in paths:
                         futures.append(threads.submit(self._cluster, path, options))
-                    # A signal that comes just before this thread falls asleep does not wake it:
-                    # it looks after Ctrl-C from time to time.
+                    # A signal that arrives just before this thread sleeps does not wake it, so it
+                    # checks for Ctrl-C regularly.
                     while concurrent.futures.wait(futures, timeout=0.2).not_done:
                         pass
                     return [future.result() for future in futures]

@@ -4,8 +4,8 @@
 #include <pybind11/pybind11.h>
 
 /// \file
-/// What each topic adds to the extension module. The order matters where one uses the types of
-/// another.
+/// Functions that register the parts of the extension module. Call a function before the functions
+/// that use its types.
 
 namespace kelvora::python {
 

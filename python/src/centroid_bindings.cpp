@@ -23,9 +23,9 @@ constexpr const char* kDoc =
 
 Divide all events into k clusters around centroids, by k-means. No event is noise.
 
-Call `generate` once per window of time: a dense stream is not forgotten otherwise. With fewer
-than k events there are no clusters. Results differ from run to run, since the first centroid is
-drawn at random.
+Call `generate` once per time window: otherwise, events of a dense stream are never discarded. With
+fewer than k events there are no clusters. Results differ from run to run, because the first
+centroid is drawn at random.
 
 Parameters
 ----------
@@ -34,9 +34,9 @@ width, height : int
 k : int
     Number of clusters.
 max_iter : int
-    Most iterations.
+    Maximum number of iterations.
 tol : float
-    Stop when the sum of all squared distances changes by less, squared scaled units.
+    Stop when the sum of squared distances changes by less, squared scaled units.
 )";
 
 constexpr const char* kExamplesDoc = R"(
@@ -128,7 +128,7 @@ public:
 
     std::vector<unsigned long long> sizes() override {
         std::vector<unsigned long long> found;
-        // The generator keeps the sizes of the run before.
+        // The generator still has the sizes of the previous run.
         if (has_clusters) {
             generator.getClusterSizes(found);
         }
@@ -136,7 +136,8 @@ public:
     }
 
 private:
-    /// None if the last run had too few: the generator keeps those of the run before.
+    /// Empty if the last run had too few events: the generator then still has the previous
+    /// centroids.
     std::vector<std::vector<KDPoint<DIM, T>>> clusterPoints() {
         std::vector<std::vector<KDPoint<DIM, T>>> found;
         if (has_clusters) {
@@ -171,7 +172,7 @@ std::unique_ptr<CentroidClusterer> makeCentroidClusterer(
     int dim, double scale_x, double scale_y, double us_per_pixel,
     std::optional<std::int64_t> capacity, std::optional<std::int64_t> time_length_us,
     const std::string& precision, const std::string& polarity) {
-    // The constructor of the clustering makes room for a count per cluster.
+    // The clustering's constructor allocates a count per cluster.
     require(k >= 1 && k <= 1'000'000, "k must be from 1 to 1000000");
     require(max_iter >= 1, "max_iter must be at least 1");
     require(tol > 0.0, "tol must be larger than 0");

@@ -34,11 +34,11 @@ public:
     virtual void generate(std::uint64_t timestamp, std::vector<ClusterGeometry>& clusters) = 0;
 };
 
-/// What the clusterers of all methods have in common: they may be used by several threads, one of
-/// which is served at a time.
+/// Shared part of the clusterers of all methods. Several threads may use an object; a mutex serves
+/// one at a time.
 ///
-/// The GIL must not be held by a thread that calls any of the operations, as it could wait for one
-/// that waits for the GIL.
+/// Callers must not hold the GIL, because a thread that waits for the mutex could otherwise block
+/// the thread that owns it.
 class Clusterer {
 public:
     using MakeEngine = std::function<std::unique_ptr<Engine>()>;
@@ -55,9 +55,9 @@ public:
     std::uint64_t dropped() const;
     std::uint64_t clamped() const;
 
-    /// Reads something of the engine.
+    /// Calls a function with the engine.
     ///
-    /// \param read  Called with the engine, and with what the times of its last clusters count from,
+    /// \param read  Called with the engine and the origin of the times of its last clusters,
     ///     microseconds.
     template <class EngineT, class Read>
     auto readEngine(const Read& read) {
@@ -77,13 +77,13 @@ private:
 /// \throws std::invalid_argument  with the message, unless the condition holds.
 void require(bool condition, const char* message);
 
-/// \throws std::invalid_argument  if it is not the size of a sensor.
+/// \throws std::invalid_argument  if it is not a valid sensor size.
 recording::SensorSize toSensorSize(std::int64_t width, std::int64_t height);
 
-/// \throws std::invalid_argument  for any other word than all, on and off.
+/// \throws std::invalid_argument  for any word other than all, on and off.
 Polarity toPolarity(const std::string& word);
 
-/// Adds what all clusterers have in common.
+/// Adds the members shared by all clusterers.
 template <class ClustererT>
 void bindClusterer(pybind11::class_<ClustererT>& type) {
     namespace py = pybind11;
@@ -108,7 +108,7 @@ void bindClusterer(pybind11::class_<ClustererT>& type) {
              py::arg("p") = py::none(), py::arg("time_unit") = py::none(), kProcessDoc);
     type.def("generate", generate, py::arg("timestamp"), kGenerateDoc);
     type.def("reset", &ClustererT::reset, ReleaseGil(), kResetDoc);
-    // Guards are heeded for functions only, not for properties.
+    // pybind11 applies call guards to functions only, not to properties.
     const auto property = [&](const char* name, auto member, const char* doc) {
         type.def_property_readonly(
             name,

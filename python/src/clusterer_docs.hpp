@@ -2,14 +2,14 @@
 #pragma once
 
 /// \file
-/// Docstrings of what all clusterers have in common.
+/// Docstrings of the members shared by all clusterers.
 
 namespace kelvora::python {
 
 inline constexpr const char* kProcessDoc =
     R"(process(events=None, *, x=None, y=None, t=None, p=None, time_unit=None)
 
-Take the next events.
+Feed the next events.
 
 Parameters
 ----------
@@ -19,30 +19,29 @@ events : numpy.ndarray
     ``polarity``). Fields are found by these names, in any order, and may have any integer or
     floating-point type; other fields are ignored.
 x, y, t, p : array_like
-    The same as four arrays of equal length, instead of `events`.
+    Four arrays of equal length, as an alternative to `events`.
 time_unit : {'s', 'ms', 'us', 'ns'}, optional
-    Unit of the times. Microseconds if they are integers; must be given if they are not. Times are
+    Unit of the times. Microseconds by default for integers; required for other types. Times are
     rounded to whole microseconds.
 
 Raises
 ------
 TypeError, ValueError
-    For what cannot be mapped without doubt: missing, ambiguous or non-numeric fields, fractions
-    of pixels, undefined or negative times, ``float32`` times beyond 2.4 hours, which are coarser
-    than a millisecond, polarities other than 0 and 1, -1 and 1, or bool.
-    None of the events is taken then.
+    For ambiguous or invalid input: missing, ambiguous or non-numeric fields, fractions of pixels,
+    undefined or negative times, ``float32`` times beyond 2.4 hours, which are coarser than a
+    millisecond, and polarities other than 0 and 1, -1 and 1, or bool. No event is processed then.
 
 Notes
 -----
-Events off the sensor are left out, and counted in `dropped`. A time that goes back, also from
-call to call, is raised to that of the event before, and counted in `clamped`: use `reset`
-between recordings.
+Events off the sensor are ignored and counted in `dropped`. A time earlier than the previous
+event's, also from call to call, is raised to the previous time and counted in `clamped`: call
+`reset` between recordings.
 
-The GIL is released while events are taken. Several threads may use one object: it serves one
-of them at a time. The array must not change meanwhile.
+The GIL is released during the call. Several threads may use the same object, which serves one of
+them at a time. The array must not be modified during the call.
 
-Fastest are 16-bit positions, 8-bit polarities and 64-bit microseconds, however they lie in
-memory.
+The fastest types are 16-bit positions, 8-bit polarities and 64-bit microseconds, in any memory
+layout.
 
 Examples
 --------
@@ -62,7 +61,7 @@ Cluster the events since the last call.
 Parameters
 ----------
 timestamp : int
-    Stored with each cluster, microseconds: the end of the window of time, as a rule.
+    Stored with each cluster, microseconds. Usually the end of the time window.
 
 Returns
 -------
@@ -75,13 +74,13 @@ numpy.ndarray
 inline constexpr const char* kResetDoc =
     R"(reset()
 
-Forget all events and clusters, and count from 0 again: as a new object.
+Discard all events and clusters and reset the counters, as in a new object.
 )";
 
 inline constexpr const char* kDroppedDoc =
-    "Number of events left out since they were off the sensor.";
+    "Number of events ignored because they were off the sensor.";
 
 inline constexpr const char* kClampedDoc =
-    "Number of events whose time went back, and was raised to that of the event before.";
+    "Number of events whose time went back and was raised to the previous event's time.";
 
 }  // namespace kelvora::python

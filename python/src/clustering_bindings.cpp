@@ -34,10 +34,10 @@ namespace py = pybind11;
 
 namespace {
 
-/// Options of the tool's command `cluster`, without dashes in front, and their values.
+/// Options of the tool's command `cluster` without leading dashes, and their values.
 using Options = std::map<std::string, std::string>;
 
-/// What following objects adds to a row. The state is filled up with zeros.
+/// The columns that tracking adds to a row. The state is padded with zeros.
 struct TrackColumns {
     std::int64_t track_id;
     float vx;
@@ -45,7 +45,7 @@ struct TrackColumns {
     std::array<char, 9> state;
 };
 
-/// All that is found in a recording.
+/// The results for a recording.
 struct Found {
     std::vector<ClusterRow> rows;
     std::vector<TrackColumns> tracks;  ///< One per row.
@@ -59,7 +59,7 @@ struct Found {
 
 /// Reads options as the tool does: names, defaults and bounds are the same.
 ///
-/// \throws std::invalid_argument  for a value that the tool refuses.
+/// \throws std::invalid_argument  for a value that the tool rejects.
 tool::ClusteringOptions toClusteringOptions(const Options& given,
                                             const std::filesystem::path& path) {
     tool::ClusteringOptions options;
@@ -181,7 +181,7 @@ void bindClustering(py::module_& module) {
         "check_clustering(options)\n\nRefuse what `cluster_recording` would refuse.");
     module.def("cluster_recording", &clusterRecording, py::arg("path"), py::arg("options"),
                "cluster_recording(path, options)\n\nFind the clusters of a recording. Options are "
-               "named and written as those of the command-line tool.");
+               "named and written as for the command-line tool.");
 }
 
 }  // namespace kelvora::python

@@ -27,8 +27,8 @@ constexpr const char* kDoc =
 
 Find clusters of any shape where events lie densely, by DBSCAN. Other events are noise.
 
-Call `generate` once per window of time: a dense stream is not forgotten otherwise. The defaults
-suit windows of about 10 ms.
+Call `generate` once per time window: otherwise, events of a dense stream are never discarded. The
+defaults suit windows of about 10 ms.
 
 Parameters
 ----------
@@ -38,11 +38,11 @@ eps : float
     Radius of a neighbourhood, scaled units: pixels, unless scales are given. Events at exactly
     this distance lie outside.
 min_pts : int
-    Events that make a neighbourhood dense.
+    Number of events that make a neighbourhood dense.
 jobs : int
-    Threads to cluster with; 0 chooses by the number of events, -1 takes all. Two and more count
-    a core point differently (one neighbour more) and let border points join clusters: results
-    differ from those of one.
+    Number of threads. 0: chosen by the number of events, -1: all. Two or more count a core point
+    differently (one neighbour more) and let border points join clusters, so results differ from
+    one thread.
 )";
 
 constexpr const char* kExamplesDoc = R"(
@@ -66,8 +66,8 @@ struct DensityParameters {
     int jobs;
 };
 
-/// Several threads find clusters in any order: theirs are put in the order of their boxes, in time
-/// and then in space, so that results are the same in every run.
+/// Several threads find clusters in any order. Clusters are sorted by box, first in time and then
+/// in space, so that results are the same in every run.
 std::vector<std::size_t> orderOf(const std::vector<ClusterGeometry>& clusters) {
     std::vector<std::size_t> order(clusters.size());
     std::iota(order.begin(), order.end(), 0);

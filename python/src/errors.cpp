@@ -11,7 +11,7 @@ namespace py = pybind11;
 
 namespace {
 
-// Names of files need not be Unicode.
+// File names need not be valid Unicode.
 py::object decoded(const std::string& text) {
     return py::reinterpret_steal<py::object>(
         PyUnicode_DecodeFSDefaultAndSize(text.data(), static_cast<py::ssize_t>(text.size())));

@@ -7,10 +7,10 @@
 
 namespace kelvora::python {
 
-/// The `kelvora.RecordingError` that says the same.
+/// Converts an error to the corresponding `kelvora.RecordingError`.
 pybind11::object toPython(const recording::RecordingError& error);
 
-/// From now on, a `RecordingError` that leaves a function becomes the exception of Python.
+/// Registers a translator: a `RecordingError` that leaves a function becomes the Python exception.
 void translateRecordingErrors();
 
 }  // namespace kelvora::python

@@ -34,7 +34,7 @@ std::string typeName(const py::dtype& dtype) {
     return py::str(static_cast<py::object>(dtype));
 }
 
-/// The type as columns know it, if they do.
+/// The corresponding column type; empty if there is none.
 std::optional<Scalar> scalarOf(const py::dtype& dtype) {
     static const std::map<std::pair<char, py::ssize_t>, Scalar> scalars = {
         {{'b', 1}, Scalar::Bool},    {{'i', 1}, Scalar::Int8},    {{'i', 2}, Scalar::Int16},
@@ -63,7 +63,7 @@ void checkKind(const py::dtype& dtype, Role role, const std::string& name) {
                                      typeName(dtype), remedy));
 }
 
-/// The same numbers in the type that is closest among those that columns know.
+/// Converts an array to the closest type that columns support.
 py::array convert(const py::array& values) {
     const py::dtype dtype = values.dtype();
     const py::object target = dtype.kind() == 'f' && dtype.itemsize() != 4
@@ -178,7 +178,7 @@ private:
                                                               {"ns", TimeUnit::Nanoseconds}};
         if (arguments.time_unit.is_none()) {
             const bool is_whole = found.owners[2].dtype().kind() != 'f';
-            // A list without elements becomes an array of floating-point numbers.
+            // NumPy converts an empty list to a floating-point array.
             if (!is_whole && found.columns.size > 0) {
                 throw py::value_error(
                     "times are floating-point numbers: state their unit, time_unit='s', 'ms', "
@@ -209,7 +209,7 @@ py::array asArray(const py::object& object, const std::string& name) {
     const auto numpy = py::module_::import("numpy");
     if (py::isinstance(object, numpy.attr("ma").attr("MaskedArray"))) {
         throw py::type_error(name +
-                             " is a masked array: hand over what is not masked, as "
+                             " is a masked array: pass only the unmasked elements, as "
                              "array.compressed() or array.data[~array.mask]");
     }
     return numpy.attr("asarray")(object);

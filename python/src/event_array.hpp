@@ -10,7 +10,8 @@
 
 namespace kelvora::python {
 
-/// What a caller hands over as events: one structured array, or four arrays. None where not given.
+/// Events as passed by the caller: one structured array, or four arrays. None for missing
+/// arguments.
 struct EventArguments {
     pybind11::object events;
     pybind11::object x;
@@ -20,23 +21,23 @@ struct EventArguments {
     pybind11::object time_unit;
 };
 
-/// Events of a caller, found in memory. Lives as long as the columns are used; making and destroying
-/// it takes the GIL, reading the columns does not.
+/// The caller's events in memory. Must outlive its columns. Creation and destruction need the GIL,
+/// reading the columns does not.
 struct EventArray {
     EventColumns columns;
     std::vector<pybind11::array> owners;
 };
 
-/// Finds the fields by their names, never by position. Values are not looked at.
+/// Finds the fields by name, never by position. Does not check values.
 ///
-/// Columns are views, but for those of types that the columns do not know, which are converted:
-/// float16, long double, and numbers in the other byte order.
+/// Columns are views. Types that columns do not support are converted: float16, long double, and
+/// numbers in the other byte order.
 ///
-/// \throws pybind11::type_error, pybind11::value_error  if fields are missing or ambiguous, or not
-///     numbers, or if it is not clear what their numbers mean.
+/// \throws pybind11::type_error, pybind11::value_error  if fields are missing, ambiguous or not
+///     numbers, or if the meaning of their numbers is ambiguous.
 EventArray mapEvents(const EventArguments& arguments);
 
-/// An array as it is, of anything that NumPy makes an array of.
+/// Converts anything that NumPy accepts to an array, without changing its type.
 /// \throws pybind11::type_error  for a masked array, whose mask would be lost.
 pybind11::array asArray(const pybind11::object& object, const std::string& name);
 

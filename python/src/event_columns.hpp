@@ -4,11 +4,11 @@
 #include <cstddef>
 
 /// \file
-/// Where the values of events lie in memory. Knows nothing of Python.
+/// Memory layout of the values of events. Independent of Python.
 
 namespace kelvora::python {
 
-/// Types of numbers, all in the byte order of the machine.
+/// Numeric types, all in native byte order.
 enum class Scalar {
     Bool,
     Int8,
@@ -28,7 +28,7 @@ enum class TimeUnit { Seconds, Milliseconds, Microseconds, Nanoseconds };
 /// One value of each event.
 struct Column {
     const char* data;
-    std::ptrdiff_t stride;  ///< Bytes from one event to the next; may be negative.
+    std::ptrdiff_t stride;  ///< Bytes between two events; may be negative.
     Scalar scalar;
 
     const char* at(std::size_t index) const {
@@ -36,7 +36,7 @@ struct Column {
     }
 };
 
-/// Times and positions may have any type but `Bool`, polarities any.
+/// Times and positions may have any type except `Bool`, polarities any type.
 struct EventColumns {
     std::size_t size;  ///< Number of events.
     Column x;

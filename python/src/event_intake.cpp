@@ -11,8 +11,8 @@ EventIntake::EventIntake(recording::SensorSize sensor_, Polarity wanted_,
                          std::uint64_t longest_slice_)
     : sensor(sensor_), wanted(wanted_), longest_slice(longest_slice_), batch(EventLoader::kBatch) {}
 
-/// Goes through all events before the first is taken: a caller can mend an array that was refused,
-/// and hand it over again.
+/// Checks all events before processing the first, so that callers can fix a rejected array and pass
+/// it again.
 void EventIntake::check(const EventColumns& columns) {
     State trial = state;
     EventLoader loader(columns, sensor);
@@ -29,7 +29,7 @@ void EventIntake::check(const EventColumns& columns) {
 }
 
 /// Loads and cleans some events.
-/// \returns how many are left in the batch.
+/// \returns the number of events left in the batch.
 std::size_t EventIntake::clean(EventLoader& loader, std::size_t first, std::size_t count,
                                State& progress) {
     const std::size_t loaded = loader.load(first, count, batch.data());

@@ -16,14 +16,14 @@
 
 namespace kelvora::python {
 
-/// Which events are taken.
+/// Which events are processed.
 enum class Polarity { All, On, Off };
 
-/// Makes the events of a caller fit for a generator, slice by slice: on the sensor, of the wanted
-/// polarity, and in order of time.
+/// Prepares the caller's events for a generator, slice by slice: keeps events on the sensor with
+/// the selected polarity, and puts them in time order.
 ///
-/// Times are counted from the first event of a slice, so that they stay exact as `float`. A time that
-/// goes back is raised to that of the event before.
+/// Times are relative to the first event of a slice, so that they are exact as `float`. A time
+/// earlier than the previous event's is raised to the previous time.
 class EventIntake {
 public:
     static constexpr std::uint64_t kNoLongestSlice = std::numeric_limits<std::uint64_t>::max();
@@ -31,11 +31,11 @@ public:
     /// \param longest_slice_  Largest difference between the times of a slice, microseconds.
     EventIntake(recording::SensorSize sensor_, Polarity wanted_, std::uint64_t longest_slice_);
 
-    /// Hands events to `feed`, batch by batch.
+    /// Passes events to `feed`, batch by batch.
     ///
     /// \param feed  Called with a pointer to events and their number.
-    /// \throws std::invalid_argument  if one of the events is refused, or the slice gets too long;
-    ///     then none is taken.
+    /// \throws std::invalid_argument  if an event is rejected, or the slice becomes too long. No
+    ///     event is processed then.
     template <class Feed>
     void take(const EventColumns& columns, const Feed& feed) {
         check(columns);
@@ -46,13 +46,13 @@ public:
         }
     }
 
-    /// Ends a slice. Time still must not go back.
+    /// Ends a slice. Times must not go back across slices, either.
     void endSlice() { state.origin.reset(); }
 
-    /// Forgets all events, and the counts of them.
+    /// Discards all events and resets the counters.
     void reset() { state = {}; }
 
-    /// What the times of the slice count from, if it has events.
+    /// Origin of the times of the slice, if it has events.
     std::optional<std::uint64_t> origin() const { return state.origin; }
 
     /// Number of events off the sensor.

@@ -13,13 +13,13 @@ namespace kelvora::python {
 
 namespace {
 
-/// Stands for every position that no sensor has.
+/// Represents all positions off the sensor.
 constexpr std::uint32_t kOffSensor = 65536;
 
 constexpr std::uint64_t kLatestTime = std::numeric_limits<std::int64_t>::max();
 
-/// Microseconds up to which `float` tells times apart that differ by a millisecond: 2.4 hours. What
-/// counts from 1970 would be rounded to minutes.
+/// Largest time in microseconds at which `float` can distinguish times a millisecond apart: 2.4
+/// hours. Times since 1970 would be rounded to minutes.
 constexpr double kLatestFloatTime = 8'589'934'592.0;
 
 template <typename T>
@@ -29,7 +29,7 @@ T valueAt(const char* data) {
     return value;
 }
 
-/// Calls `call` with a value of the column's type, which only tells the type.
+/// Calls `call` with a value of the column's type. Only the type matters.
 template <class Call>
 void withTypeOf(const Column& column, const Call& call) {
     switch (column.scalar) {
@@ -59,7 +59,7 @@ void withTypeOf(const Column& column, const Call& call) {
 
 template <typename T>
 [[noreturn]] void refuse(const char* name, std::size_t index, T value, const char* rule) {
-    // A char would be printed as a letter.
+    // fmt would print a char as a letter.
     throw std::invalid_argument(fmt::format("{} of event {} is {}: {}", name, index, +value, rule));
 }
 
@@ -84,12 +84,12 @@ void readPositions(const Column& column, const char* name, std::size_t first, st
     });
 }
 
-/// Whole microseconds in a unit, but for nanoseconds.
+/// Microseconds per unit, for all units except nanoseconds.
 std::uint64_t microsecondsIn(TimeUnit unit) {
     return unit == TimeUnit::Seconds ? 1'000'000 : unit == TimeUnit::Milliseconds ? 1'000 : 1;
 }
 
-/// Rounds to the nearest microsecond, as reading recordings does.
+/// Rounds to the nearest microsecond, like the reader of recordings.
 template <typename T>
 std::uint64_t toMicroseconds(T value, TimeUnit unit, std::size_t index) {
     constexpr const char* kRule = "times must be from 0 to 2^63 - 1 microseconds";
@@ -98,7 +98,7 @@ std::uint64_t toMicroseconds(T value, TimeUnit unit, std::size_t index) {
         const double microseconds = std::round(
             unit == TimeUnit::Nanoseconds ? exact / 1000.0
                                           : exact * static_cast<double>(microsecondsIn(unit)));
-        // Written so that not-a-number fails; the largest time itself rounds up to 2^63.
+        // This form rejects NaN, too. The largest time rounds up to 2^63.
         if (!(exact >= 0.0 && microseconds < static_cast<double>(kLatestTime))) {
             refuse("time", index, value, kRule);
         }
@@ -130,8 +130,8 @@ void readTimes(const Column& column, TimeUnit unit, std::size_t first, std::size
     });
 }
 
-/// Whether 16 bits, taken for unsigned, are a position on a sensor of that size exactly if they are
-/// one as what they are: negative ones become larger than the sensor.
+/// Whether positions can be read as unsigned 16-bit numbers. Negative positions must then exceed
+/// the sensor.
 bool isPlainPosition(const Column& column, unsigned side) {
     constexpr unsigned kLargestSigned = 32768;
     return column.scalar == Scalar::UInt16 ||
@@ -146,7 +146,7 @@ EventLoader::EventLoader(const EventColumns& columns_, recording::SensorSize sen
       height(static_cast<unsigned>(sensor.height)),
       is_plain(hasPlainLayout()) {}
 
-/// Whether the values are those of the common records, wherever they lie.
+/// Whether the columns have the common types, in any memory layout.
 bool EventLoader::hasPlainLayout() const {
     const Scalar time = columns.time.scalar;
     const Scalar polarity = columns.polarity.scalar;
@@ -178,7 +178,7 @@ std::size_t EventLoader::loadPlain(std::size_t first, std::size_t count, Event2D
     unsigned common_polarity = 1;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        // Each event is written, and overwritten by the next if it is off the sensor.
+        // Always write the event. The next one overwrites it if it is off the sensor.
         Event2D& event = events[kept];
         event.x = valueAt<std::uint16_t>(x);
         event.y = valueAt<std::uint16_t>(y);
@@ -234,7 +234,7 @@ void EventLoader::readPolarities(std::size_t first, std::size_t count) {
             has_zero = has_zero || value == T{0};
             if (has_minus && has_zero) {
                 refuse("polarity", first + i, value,
-                       "the events have -1 and 0, of which only one can mean darker");
+                       "the events have both -1 and 0, but only one of them can mean darker");
             }
             polarities[i] = value == T{1} ? 1 : 0;
         }

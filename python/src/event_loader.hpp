@@ -11,25 +11,25 @@
 
 namespace kelvora::python {
 
-/// Reads events from columns of any type: positions as they are, times in microseconds, and
-/// polarities as 0 and 1.
+/// Reads events from columns of any type. Converts times to microseconds, and polarities to 0 and
+/// 1.
 ///
-/// Events off the sensor are left out. What is not a position, time or polarity at all is refused:
-/// fractions of pixels, infinite and undefined numbers, negative times, times from 2^63 microseconds
-/// on, and other polarities than 0 and 1, or -1 and 1.
+/// Events off the sensor are skipped. Invalid values are rejected: fractions of pixels, infinite
+/// and undefined numbers, negative times, times of 2^63 microseconds or more, and polarities other
+/// than 0 and 1, or -1 and 1.
 class EventLoader {
 public:
     static constexpr std::size_t kBatch = 512;
 
-    /// \param columns_  Must live as long as the loader.
+    /// \param columns_  Must outlive the loader.
     EventLoader(const EventColumns& columns_, recording::SensorSize sensor);
 
-    /// Reads events from number `first` on.
+    /// Reads events starting at number `first`.
     ///
     /// \param count  At most `kBatch`.
-    /// \param events  Room for as many; filled from the front.
-    /// \returns how many of them are on the sensor.
-    /// \throws std::invalid_argument  that names the first event that is refused.
+    /// \param events  Has room for `count` events; filled from the front.
+    /// \returns the number of events on the sensor.
+    /// \throws std::invalid_argument  that names the first rejected event.
     std::size_t load(std::size_t first, std::size_t count, Event2D* events);
 
 private:
@@ -42,8 +42,8 @@ private:
     unsigned width;
     unsigned height;
     bool is_plain;
-    bool has_zero = false;   ///< Whether there was a polarity 0,
-    bool has_minus = false;  ///< and whether there was -1: both together mean nothing.
+    bool has_zero = false;   ///< Whether a polarity was 0.
+    bool has_minus = false;  ///< Whether a polarity was -1. Both together are invalid.
     std::array<std::uint32_t, kBatch> xs;
     std::array<std::uint32_t, kBatch> ys;
     std::array<std::uint64_t, kBatch> times;

@@ -24,15 +24,15 @@ py::dtype eventDtype() {
     add("x", "u2", offsetof(Event2D, x));
     add("y", "u2", offsetof(Event2D, y));
     add("p", "u1", offsetof(Event2D, polarity));
-    // Signed, as NumPy makes floating-point numbers of an unsigned time and a signed one.
+    // Signed, because NumPy converts to floating point when it mixes unsigned and signed times.
     add("t", "i8", offsetof(Event2D, timestamp));
     return {names, formats, offsets, sizeof(Event2D)};
 }
 
 py::array toArray(const std::vector<Event2D>& events) {
     py::array array(eventDtype(), events.size());
-    // Field by field, as what lies between the fields of an event is left to chance. Equal events
-    // have equal bytes here, so that files and checksums of them are the same in every run.
+    // Copy field by field, because the padding of an event is undefined. Equal events get equal
+    // bytes, so that files and checksums are the same in every run.
     std::array<char, sizeof(Event2D)> record{};
     auto* bytes = static_cast<char*>(array.mutable_data());
     const auto put = [&record](const auto& value, std::size_t offset) {

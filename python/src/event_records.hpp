@@ -8,14 +8,14 @@
 #include "kelvora/events.hpp"
 
 /// \file
-/// Events of the library as NumPy arrays.
+/// Conversion of events to NumPy arrays.
 
 namespace kelvora::python {
 
-/// Records with the fields x, y, p and t that lie as those of `Event2D`, in 16 bytes.
+/// The 16-byte record type with the fields x, y, p and t, laid out as in `Event2D`.
 pybind11::dtype eventDtype();
 
-/// The events, copied.
+/// A copy of the events.
 pybind11::array toArray(const std::vector<Event2D>& events);
 
 }  // namespace kelvora::python

@@ -35,15 +35,15 @@ width, height : int
 cell_width, cell_height : int
     Size of a cell, pixels.
 min_cluster_size, max_cluster_size : int
-    Smallest and largest accepted width and height of a cluster, pixels; counted in whole cells.
+    Smallest and largest accepted width and height of a cluster, pixels, measured in whole cells.
     A single active cell makes a cluster of two by two cells.
 activation_threshold : int
-    Events that make a cell active.
+    Number of events that make a cell active.
 count_every_event : bool
-    Count all events of a pixel, not only its first since the last `generate`. Hot pixels then
+    Count all events of a pixel, not only the first since the last `generate`. Hot pixels then
     count fully.
 polarity : {'all', 'on', 'off', 'separate'}
-    Events to cluster. 'separate' takes all, but wants each polarity to reach the threshold.
+    Events to cluster. 'separate' uses all, but each polarity must reach the threshold.
 
 Examples
 --------

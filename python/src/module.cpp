@@ -6,10 +6,10 @@
 #include "event_records.hpp"
 #include "kelvora/version.hpp"
 
-// The macro makes the function that Python looks for.
+// The macro defines the function that Python looks up.
 // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 PYBIND11_MODULE(_kelvora, module) {
-    // Docstrings state the signatures themselves, as users read them.
+    // Docstrings contain hand-written signatures that are easy to read.
     pybind11::options options;
     options.disable_function_signatures();
 
@@ -24,7 +24,7 @@ PYBIND11_MODULE(_kelvora, module) {
     kelvora::python::bindRecordings(module);
     kelvora::python::bindSimulation(module);
     kelvora::python::bindClustering(module);
-    // Where users find them, and help() and messages say they are.
+    // The public module name, as shown by help() and messages.
     for (const char* const name :
          {"GridClusterer", "DensityClusterer", "CentroidClusterer", "Tracker", "RecordingReader"}) {
         module.attr(name).attr("__module__") = "kelvora";

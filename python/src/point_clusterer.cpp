@@ -16,7 +16,7 @@ float toScale(double scale, const char* message) {
     return rounded;
 }
 
-/// The largest number, which stands for no bound, if there is none.
+/// The bound, or the largest number if there is none.
 unsigned long long toBound(std::optional<std::int64_t> bound, const char* message) {
     require(!bound || *bound >= 1, message);
     return bound ? static_cast<unsigned long long>(*bound)
@@ -30,7 +30,7 @@ py::array_t<double> toArray(const PointTable& table) {
     return array;
 }
 
-/// Reads something of the engine with the GIL released.
+/// Calls a function with the engine while the GIL is released.
 template <class Read>
 auto readPoints(PointClusterer& clusterer, const Read& read) {
     const py::gil_scoped_release release;

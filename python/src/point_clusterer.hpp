@@ -23,13 +23,13 @@ public:
                     std::move(make_engine_)) {}
 
 private:
-    /// In three dimensions, the clusters' times in a slice are 32-bit microseconds.
+    /// In three dimensions, times within a slice are 32-bit microseconds.
     static std::uint64_t longestSlice(const PointParameters& parameters) {
         return parameters.dim == 3 ? 1'800'000'000 : EventIntake::kNoLongestSlice;
     }
 };
 
-/// Keyword arguments of the methods that cluster points, as the user gave them.
+/// Keyword arguments of the methods that cluster points, as given by the user.
 struct PointArguments {
     int dim;
     double scale_x;
@@ -40,30 +40,30 @@ struct PointArguments {
     std::string precision;
 };
 
-/// \throws std::invalid_argument  for an argument that the method does not take.
+/// \throws std::invalid_argument  for an invalid argument.
 PointParameters toPointParameters(recording::SensorSize sensor, const PointArguments& arguments);
 
-/// The part of the docstrings that describes them.
+/// The part of the docstrings that describes these arguments.
 inline constexpr const char* kPointParametersDoc =
     R"(dim : {2, 3}
     2: cluster in the image plane. 3: in space and time.
 scale_x, scale_y : float
     Scaled units per pixel.
 us_per_pixel : float
-    Microseconds that weigh as much as a pixel. Unused in two dimensions.
+    Microseconds that count as much as one pixel. Unused in two dimensions.
 capacity : int, optional
-    Most events to cluster, the newest. All by default.
+    Maximum number of events to cluster; the newest are kept. All by default.
 time_length_us : int, optional
     Window of the event counter, microseconds: forgets events only across gaps longer than a
     hundredth of it. All by default.
 precision : {'float', 'double'}
-    Of the points. Times count from the first event since the last `generate`, so that float
-    holds single microseconds for 8 seconds.
+    Type of the points. Times are relative to the first event since the last `generate`, so that
+    float represents single microseconds for 8 seconds.
 polarity : {'all', 'on', 'off'}
     Events to cluster.
 )";
 
-/// The points of all clusters of the last `generate`, as list of arrays.
+/// The points of all clusters of the last `generate`, as a list of arrays.
 pybind11::list clusterPoints(PointClusterer& clusterer);
 
 pybind11::array_t<double> clusterCentroids(PointClusterer& clusterer);
@@ -78,7 +78,7 @@ The events of each cluster of the last `generate`.
 Returns
 -------
 list of numpy.ndarray
-    For each row of the last `generate` an array of shape (n, dim): column, row and, in three
+    For each row of the last `generate`, an array of shape (n, dim): column, row and, in three
     dimensions, time, in pixels and microseconds.
 )";
 

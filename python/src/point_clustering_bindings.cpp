@@ -35,28 +35,27 @@ Group points by density.
 Parameters
 ----------
 points : array_like
-    Shape (n, 2) or (n, 3). ``float32`` is clustered as such, other numbers as ``float64``.
+    Shape (n, 2) or (n, 3). ``float32`` is kept, other types are converted to ``float64``.
 eps : float
     Radius of a neighbourhood, in the unit of the points. Points at exactly this distance lie
     outside.
 min_pts : int
-    Points that make a neighbourhood dense, the point itself included.
+    Number of points that make a neighbourhood dense, including the point itself.
 jobs : int
-    Threads to cluster with; -1 takes all. With two and more, a point is core if it has
-    `min_pts` neighbours besides itself, and border points join the clusters of all their core
-    points into one.
+    Number of threads; -1: all. With two or more, a core point needs `min_pts` neighbours besides
+    itself, and a border point joins the clusters of all its core points into one.
 
 Returns
 -------
 numpy.ndarray
-    The number of each point's cluster, ``int64``; -1 for noise. Clusters are numbered in the
-    order of their first core points, with several jobs in that of their first points. Points
-    that are not finite are noise.
+    The cluster number of each point, ``int64``; -1 for noise. Clusters are numbered in the order
+    of their first core points or, with several jobs, of their first points. Points that are not
+    finite are noise.
 
 Raises
 ------
 TypeError, ValueError
-    If the points are not numbers of that shape, or a parameter is out of range.
+    If the points have another type or shape, or a parameter is out of range.
 
 Examples
 --------
@@ -72,31 +71,31 @@ Divide points into k clusters around centroids.
 Parameters
 ----------
 points : array_like
-    Shape (n, 2) or (n, 3), at least k of them, all finite. ``float32`` is clustered as such,
-    other numbers as ``float64``.
+    Shape (n, 2) or (n, 3), at least k points, all finite. ``float32`` is kept, other types are
+    converted to ``float64``.
 k : int
     Number of clusters.
 max_iter : int
-    Most iterations.
+    Maximum number of iterations.
 tol : float
-    Stop when the sum of all squared distances changes by less, squared units of the points.
+    Stop when the sum of squared distances changes by less, squared units of the points.
 
 Returns
 -------
 labels : numpy.ndarray
-    The number of each point's cluster, ``int64``.
+    The cluster number of each point, ``int64``.
 centroids : numpy.ndarray
-    Shape (k, 2) or (k, 3), of the type in which was clustered. They are moved once more after
-    the last assignment of points.
+    Shape (k, 2) or (k, 3), of the type used for clustering. They are updated once more after the
+    last assignment of points.
 
 Raises
 ------
 TypeError, ValueError
-    If the points are not numbers of that shape, or a parameter is out of range.
+    If the points have another type or shape, or a parameter is out of range.
 
 Notes
 -----
-Results differ from run to run, since the first centroid is drawn at random; the others start
+Results differ from run to run, because the first centroid is drawn at random. The others start
 far from each other.
 
 Examples
@@ -109,7 +108,7 @@ Examples
 True
 )";
 
-/// The points as numbers that are clustered, in C order.
+/// The points in C order, as a type that can be clustered.
 py::array pointsOf(const py::object& object) {
     const py::array points = asArray(object, "points");
     if (points.ndim() != 2 || (points.shape(1) != 2 && points.shape(1) != 3)) {
@@ -127,7 +126,7 @@ py::array pointsOf(const py::object& object) {
     return py::module_::import("numpy").attr("ascontiguousarray")(points, type);
 }
 
-/// Copies the points. Needs no GIL, as long as the array lives.
+/// Copies the points. Does not need the GIL while the array exists.
 template <int DIM, typename T>
 std::vector<KDPoint<DIM, T>> toPoints(const void* data, std::size_t count) {
     std::vector<KDPoint<DIM, T>> points(count);
@@ -146,7 +145,7 @@ void fillLabels(const Clusters& clusters, std::int64_t* labels) {
     }
 }
 
-/// Calls `call` with a point of the array's dimension and type, which only tells these.
+/// Calls `call` with a point of the array's dimension and type. Only the type of the point matters.
 template <class Call>
 auto withTypeOf(const py::array& points, const Call& call) {
     const bool is_float = points.itemsize() == sizeof(float);
@@ -176,7 +175,7 @@ py::array_t<std::int64_t> clusterByDensity(const KDPoint<DIM, T>&, const py::arr
         .generateClustersMultiThread(toPoints<DIM, T>(data, count), clusters, boxes,
                                      parameters.jobs);
     if (parameters.jobs > 1) {
-        // Several threads find clusters in any order, each with ascending indices.
+        // Several threads find clusters in any order. Indices within a cluster are ascending.
         std::sort(clusters.begin(), clusters.end(),
                   [](const auto& a, const auto& b) { return a.front() < b.front(); });
     }

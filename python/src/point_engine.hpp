@@ -14,23 +14,23 @@
 #include "recording/sensor_size.hpp"
 
 /// \file
-/// What the methods that cluster points have in common.
+/// Shared parts of the methods that cluster points.
 
 namespace kelvora::python {
 
-/// How events become points, and how many of them.
+/// How events become points, and the maximum number of points.
 struct PointParameters {
     recording::SensorSize sensor;
     int dim;
     bool is_double;
-    float scale_x;  ///< Scaled units per pixel; likewise in y.
+    float scale_x;  ///< Scaled units per pixel column.
     float scale_y;
     float scale_time;  ///< Scaled units per microsecond.
     unsigned long long capacity;
     unsigned long long time_length;
 };
 
-/// Points of events, pixels and microseconds: `dim` numbers for each.
+/// Points in pixels and microseconds, with `dim` numbers each.
 struct PointTable {
     std::size_t dim;
     std::vector<double> coordinates;
@@ -39,20 +39,20 @@ struct PointTable {
 /// A generator that clusters points, of any dimension and precision.
 class PointEngine : public Engine {
 public:
-    /// The points of each cluster, in the order of the clusters. Events lie at whole pixels and
-    /// microseconds, and so do these points.
+    /// The points of each cluster, in the order of the clusters. Coordinates are whole pixels and
+    /// microseconds.
     ///
-    /// \param origin  Added to the times, microseconds.
+    /// \param origin  Added to all times, microseconds.
     virtual std::vector<PointTable> points(std::uint64_t origin) = 0;
 
-    /// The centroids of the clusters; none if the method knows none.
+    /// The centroids of the clusters; empty if the method has no centroids.
     virtual PointTable centroids(std::uint64_t origin) = 0;
 
     /// The number of points of each cluster.
     virtual std::vector<unsigned long long> sizes() = 0;
 };
 
-/// Turns points of a generator back into pixels and microseconds.
+/// Converts the points of a generator back to pixels and microseconds.
 template <int DIM, typename T>
 void appendPoint(const KDPoint<DIM, T>& point, const PointParameters& parameters,
                  std::uint64_t origin, bool is_event, PointTable& table) {
@@ -64,8 +64,8 @@ void appendPoint(const KDPoint<DIM, T>& point, const PointParameters& parameters
     }
 }
 
-/// Sets the times of clusters by their points. The generators cut fractions off, so that a float just
-/// below a whole microsecond would lose it.
+/// Sets the times of clusters from their points. The generators truncate, so a float just below a
+/// whole microsecond would be a microsecond off.
 template <int DIM, typename T>
 void setTimes(const std::vector<std::vector<KDPoint<DIM, T>>>& points, float scale_time,
               std::vector<ClusterGeometry>& clusters) {
@@ -87,7 +87,8 @@ void setTimes(const std::vector<std::vector<KDPoint<DIM, T>>>& points, float sca
     }
 }
 
-/// Calls `make` with a point of the wanted dimension and precision, which only tells these.
+/// Calls `make` with a point of the given dimension and precision. Only the type of the point
+/// matters.
 template <class Make>
 std::unique_ptr<Engine> makePointEngine(const PointParameters& parameters, const Make& make) {
     if (parameters.dim == 2 && !parameters.is_double) {

@@ -32,16 +32,16 @@ namespace {
 using Size = std::pair<std::int64_t, std::int64_t>;
 
 constexpr const char* kDoc =
-    R"(The events of a recording, chunk by chunk: what `read` returns.
+    R"(The events of a recording, chunk by chunk. Returned by `read`.
 
-Several threads may iterate over one object: each chunk goes to one of them. The GIL is released
-while events are read.
+Several threads may iterate over the same object: each chunk goes to one of them. The GIL is
+released while events are read.
 )";
 
 /// Reads a recording in chunks of equal size. As with `Clusterer`, the GIL must not be held.
 class RecordingReader {
 public:
-    /// \param is_cleaned  Whether events are put right, as `EventCleaner` does.
+    /// \param is_cleaned  Whether to clean the events with `EventCleaner`.
     RecordingReader(const std::filesystem::path& path, const recording::ReadOptions& options,
                     std::size_t chunk_size_, bool is_cleaned)
         : reader(recording::openRecording(path, options)), chunk_size(chunk_size_) {
@@ -52,9 +52,9 @@ public:
         }
     }
 
-    /// The next events; none at the end.
+    /// The next events; empty at the end.
     ///
-    /// \throws RecordingError  at a defect, once all events before it were given.
+    /// \throws RecordingError  at a defect, after all events before it were returned.
     std::vector<Event2D> next() {
         const std::lock_guard<std::mutex> lock(mutex);
         if (pending.size() - taken < chunk_size) {
@@ -90,7 +90,7 @@ private:
                                   pending.end());
         pending.swap(rest);
         taken = 0;
-        // What comes from a pipe is given as it arrives.
+        // Return events from a pipe as they arrive.
         const bool is_pipe = reader->fileSize() == 0;
         while (pending.size() < chunk_size && !(is_pipe && !pending.empty()) && append()) {
         }
@@ -102,7 +102,7 @@ private:
                 return false;
             }
         } catch (const recording::RecordingError&) {
-            // The events before the defect come first, the error with the next call.
+            // Return the events before the defect first. The next call throws the error.
             if (pending.empty()) {
                 throw;
             }
@@ -121,7 +121,7 @@ private:
     std::size_t chunk_size;
     std::vector<Event2D> events;
     std::vector<Event2D> pending;
-    std::size_t taken = 0;  ///< Number of events in front of `pending` that have been given.
+    std::size_t taken = 0;  ///< Number of events at the front of `pending` already returned.
 };
 
 template <typename Value>
@@ -130,7 +130,7 @@ Value parsed(const std::optional<Value>& value, const char* message) {
     return *value;
 }
 
-/// Lets Ctrl-C end a wait for a pipe. Handlers run in the main thread only.
+/// Lets Ctrl-C end a wait for a pipe. Python runs signal handlers in the main thread only.
 void handleSignals() {
     const py::gil_scoped_acquire acquire;
     if (PyErr_CheckSignals() != 0) {
@@ -202,8 +202,7 @@ void bindRecordings(py::module_& module) {
     type.def_property_readonly(
         "format", [](const RecordingReader& self) { return recording::toString(self.format()); },
         "'records', 'text', 'evt2' or 'evt3'.");
-    type.def_property_readonly("sensor", &sensorOf,
-                               "Width and height in pixels, None if they are not known.");
+    type.def_property_readonly("sensor", &sensorOf, "Width and height in pixels, None if unknown.");
     const auto count = [&](const char* name, auto member, const char* doc) {
         type.def_property_readonly(
             name,
@@ -212,11 +211,11 @@ void bindRecordings(py::module_& module) {
             doc);
     };
     count("dropped", &RecordingReader::dropped,
-          "Number of events so far that were left out since they were off the sensor.");
+          "Number of events so far that were ignored because they were off the sensor.");
     count("clamped", &RecordingReader::clamped,
-          "Number of events so far whose time was put right.");
+          "Number of events so far whose time was corrected.");
     count("skipped_words", &RecordingReader::skippedWords,
-          "Number of words of EVT2 and EVT3 recordings so far that are of no known type.");
+          "Number of words of unknown type so far, in EVT2 and EVT3 recordings.");
     module.def("open_recording", &openReader, py::arg("path"), py::kw_only(), py::arg("sensor"),
                py::arg("input_format"), py::arg("columns"), py::arg("time_unit"),
                py::arg("chunk_events"), py::arg("clean"),

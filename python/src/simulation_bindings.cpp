@@ -30,9 +30,9 @@ using simulation::SceneOptions;
 constexpr const char* kSimulateDoc =
     R"(simulate(*, sensor=(640, 480), duration_us=2000000, truth_interval_us=10000, seed=7, discs=None, bars=None, polygons=None, lights=1, light_frequency_hz=100.0, noise_rate_hz=0.1, hot_pixels=4, hot_pixel_rate_hz=500.0, contrast_threshold=0.2, threshold_spread=0.03)
 
-Make events of a scene whose objects are known.
+Simulate the events of a scene with known objects.
 
-Same arguments, same events: with every compiler and on every machine.
+The same arguments give the same events with every compiler and on every machine.
 
 Parameters
 ----------
@@ -42,19 +42,19 @@ duration_us : int
     Length of the recording, microseconds.
 truth_interval_us : int
     Time between two rows of an object in the truth, microseconds, 100 to 1000000. Clusters of
-    windows of this length compare with the rows of the same timestamp.
+    windows of this length can be compared with the rows of the same timestamp.
 seed : int
-    Chooses the scene.
+    Selects the scene.
 discs, bars, polygons : int, optional
-    Objects that move, 0 to 100 each. 3, 2 and 3 by default, fewer below 120 pixels.
+    Number of moving objects, 0 to 100 each. 3, 2 and 3 by default, fewer below 120 pixels.
 lights : int
-    Flickering lights, 0 to 100.
+    Number of flickering lights, 0 to 100.
 light_frequency_hz : float
     Periods of a light per second, 1 to 500.
 noise_rate_hz : float
     Background noise, events per pixel and second, 0 to 100.
 hot_pixels : int
-    Pixels that fire without cause, 0 to 1000.
+    Number of pixels that fire without cause, 0 to 1000.
 hot_pixel_rate_hz : float
     Events per hot pixel and second, 0 to 100000.
 contrast_threshold : float
@@ -69,14 +69,14 @@ events : numpy.ndarray
     in memory: about 900,000 per second of the default scene.
 truth : numpy.ndarray
     A row for each object and interval: ``timestamp``, the end of the interval, microseconds;
-    ``id``, from 1 on; ``kind``, one of disc, bar, polygon and light; ``x``, ``y``, ``width`` and
-    ``height`` of the box around all places that the object covered, pixels; ``visibility``, the
-    share of it that is not hidden; ``moving``; and ``speed``, pixels per second.
+    ``id``, starting at 1; ``kind``: disc, bar, polygon or light; ``x``, ``y``, ``width`` and
+    ``height`` of the box around the whole area that the object covered, pixels; ``visibility``, its
+    visible share; ``moving``; and ``speed``, pixels per second.
 
 Raises
 ------
 TypeError, ValueError
-    For arguments of a wrong type, and outside their ranges.
+    For arguments of a wrong type or out of range.
 
 Examples
 --------
@@ -88,7 +88,7 @@ Examples
 [(1, 'light'), (2, 'disc'), (3, 'disc'), (4, 'polygon'), (5, 'polygon'), (6, 'polygon')]
 )";
 
-/// Where an object was. The name of its kind is filled up with zeros.
+/// The true position of an object. The name of its kind is padded with zeros.
 struct TruthRow {
     std::int64_t timestamp;
     std::int64_t id;
@@ -118,7 +118,7 @@ TruthRow toRow(const simulation::GroundTruth& truth) {
     return row;
 }
 
-/// Text becomes that of Python, which compares with `str`.
+/// Converts text to NumPy strings, which compare with `str`.
 py::object toTable(const std::vector<simulation::GroundTruth>& truth) {
     py::array_t<TruthRow> array(static_cast<py::ssize_t>(truth.size()));
     std::transform(truth.begin(), truth.end(), array.mutable_data(),
@@ -132,7 +132,7 @@ py::object toTable(const std::vector<simulation::GroundTruth>& truth) {
     return array.attr("astype")(fields);
 }
 
-/// The simulated events and the true places, to the end of the recording.
+/// Simulates the whole recording: the events and the true positions.
 py::tuple simulate(const SceneOptions& options) {
     std::vector<Event2D> events;
     std::vector<simulation::GroundTruth> truth;

@@ -23,20 +23,20 @@ namespace {
 constexpr const char* kDoc =
     R"(Tracker(*, max_distance=20.0, max_size_change=15.0, max_missed=10, min_hits=3)
 
-Follow objects from window to window, and give each a number.
+Track objects from window to window, and give each a number.
 
-Nothing is random: the same clusters give the same tracks.
+Tracking is deterministic: the same clusters give the same tracks.
 
 Parameters
 ----------
 max_distance : float
-    Largest distance of a cluster from where its track expects it, pixels.
+    Largest distance between a cluster and the predicted position of its track, pixels.
 max_size_change : float
-    Largest difference of a cluster from the usual width and height of its track, pixels.
+    Largest difference between a cluster and the usual width and height of its track, pixels.
 max_missed : int
-    Windows that a track survives unseen.
+    Number of windows that a track survives without a cluster.
 min_hits : int
-    Windows with a cluster that confirm a track.
+    Number of windows with a cluster that confirm a track.
 
 Examples
 --------
@@ -56,24 +56,24 @@ Examples
 constexpr const char* kUpdateDoc =
     R"(update(clusters)
 
-Take the clusters of the next window.
+Track the clusters of the next window.
 
 Parameters
 ----------
 clusters : numpy.ndarray
-    What a `generate` returned, all with the timestamp of the window, which must not be lower than
-    before. Needs the fields ``timestamp``, ``x``, ``y``, ``width`` and ``height``. Empty if no
-    object was seen.
+    Clusters as returned by `generate`, all with the timestamp of the window, which must not be
+    lower than before. Needs the fields ``timestamp``, ``x``, ``y``, ``width`` and ``height``.
+    May be empty.
 
 Returns
 -------
 numpy.ndarray
-    For each cluster the number of its track, ``int64``; 0 for none.
+    The track number of each cluster, ``int64``; 0 for none.
 
 Raises
 ------
 TypeError, ValueError
-    If fields are missing, or for a timestamp lower than before. Nothing changes.
+    If fields are missing, or for a timestamp lower than before. The tracker is unchanged then.
 )";
 
 constexpr const char* kTracksDoc =
@@ -84,17 +84,18 @@ The tracks after the last `update`, by ascending number.
 Returns
 -------
 numpy.ndarray
-    A row for each track: ``id``, from 1 on and never used again; ``timestamp``, ``x``, ``y``,
-    ``width`` and ``height`` of its cluster or, where it has none, of the box predicted for it;
-    ``vx`` and ``vy``, pixels per second; ``cluster``, the row of the last update, -1 for none;
-    ``hits`` and ``missed``, updates with a cluster and, since then, without one; ``confirmed``;
-    and ``hidden``, if the predicted box lies within a cluster that is not its own.
+    A row for each track: ``id``, starting at 1 and never reused; ``timestamp``, ``x``, ``y``,
+    ``width`` and ``height`` of its cluster or, without one, of its predicted box; ``vx`` and
+    ``vy``, pixels per second; ``cluster``, the row in the last update, -1 for none; ``hits`` and
+    ``missed``, the number of updates with a cluster and, since the last of them, without one;
+    ``confirmed``; and ``hidden``, whether the predicted box lies within a cluster that is not
+    assigned to the track.
 )";
 
 constexpr const char* kResetDoc =
     R"(reset()
 
-End all tracks. Numbers are not used again, and time must not go back.
+End all tracks. Numbers are not reused, and time must not go back.
 )";
 
 /// One track, as `tracks` returns it.
@@ -114,7 +115,7 @@ struct TrackRow {
     bool hidden;
 };
 
-/// Field by field: to assign a whole row may copy its padding, too.
+/// Assigns field by field, because assigning a whole row may also copy its padding.
 void fillRow(const ClusterTracker::Track& track, TrackRow& row) {
     row.id = track.id;
     row.timestamp = static_cast<std::int64_t>(track.box.timestamp);
@@ -131,8 +132,7 @@ void fillRow(const ClusterTracker::Track& track, TrackRow& row) {
     row.hidden = track.is_hidden;
 }
 
-/// A tracker that serves several threads, one at a time. As with `Clusterer`, the GIL must not be
-/// held.
+/// A thread-safe tracker. As with `Clusterer`, callers must not hold the GIL.
 class Tracker {
 public:
     Tracker(float max_distance, float max_size_change, int max_missed, int min_hits)
@@ -177,7 +177,7 @@ py::array tracks(const Tracker& self) {
         found = self.tracks();
     }
     py::array_t<TrackRow> array(static_cast<py::ssize_t>(found.size()));
-    // Rows end with padding, whose bytes are not left to chance.
+    // Rows end with padding, which must be initialised.
     std::memset(static_cast<void*>(array.mutable_data()), 0,
                 static_cast<std::size_t>(array.nbytes()));
     TrackRow* row = array.mutable_data();

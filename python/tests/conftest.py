@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""What all tests need."""
+"""Settings for all tests."""
 
 import signal
 
-# What scripts start in their background ignores Ctrl-C, and so would all that tests start.
+# Background jobs of scripts ignore Ctrl-C, and their child processes inherit this.
 signal.signal(signal.SIGINT, signal.default_int_handler)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Recordings for tests: written by the kelvora tool or here, or real ones."""
+"""Recordings for tests: simulated, written by tests, or real ones."""
 
 import os
 import pathlib
@@ -19,13 +19,13 @@ needs_data = pytest.mark.skipif(
 
 
 def run_tool(*arguments):
-    """What the tool wrote to standard output."""
+    """Run the tool and return its standard output."""
     command = [TOOL, *map(str, arguments)]
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
 def simulate(path, *, seed=7, duration="200ms", sensor="320x240"):
-    """A recording of a simulated scene, in the format that its name tells."""
+    """A recording of a simulated scene, in the format given by its name."""
     run_tool("simulate", "-o", path, "--seed", seed, "--duration", duration, "--sensor", sensor)
     return path
 
@@ -40,7 +40,7 @@ def write_records(path, events):
 
 
 def damaged_copy(path, copy):
-    """A recording whose last event is cut off."""
+    """A copy of a recording whose last event is truncated."""
     copy.write_bytes(path.read_bytes()[:-5])
     return copy
 

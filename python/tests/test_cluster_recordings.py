@@ -34,7 +34,7 @@ def dask_client():
     distributed = pytest.importorskip("distributed")
     dask = pytest.importorskip("dask")
     settings = {
-        # A task is not given to a second worker once the first has died.
+        # When a worker dies, its task is not given to another one.
         "distributed.scheduler.allowed-failures": 0,
         "distributed.comm.timeouts.connect": "300s",
         "distributed.comm.timeouts.tcp": "300s",
@@ -80,13 +80,13 @@ def wait_until_opened(pipe):
             return [os.open(pipe, os.O_WRONLY | os.O_NONBLOCK)]
 
     [writer] = wait_until(open_for_writing)
-    # The reader's call, which this one has let go on, may not have returned yet.
+    # The reader's open() may not have returned yet.
     return writer, wait_until(lambda: reader_of(pipe))
 
 
 @contextlib.contextmanager
 def killed_readers(pipe):
-    """Kills every process that reads a pipe. Gives the list of those that were."""
+    """Kill every process that reads a pipe. Gives the list of killed processes."""
     os.mkfifo(pipe)
     writer = os.open(pipe, os.O_RDWR)
     is_over = threading.Event()
@@ -182,7 +182,7 @@ def test_failures_leave_the_others_alone(scenes, tmp_path):
     assert isinstance(missing.error, kelvora.RecordingError)
     assert len(missing.rows) == 0 and missing.rows.dtype == first.rows.dtype
     assert cut.error.file == str(damaged)
-    # The event that is cut off belongs to the last window.
+    # The truncated event belongs to the last window.
     whole = last.rows["timestamp"] < last.rows["timestamp"].max()
     assert np.array_equal(cut.rows[: np.count_nonzero(whole)], last.rows[whole])
 
@@ -271,7 +271,7 @@ def test_worker_that_dies_fails_its_recording_alone(scenes, tmp_path):
 def test_ctrl_c_ends_all_processes(tmp_path, from_standard_input):
     pipe = tmp_path / "pipe"
     os.mkfifo(pipe)
-    # Without the guard that modules of multiprocessing ask for.
+    # Without the guard that multiprocessing needs.
     program = f"import kelvora\nkelvora.cluster_recordings([{str(pipe)!r}], sensor=(9, 9))\n"
     script = tmp_path / "program.py"
     script.write_text(program)
@@ -311,7 +311,7 @@ def test_dask_worker_that_dies_fails_its_recording_alone(scenes, tmp_path, dask_
     assert_same(found, kelvora.cluster_recordings(scenes, sensor=SENSOR, workers=1))
 
 
-def test_dask_has_workers_of_its_own(dask_client):
+def test_workers_cannot_be_given_with_a_client(dask_client):
     with pytest.raises(TypeError, match="workers"):
         kelvora.cluster_recordings([], dask_client, workers=2)
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The clusterers: what they find, when, and what they refuse."""
+"""The clusterers: results, timing and rejected input."""
 
 import numpy as np
 import pytest
@@ -21,7 +21,7 @@ def clusterers(**options):
 
 
 def square(x, y, t=0, side=20):
-    """Events at all pixels of a square, one per microsecond, on and off in turn."""
+    """Events at all pixels of a square, one per microsecond, alternately on and off."""
     rows, columns = np.mgrid[:side, :side]
     events = np.zeros(side * side, kelvora.EVENT_DTYPE)
     events["x"] = x + columns.ravel()
@@ -123,7 +123,7 @@ def test_times_that_go_back_are_raised_and_counted():
 
 
 def test_all_events_of_an_array_with_mixed_times_are_clustered():
-    # The library itself would forget those before a time that goes back.
+    # The library itself would discard all events before a time that goes back.
     events = square(50, 50, t=1000)
     events["t"][200:] -= 500
     clusterer = kelvora.DensityClusterer(WIDTH, HEIGHT)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The Python snippets of README and documentation run, those of a page one after the other."""
+"""The Python snippets of README and documentation run, one page at a time."""
 
 import contextlib
 import io

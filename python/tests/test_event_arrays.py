@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Event arrays of any layout, against plain NumPy: read right or refused, never misread."""
+"""Event arrays of any layout, compared with plain NumPy: read correctly or rejected."""
 
 import itertools
 
@@ -10,7 +10,7 @@ import kelvora
 
 WIDTH, HEIGHT = 200, 150
 
-# Positions, times and polarities in turn; where a name is missing, its field is called so.
+# Types of positions, times and polarities. Fields without another name use the key.
 LAYOUTS = {
     "library": dict(
         names=["x", "y", "p", "t"],
@@ -60,7 +60,7 @@ MICROSECONDS = {"s": 1e6, "ms": 1e3, "us": 1.0, "ns": 1e-3}
 
 
 def dtype_of(layout, coding):
-    """The layout, with bool as type of the polarity where that is the coding."""
+    """The layout, with bool as the type of the polarity if it is coded as bool."""
     dtype = np.dtype(LAYOUTS[layout])
     if coding != "bool":
         return dtype
@@ -75,10 +75,10 @@ def name_of(dtype, role):
 
 
 def make_events(dtype, coding, unit, count=700):
-    """Random events, in the order of time, some of them off the sensor."""
+    """Random events in time order, some of them off the sensor."""
     random = np.random.default_rng(sum(map(ord, str(dtype) + coding + unit)))
     events = np.zeros(count, dtype)
-    for name in dtype.names:  # what is not read must not matter
+    for name in dtype.names:  # unused fields must not matter
         events[name] = 77 if dtype[name].shape == () and dtype[name].kind != "b" else 1
     events["x"] = random.integers(0, WIDTH + 20, count)
     events["y"] = random.integers(0, HEIGHT + 20, count)
@@ -94,7 +94,7 @@ def make_events(dtype, coding, unit, count=700):
 
 
 def model(events, on, unit):
-    """Columns x, y, microseconds, polarity of the events on the sensor, in the order of all."""
+    """Columns x, y, microseconds and polarity of the events on the sensor, in order."""
     times = events[name_of(events.dtype, "t")].astype("f8") * MICROSECONDS[unit]
     if unit == "ns":
         times = events[name_of(events.dtype, "t")].astype("f8") / 1000
@@ -106,7 +106,7 @@ def model(events, on, unit):
 
 
 def read_back(events, time_unit, **arrays):
-    """The same of what the library was handed, by making one cluster of each polarity."""
+    """The same columns as seen by the library, from one cluster per polarity."""
     tables = []
     for on, polarity in enumerate(["off", "on"]):
         clusterer = kelvora.DensityClusterer(

@@ -195,7 +195,7 @@ def test_pipe_gives_what_has_arrived_and_others_run_meanwhile(tmp_path):
     go_on = threading.Event()
     source = write_records(tmp_path / "a.bin", THREE * 4096).read_bytes()
 
-    # Were the GIL held while reading, neither of the threads could go on.
+    # If reading held the GIL, neither thread could continue.
     def write():
         with open(pipe, "wb", buffering=0) as out:
             out.write(source)
@@ -251,7 +251,7 @@ def test_real_recordings_are_read_as_they_are():
 
 
 def test_equal_events_have_equal_bytes(tmp_path):
-    # Between the polarity and the time lie bytes of no meaning.
+    # The bytes between the polarity and the time are padding.
     path = tmp_path / "a.txt"
     path.write_text("".join(f"{i} {i % 99} {i % 77} {i % 2}\n" for i in range(50_000)))
     for chunk in kelvora.read(path, columns="txyp", chunk_events=777):
@@ -317,13 +317,13 @@ def test_null_characters_in_a_path_are_refused(path):
 
 
 @pytest.mark.parametrize("path", [None, 3, [b"a"]])
-def test_what_is_no_path_is_refused(path):
+def test_invalid_paths_are_refused(path):
     with pytest.raises(TypeError, match="PathLike"):
         kelvora.read(path)
 
 
 @pytest.mark.parametrize("sensor", [640, (640,), "640x480", (640.0, 480)])
-def test_what_is_no_sensor_is_named(tmp_path, sensor):
+def test_invalid_sensors_are_refused(tmp_path, sensor):
     path = write_records(tmp_path / "a.bin", THREE)
     with pytest.raises(TypeError, match="sensor must be a pair of integers"):
         kelvora.read(path, sensor=sensor)

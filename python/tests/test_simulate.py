@@ -75,7 +75,7 @@ def test_scene_is_that_of_the_tool(tmp_path):
 
 
 def test_equal_events_have_equal_bytes():
-    # Between the polarity and the time lie bytes of no meaning.
+    # The bytes between the polarity and the time are padding.
     events, _ = kelvora.simulate(sensor=(320, 240), duration_us=50_000)
     plain = np.zeros(len(events), kelvora.EVENT_DTYPE)
     for name in events.dtype.names:

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The type stubs say what the extension module does, and so do its docstrings."""
+"""The type stubs and docstrings match the extension module."""
 
 import ast
 import inspect
@@ -40,7 +40,7 @@ def value_of(default):
 
 
 def parameters(definition):
-    """Names and defaults, without self: positional ones, and those by keyword only."""
+    """Names and defaults without self: positional and keyword-only parameters."""
     arguments = definition.args
     positional = [argument.arg for argument in arguments.posonlyargs + arguments.args]
     defaults = [ast.Expr] * (len(positional) - len(arguments.defaults)) + list(
@@ -54,7 +54,7 @@ def parameters(definition):
 
 
 def parsed(signature):
-    """The definition that a signature such as name(a, b=1) stands for."""
+    """The definition for a signature such as name(a, b=1)."""
     name, rest = signature.split(" -> ")[0].split("(", 1)
     return ast.parse(f"def {name.split('.')[-1].strip() or 'f'}({rest}: ...").body[0]
 
@@ -67,7 +67,7 @@ def member(name):
 
 
 def runtime_signature(name):
-    """What the function says that it takes when it is called with what it surely does not."""
+    """The signature in the error of a call with wrong arguments."""
     with pytest.raises(TypeError) as caught:
         member(name)(*[object()] * 40)
     line = next(line for line in str(caught.value).splitlines() if line.strip().startswith("1. "))

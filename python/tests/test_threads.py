@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Several threads, and what is left behind in memory."""
+"""Several threads, and leaks of memory and references."""
 
 import gc
 import sys

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Following objects."""
+"""Tracking objects."""
 
 import numpy as np
 import pytest
