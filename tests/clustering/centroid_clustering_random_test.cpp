@@ -19,7 +19,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kUndefined = std::numeric_limits<double>::quiet_NaN();
 
-/// A number of [-1, 1].
+/// A number in [-1, 1].
 double randomReal(Random& random) {
     return randomInt(random, -1'000'000, 1'000'000) * 1e-6;
 }
@@ -29,8 +29,8 @@ template <class Kind>
 typename Kind::Points randomPoints(Random& random) {
     const auto count = static_cast<std::size_t>(randomInt(random, 0, 40));
     const int shape = randomInt(random, 0, 5);
-    if (shape == 0) {  // many coincide, or lie equally far from others
-        // Means of points at multiples of 0.1 are not quite there.
+    if (shape == 0) {  // many points coincide, or have equal distances to others
+        // Means of points at multiples of 0.1 are not exact multiples.
         const double unit = randomInt(random, 0, 1) == 0 ? 0.5 : 0.1;
         return randomGridPoints<Kind>(random, count, -2, randomInt(random, 1, 7), unit);
     }
@@ -48,7 +48,7 @@ typename Kind::Points randomPoints(Random& random) {
             point = at<Kind>(10 * group + x, 7 * group + y, z);
         } else if (shape == 4) {  // too close for `float` to tell distances apart
             point = at<Kind>(group + 1e-9 * x, 1e-9 * y, 1e-9 * z);
-        } else {  // squares, or sums of them, that are not finite, or 0
+        } else {  // squares or sums of squares that are not finite, or 0
             const double size = randomInt(random, 0, 1) == 0 ? 1e30 : 1e-50;
             point = at<Kind>(size * x, size * y, size * z);
         }
@@ -56,7 +56,7 @@ typename Kind::Points randomPoints(Random& random) {
     return points;
 }
 
-/// What a clustering object is constructed with.
+/// Constructor arguments of a clustering object.
 struct Settings {
     explicit Settings(Random& random)
         : k(static_cast<std::size_t>(randomInt(random, 1, random() % 4 == 0 ? 30 : 8))),
@@ -71,7 +71,7 @@ struct Settings {
     double tol;
 };
 
-/// What the runs of a test were like, so that trivial ones do not go unnoticed.
+/// Statistics of the runs of a test, to detect trivial ones.
 struct Variety {
     template <class Kind>
     void add(const LiteralKMeans<Kind>& run, const Settings& settings, std::size_t first) {
@@ -92,7 +92,7 @@ struct Variety {
     int too_few_points = 0;
 };
 
-/// The first centroid from which the model comes to the same outcome.
+/// The first centroid from which the model reaches the same result.
 template <class Kind>
 std::optional<std::size_t> firstCentroidOf(const KMeansOutcome<Kind>& found,
                                            const typename Kind::Points& points,
@@ -143,7 +143,7 @@ public:
             ++variety.too_few_points;
             return;
         }
-        // What an earlier, larger number of clusters left behind.
+        // Leftovers from an earlier run with more clusters.
         auto without_zeros = found;
         without_zeros.counts.resize(settings.k);
         EXPECT_TRUE(std::all_of(found.counts.begin() + static_cast<std::ptrdiff_t>(settings.k),
@@ -192,7 +192,7 @@ TYPED_TEST(RandomSetsAndCentroids, GiveTheSameWithAnObjectThatRanBefore) {
     EXPECT_GT(variety.from_other_points, 50);
 }
 
-// So many, in a part of the space so small beside all of it, that points are compared in the tree.
+// Enough centroids, in a small enough part of the space, that points are compared in the tree.
 TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesFromManyCentroidsAndAPointFarAway) {
     Random random(1);
     Settings settings(random);
@@ -215,7 +215,8 @@ TYPED_TEST(RandomSetsAndCentroids, IterateOnAfterAChangeOfExactlyTheTolerance) {
             continue;
         }
         ++sets_where_it_matters;
-        // That the first of twelve points is never drawn in so many runs is as likely as 1e-15.
+        // The probability that the first of twelve points is never drawn in this many runs is
+        // 1e-15.
         bool seen = false;
         for (int draw = 0; draw < 400 && !seen; ++draw) {
             seen = kMeansOf<TypeParam>(points, 2, 9, tol) == run(tol).outcome();
@@ -240,7 +241,7 @@ TYPED_TEST(RandomSetsAndCentroids, GiveEachOfThePossibleOutcomesAndNoOther) {
         most_outcomes = std::max(most_outcomes, unseen.size());
         const auto possible = unseen;
         CentroidClustering<TypeParam::kDim, typename TypeParam::T> clustering(3, 2, 1e-9);
-        // That one of ten points is never drawn in so many runs is as likely as 1e-18.
+        // The probability that one of ten points is never drawn in this many runs is 1e-18.
         for (int run = 0; run < 400; ++run) {
             const auto found = outcomeOf<TypeParam>(clustering, points);
             ASSERT_THAT(possible, ::testing::Contains(found)) << "seed " << seed;
@@ -327,15 +328,15 @@ TYPED_TEST(DistancesThatFloatHidesLeaveSetsThat, BeginAtTheFirstOfThePointsThatS
     }
 }
 
-// From the first point, all seem to be there: the second cluster is empty, and its centroid moves to
-// the last point, from where the first one has moved to.
+// Starting from the first point, all points seem to coincide: the second cluster is empty, and its
+// centroid moves to the point furthest from the moved first centroid, the last one.
 TYPED_TEST(DistancesThatFloatHidesLeaveSetsThat, MoveEmptyClustersToTheFurthestPointAndGoOn) {
     int from_first = 0;
     for (int run = 0; run < 200; ++run) {
         const std::vector<double> xs = {0, 1e-50, 5e-50};
         const auto moved = centroidsOnLine<TypeParam>(xs, 2, 1, kInfinity);
         from_first += moved[1] == 5e-50 ? 1 : 0;
-        // Only an iteration with an empty cluster does not end the run at once.
+        // The run only continues after an iteration with an empty cluster.
         const auto ended = centroidsOnLine<TypeParam>(xs, 2, 20, kInfinity);
         EXPECT_NE(ended[0], (1e-50 + 5e-50) / 3);
     }

@@ -27,7 +27,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kUndefined = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t kAbsurd = std::numeric_limits<std::size_t>::max() / 2;
 constexpr double kTol = 1e-9;
-/// Enough to see each of a few possible results.
+/// Enough runs to see each of a few possible results.
 constexpr int kRuns = 200;
 
 template <class Kind>
@@ -67,15 +67,15 @@ public:
         return xs;
     }
 
-    /// A box that no point has widened.
+    /// A box without points.
     static std::vector<T> emptyBox() {
         std::vector<T> box(Kind::kDim, std::numeric_limits<T>::max());
         box.resize(2 * Kind::kDim, -std::numeric_limits<T>::infinity());
         return box;
     }
 
-    /// The order in which points on the x axis become first centroids, for several runs: where there
-    /// are as many clusters as points, each of these centroids stays.
+    /// The order in which points on the x axis become initial centroids, for several runs. With as
+    /// many clusters as points, these centroids do not move.
     static std::set<std::vector<double>> samplingOrders(const std::vector<double>& xs) {
         std::set<std::vector<double>> orders;
         for (int run = 0; run < kRuns; ++run) {
@@ -84,7 +84,7 @@ public:
         return orders;
     }
 
-    /// Whether some point lies nearer to another centroid than to that of its own cluster.
+    /// Whether a point is nearer to another centroid than to the centroid of its cluster.
     static bool hasMisplacedPoint(const Points& points, const KMeansOutcome<Kind>& found) {
         for (std::size_t c = 0; c < found.centroids.size(); ++c) {
             for (const std::size_t member : found.clustering.clusters[c]) {
@@ -165,7 +165,7 @@ TYPED_TEST(CentroidClusters, AreTheGroupsOfPointsInEitherOrder) {
 
 TYPED_TEST(CentroidClusters, AreSinglePointsIfThereAreAsManyClusters) {
     const auto points = line<TypeParam>({5, -4, 9, 0.5});
-    // Comes back, hence stops when nothing changes.
+    // It returns, so it stops when nothing changes.
     const auto found = kMeansOf<TypeParam>(points, 4, std::numeric_limits<std::size_t>::max());
     EXPECT_THAT(found.counts, ElementsAre(1, 1, 1, 1));
     for (std::size_t c = 0; c < 4; ++c) {

@@ -87,7 +87,7 @@ TEST(ConcurrentSets, FindTheEndOfAMillionLinks) {
 
 using Pair = std::pair<std::uint32_t, std::uint32_t>;
 
-/// The smallest number that each is connected with, found by painting.
+/// The smallest number connected with each element, found by flood fill.
 std::vector<std::uint32_t> paintedSets(std::size_t count, const std::vector<Pair>& pairs) {
     std::vector<std::uint32_t> colour(count);
     for (std::uint32_t i = 0; i < count; ++i) {

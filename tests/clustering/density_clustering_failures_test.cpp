@@ -30,7 +30,7 @@ protected:
         EXPECT_EQ(inOrderOfFirstMembers(found), expected);
     }
 
-    /// A point so far away that a grid would have too many cells: a tree takes its place, which
+    /// A point so far away that a grid would have too many cells. A tree is used instead, which
     /// needs memory in each thread.
     void addAFarPoint() { points.push_back(at<Kind>(1e12)); }
 

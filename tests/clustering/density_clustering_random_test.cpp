@@ -11,7 +11,7 @@
 namespace kelvora::test {
 namespace {
 
-/// A small set on a grid, so that points coincide and lie at exactly the radius from each other.
+/// A small set on a grid, so that some points coincide, and some are exactly the radius apart.
 template <class Kind>
 struct RandomCase {
     explicit RandomCase(Random& random) {
@@ -31,7 +31,7 @@ struct RandomCase {
     int min_pts;
 };
 
-/// What the cases of a run were like, so that a run of trivial ones does not go unnoticed.
+/// Statistics of the cases of a run, to detect trivial ones.
 struct Variety {
     template <typename T>
     void add(const Clustering<T>& found, std::size_t points) {

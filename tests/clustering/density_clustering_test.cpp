@@ -191,7 +191,7 @@ TYPED_TEST(DensityClusters, ListTheirPointsInTheOrderOfTheWalkWithOneJob) {
     EXPECT_GT(largest, 30U);
 }
 
-/// 20,000 points with something that is not finite on some axes, and a small cluster.
+/// 20,000 points with non-finite coordinates on some axes, and a small cluster.
 template <class Kind>
 typename Kind::Points withNotFinitePoints(double value, std::size_t first_axis,
                                           std::size_t last_axis) {

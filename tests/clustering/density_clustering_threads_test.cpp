@@ -44,7 +44,7 @@ TEST(DensityClusteringWithThreads, TakesTheLargestNumberOfJobs) {
 }
 
 // Each even position is joined under the next, which makes a chain of half a million links before
-// anything looks up its end.
+// the first look-up of its root.
 TEST(DensityClusteringWithThreads, FollowsALineWhoseEvenPositionsComeBeforeTheOdd) {
     using Kind = PointKind<2, float>;
     constexpr std::size_t kCount = 1'000'000;

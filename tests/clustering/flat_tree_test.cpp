@@ -22,7 +22,7 @@ public:
     using T = typename Kind::T;
     using Tree = FlatTree<Kind::kDim, T>;
 
-    /// The caller's numbers of the neighbours, in the order of the walk.
+    /// The caller's indices of the neighbours, in traversal order.
     static std::vector<std::size_t> neighbours(const Tree& tree, TreeWalk<Kind::kDim, T>& walk,
                                                std::uint32_t slot) {
         std::vector<std::size_t> found;

@@ -13,7 +13,7 @@
 namespace kelvora::test {
 namespace {
 
-/// Computes all distances anew, each with its root, and narrows them.
+/// Recomputes all distances, each with a square root, and narrows them.
 template <class Kind>
 std::size_t furthestByForce(const typename Kind::Points& points,
                             const typename Kind::Points& centroids) {
@@ -54,7 +54,7 @@ TYPED_TEST(FurthestPointByItself, IsTheFirstOfSeveralEquallyFar) {
     }
 }
 
-// In `double`, many distances differ by less than `float` can tell.
+// In `double`, many distances differ by less than the precision of `float`.
 TYPED_TEST(FurthestPointByItself, IsTheFirstOfThoseThatFloatCannotTellApart) {
     for (std::uint64_t seed = 0; seed < 20; ++seed) {
         Random random(seed);

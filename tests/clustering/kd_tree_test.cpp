@@ -28,7 +28,7 @@ public:
     using Tree = KDTree<Kind::kDim, T>;
     using Results = std::vector<nanoflann::ResultItem<std::size_t, T>>;
 
-    /// Results that a search should have emptied.
+    /// Old results, which a search must clear.
     static Results leftovers() { return Results(3, {99, T{1}}); }
 
     static std::vector<std::size_t> neighbours(const Tree& tree, T radius, std::size_t index,

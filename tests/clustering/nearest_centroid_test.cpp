@@ -14,7 +14,7 @@
 namespace kelvora::test {
 namespace {
 
-/// A number of [0, 1], most of them small.
+/// A number in [0, 1], usually small.
 double randomPart(Random& random) {
     const double part = randomInt(random, 0, 1'000'000) * 1e-6;
     return part * part;
@@ -46,7 +46,7 @@ class NearestCentroidByItself : public ::testing::Test {
 public:
     using Points = typename Kind::Points;
 
-    /// Returns how many points have several centroids that are equally near.
+    /// Returns how many points have several equally near centroids.
     static int compareWithForce(const Points& points, const Points& centroids) {
         NearestCentroid<Kind::kDim, typename Kind::T> tested(points, centroids.size());
         tested.setCentroids(centroids);
@@ -105,7 +105,7 @@ TYPED_TEST(NearestCentroidByItself, IsTiedWhereSeveralAreEquallyNear) {
     EXPECT_GT(ties, 1000);
 }
 
-// Of equally far centroids all around, rounding alone decides.
+// With centroids at equal distances all around, only rounding decides.
 TYPED_TEST(NearestCentroidByItself, IsThatOfComparingWithAllForCentroidsOnACircle) {
     Random random(3);
     auto points = this->unevenPoints(random, 4000, 1e-3);
@@ -127,7 +127,7 @@ TYPED_TEST(NearestCentroidByItself, IsThatOfComparingWithAllForPointsWithoutExte
         line_of_points.push_back(at<TypeParam>(0.01 * i, 7, 7));
     }
     this->compareWithForce(line_of_points, centroids);
-    // Divides to infinity: a cast of that is seen by -fsanitize=float-cast-overflow.
+    // The division gives infinity. -fsanitize=float-cast-overflow would detect a cast of it.
     const double hardly_apart = std::numeric_limits<typename TypeParam::T>::denorm_min();
     for (int i = 0; i < 500; ++i) {
         line_of_points.push_back(at<TypeParam>(0.01 * i, hardly_apart * i, hardly_apart));
@@ -161,7 +161,7 @@ TYPED_TEST(NearestCentroidByItself, LeavesPointsThatAreNotFiniteToTheTree) {
     }
 }
 
-// Parts are as large as all other points are far apart then.
+// Parts are then as large as the distances between all other points.
 TYPED_TEST(NearestCentroidByItself, LeavesPointsWithVeryManyCentroidsAroundThemToTheTree) {
     Random random(6);
     auto points = this->unevenPoints(random, 4000, 1);

@@ -115,7 +115,7 @@ TEST(SlidingEventCounter, ForgetsAllBinsItSkips) {
         count(counter, 10 * bin, static_cast<int>(bin) + 1);
     }
     EXPECT_EQ(counter.getEventCount(), 10U);
-    // Clears the bins with 1 and 2 events, and counts itself in the latter's place.
+    // Clears the bins with 1 and 2 events, and reuses the second one for itself.
     EXPECT_EQ(countAfter(counter, 50), 8U);
 }
 
@@ -174,7 +174,7 @@ TEST(SlidingEventCounter, CountsAnOlderEventAlone) {
     SlidingEventCounter counter(100, 10);
     count(counter, 1000, 5);
     EXPECT_EQ(countAfter(counter, 999), 1U);
-    // Gaps are now measured from the older one.
+    // Gaps are now measured from the older event.
     EXPECT_EQ(countAfter(counter, 1010), 2U);
 }
 

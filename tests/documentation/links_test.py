@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Links lead somewhere, also in the pages that are not part of the site."""
+"""Links have valid targets, also in pages that are not part of the site."""
 
 import pathlib
 import re
@@ -12,7 +12,7 @@ LINK = re.compile(r"\]\((?P<target>[^)\s#]+)[^)]*\)")
 
 
 def links_of(page: pathlib.Path) -> list[str]:
-    """Find the targets of a page's links, those to other sites left out."""
+    """Find the targets of a page's links, except links to other sites."""
     text = CODE.sub("", page.read_text(encoding="utf-8"))
     targets = [match["target"] for match in LINK.finditer(text)]
     return [target for target in targets if "://" not in target]

@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: MIT
-"""Runs the snippets of a Markdown page: each is run, or says why not.
+"""Runs the snippets of a Markdown page. Each is run, or gives a reason why not.
 
 - ``cpp`` with a main function is a program, compiled with warnings as errors, and run. Without, it
   is the body of a main function, behind the declarations that its mark gives.
-- ``cmake`` is what a project writes after ``project``, to build the page's first program, main.cpp.
+- ``cmake`` contains the lines of a project after ``project``, to build the page's first program,
+  main.cpp.
 - ``sh`` runs line by line until one fails, in a directory with a recording, ``recording.raw``, and
   with the tool on the path. Snippets of a page share the directory, in their order.
 - ``python`` is run by the tests of the Python package.
@@ -52,7 +53,7 @@ def run(command: list[str], place: str, **options: Any) -> None:
 
 
 def source_of(snippet: Snippet) -> str:
-    """Make a whole program of a snippet. Compilers then name the page's lines."""
+    """Turn a snippet into a whole program. Compilers then report the page's lines."""
     if snippet.is_program:
         return f'#line {snippet.line + 1} "{snippet.page}"\n{snippet.text}'
     return FRAGMENT.format(
@@ -115,7 +116,7 @@ def run_shell(directory: pathlib.Path, snippets: list[Snippet], tool: pathlib.Pa
 
 
 def fate_of(snippet: Snippet) -> str:
-    """Say what becomes of a snippet."""
+    """Describe how a snippet is handled."""
     if snippet.reason:
         return f"not run: {snippet.reason}"
     if snippet.language in RUN_ELSEWHERE:
@@ -124,7 +125,7 @@ def fate_of(snippet: Snippet) -> str:
 
 
 def main() -> int:
-    """Run the page that the command line names."""
+    """Run the page given on the command line."""
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("page", type=pathlib.Path)
     parser.add_argument("--directory", type=pathlib.Path, required=True, help="is emptied first")

@@ -24,7 +24,7 @@ _WITH = re.compile(r"with (?P<declarations>\S.*)")
 
 
 class PageError(Exception):
-    """What is wrong with a page, and where."""
+    """An error in a page, with its place."""
 
 
 @dataclasses.dataclass(frozen=True)
@@ -40,7 +40,7 @@ class Snippet:
 
     @property
     def place(self) -> str:
-        """File and line, as compilers write them."""
+        """File and line, in the format of compilers."""
         return f"{self.page}:{self.line}"
 
     @property

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Nothing in a page is left out unnoticed."""
+"""No part of a page is skipped silently."""
 
 import pathlib
 import subprocess
@@ -18,7 +18,7 @@ def fenced(language: str, text: str, mark: str = "") -> str:
 
 
 class PageTest(unittest.TestCase):
-    """Pages are written to a directory of their own."""
+    """Pages are written to a temporary directory."""
 
     def setUp(self) -> None:
         directory = tempfile.TemporaryDirectory()
@@ -44,7 +44,7 @@ class PageTest(unittest.TestCase):
 
 
 class SnippetsTest(PageTest):
-    """What is found in a page."""
+    """Tests of finding snippets in a page."""
 
     def test_finds_language_text_and_line(self) -> None:
         (snippet,) = self.snippets(fenced("sh", "one\n\ntwo"))
@@ -88,7 +88,7 @@ class SnippetsTest(PageTest):
 
 
 class RunPageTest(PageTest):
-    """What happens with them."""
+    """Tests of running snippets."""
 
     def test_runs_commands_of_a_page_in_one_directory(self) -> None:
         result = self.run_page(fenced("sh", "touch there") + fenced("sh", "test -e there"))

@@ -28,7 +28,7 @@ ClusterGeometry distinctCluster() {
     return {1, 2, 3, 4, 5, 6, 7, 8, 9};
 }
 
-/// Bytes of a record as they are in memory, also of fields that hold no value yet.
+/// Bytes of a record in memory, including uninitialised fields.
 class RecordInMemory {
 public:
     static constexpr unsigned char kPattern = 0xA5;

@@ -83,7 +83,7 @@ TEST(ActiveCells, KeepBlocksApartThatTouchOnlyAtACorner) {
 }
 
 TEST(ActiveCells, OrderRegionsByTheirFirstCells) {
-    // The second region reaches further left than the first, but begins further right.
+    // The second region extends further left than the first, but begins further right.
     const std::vector<test::Cell> blocks = {{0, 3}, {0, 8}, {2, 8}, {4, 8}, {4, 6},
                                             {4, 4}, {4, 2}, {4, 0}, {9, 0}};
     EXPECT_THAT(
@@ -92,7 +92,7 @@ TEST(ActiveCells, OrderRegionsByTheirFirstCells) {
 }
 
 TEST(ActiveCells, JoinBranchesThatMeetLate) {
-    // Three branches downwards that are joined at the bottom, the middle one to the left first.
+    // Three branches that join at the bottom. The middle one joins the left one first.
     const std::vector<test::Cell> comb = {{0, 0}, {2, 0}, {4, 0}, {0, 4}, {2, 4}, {4, 4}, {0, 8},
                                           {2, 8}, {4, 8}, {4, 2}, {6, 4}, {6, 6}, {6, 8}};
     EXPECT_THAT(regionsOf(8, 10, comb), ElementsAre(CellRegion{0, 0, 8, 10}));

@@ -21,7 +21,7 @@ TYPED_TEST(ToUnsigned, KeepsTheWholePart) {
     EXPECT_EQ(toUnsigned(TypeParam{0.75}), 0U);
     EXPECT_EQ(toUnsigned(TypeParam{7.96875}), 7U);
     EXPECT_EQ(toUnsigned(TypeParam{9223372036854775808.0}), 1ULL << 63);
-    // The largest number below 2^64 that a float has.
+    // The largest float below 2^64.
     EXPECT_EQ(toUnsigned(TypeParam{18446742974197923840.0}), 18446742974197923840U);
 }
 

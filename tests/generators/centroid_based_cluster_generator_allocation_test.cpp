@@ -72,7 +72,7 @@ TEST(AllocationsOfTheCentroidGenerator, AreAllFreedWheneverOneOfThemFails) {
 
 TEST(AllocationsOfTheCentroidGenerator, AreNotNeededUpToOneAndAHalfTimesTheCapacity) {
     auto generator = CentroidSettings().capacity(1000).timeLength(10'000).build<Kind>();
-    for (int call = 0; call < 3; ++call) {  // the two buffers take turns
+    for (int call = 0; call < 3; ++call) {  // the two buffers alternate
         {
             const AllocationWatch watch;
             for (int i = 0; i < 1501; ++i) {

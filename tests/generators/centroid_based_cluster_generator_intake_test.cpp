@@ -54,14 +54,14 @@ TYPED_TEST(IntakeOfTheCentroidGenerator, DropsThePolarityItIsToldTo) {
         auto generator = CentroidSettings().filter(filter).build<TypeParam>();
         return columnsAfter<TypeParam>(generator, pixels);
     };
-    EXPECT_THAT(taken(POLARITY_FREE), ElementsAre(1, 2, 4, 5, 6));  // 2: that no event has
+    EXPECT_THAT(taken(POLARITY_FREE), ElementsAre(1, 2, 4, 5, 6));  // 2: a polarity of no event
     EXPECT_THAT(taken(POSITIVE_FREE), ElementsAre(1, 3, 4, 5, 6));
     EXPECT_THAT(taken(NEGATIVE_FREE), ElementsAre(2, 3, 4, 6));
 }
 
 TYPED_TEST(IntakeOfTheCentroidGenerator, DoesNotCountDroppedEvents) {
     auto generator = CentroidSettings().filter(POSITIVE_FREE).timeLength(1000).build<TypeParam>();
-    // Had the positive one been counted, the two others would be too old.
+    // If the positive event were counted, the other two would be too old.
     EXPECT_THAT(
         columnsAfter<TypeParam>(generator, {{1, 1, 1000, 0}, {9, 1, 1000, 0}, {20, 1, 9000, 1}}),
         ElementsAre(1, 9));
@@ -134,9 +134,9 @@ TYPED_TEST(IntakeOfTheCentroidGenerator, TakesAsManyPointsAsThereAreEventsSinceA
     generator.reset();
     feedPixels(generator, {{7, 0}});
     generator.reset();
-    // Two are counted, since the last reset; the newest two are taken.
+    // The counter has two events since the last reset, so the newest two are used.
     EXPECT_THAT(columnsAfter<TypeParam>(generator, {{8, 0}, {9, 0}}), ElementsAre(8, 9));
-    // The counter was not reset since: it allows more than there are.
+    // The counter was not reset since then: it allows more events than there are.
     EXPECT_THAT(columnsAfter<TypeParam>(generator, {{10, 0}}), ElementsAre(10));
     feedPixels(generator, {{11, 0}, {12, 0}});
     EXPECT_THAT(columnsAfter<TypeParam>(generator, {{13, 0}}), ElementsAre(11, 12, 13));

@@ -34,7 +34,7 @@ public:
         clusterPixels(generator,
                       {{10, 20, 400}, {12, 20, 400}, {90, 60, 448}, {14, 26, 448}, {92, 60, 480}});
     }
-    /// Which of the two came out as the first.
+    /// The index of the cluster of three points.
     static std::size_t largerOf(Generator& generator) { return sizesOf(generator)[0] == 3 ? 0 : 1; }
 
     static std::vector<Coordinates> coordinatesOf(const typename Kind::Points& points) {

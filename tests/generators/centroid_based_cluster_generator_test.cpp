@@ -118,7 +118,7 @@ TYPED_TEST(CentroidGenerator, ReportsClustersWithoutPointsAsEmptyBoxesAtNoTime) 
         const auto clusters = generateFrom(generator, 9);
         ASSERT_THAT(boxesOf(clusters), Each(kNoBox));
         ASSERT_THAT(clusters, SizeIs(3));
-        // Two clusters of single places, and one without any.
+        // Two clusters of coinciding points each, and an empty one.
         EXPECT_EQ(clusters[2].start_time, TypeParam::kDim == 2 ? -1 : 0);
         EXPECT_EQ(clusters[2].duration, 0);
         EXPECT_EQ(clusters[2].timestamp, 9U);

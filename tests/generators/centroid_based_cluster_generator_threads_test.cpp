@@ -24,7 +24,7 @@ class ThreadsAroundTheCentroidGenerator : public ::testing::Test {
 public:
     using Generator = CentroidBasedClusterGenerator<Kind::kDim, typename Kind::T>;
 
-    /// Asks for everything there is about a cluster of four points.
+    /// Calls all getters for a cluster of four points.
     static void expectTheSquareIsThere(Generator& generator) {
         ASSERT_THAT(pointsOf<Kind>(generator), ElementsAre(SizeIs(4)));
         std::vector<cv::Mat> matrices;
@@ -82,7 +82,7 @@ TYPED_TEST(ThreadsAroundTheCentroidGenerator, MaySetWhileOneFeeds) {
         other.join();
     }
     EXPECT_EQ(accepted, 3 * 3 * kRounds);
-    // As many clusters as points, both of which were set last.
+    // The last settings give as many clusters as points.
     EXPECT_THAT(generateFrom(generator), SizeIs(kRounds));
 }
 

@@ -25,7 +25,7 @@ public:
     using Coordinates = std::array<typename Kind::T, Kind::kDim>;
     static constexpr int kDepth = std::is_same_v<typename Kind::T, float> ? CV_32F : CV_64F;
 
-    // With these scales, two columns or rows count as one unit, and four microseconds do.
+    // With these scales, two columns, two rows, or four microseconds are one unit.
     static DensitySettings settings() {
         return DensitySettings().scales(0.5F, 0.5F, 0.25F).density(0.75, 1);
     }

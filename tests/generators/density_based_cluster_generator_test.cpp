@@ -78,7 +78,7 @@ TYPED_TEST(DensityGenerator, DropsThePolarityItIsToldTo) {
         auto generator = DensitySettings().density(1, 1).filter(filter).build<TypeParam>();
         return clusterPixels(generator, pixels).size();
     };
-    EXPECT_EQ(count(POLARITY_FREE), 5U);  // 2 stands for the polarity that no event has
+    EXPECT_EQ(count(POLARITY_FREE), 5U);  // 2: a polarity of no event
     EXPECT_EQ(count(POSITIVE_FREE), 4U);
     EXPECT_EQ(count(NEGATIVE_FREE), 4U);
 }
@@ -86,7 +86,7 @@ TYPED_TEST(DensityGenerator, DropsThePolarityItIsToldTo) {
 TYPED_TEST(DensityGenerator, DoesNotCountDroppedEvents) {
     auto generator =
         DensitySettings().density(1, 1).filter(POSITIVE_FREE).timeLength(1000).build<TypeParam>();
-    // Had the positive one been counted, the two others would be too old.
+    // If the positive event were counted, the other two would be too old.
     const auto clusters =
         clusterPixels(generator, {{1, 1, 1000, 0}, {9, 1, 1000, 0}, {20, 1, 90'000, 1}});
     EXPECT_THAT(clusters, SizeIs(2));
@@ -183,7 +183,8 @@ TYPED_TEST(DensityGenerator, CountsCorePointsAsItsJobsDo) {
 }
 
 TYPED_TEST(DensityGenerator, UsesTheLow8BitsOfTheNumberOfJobs) {
-    // Whether the four points of a square make a cluster tells one job from more.
+    // Whether the four points of a square make a cluster depends on whether there is one job or
+    // more.
     for (const int jobs : {257, 513, -255}) {
         auto generator = DensitySettings().density(1.5, 4).jobs(jobs).build<TypeParam>();
         EXPECT_THAT(clusterPixels(generator, squareAt(1, 1)), SizeIs(1)) << jobs;

@@ -52,7 +52,7 @@ TYPED_TEST(TimeOfClustersIn, SpaceAndTimeIs0WhereItDoesNotFit64Bits) {
 }
 
 TYPED_TEST(TimeOfClustersIn, SpaceAndTimeIsIn64BitsForTheLargestTimesThatFit) {
-    constexpr unsigned long long kStep = 1ULL << 40;  // the distance of floats in this range
+    constexpr unsigned long long kStep = 1ULL << 40;  // the spacing of floats in this range
     const unsigned long long start = 0ULL - kStep;
     auto generator = DensitySettings().build<TypeParam>();
     const auto clusters = clusterPixels(generator, {{5, 5, start}, {5, 6, start}});

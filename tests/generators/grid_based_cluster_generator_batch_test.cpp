@@ -12,8 +12,8 @@
 #include "support/feeding.hpp"
 #include "support/grid_settings.hpp"
 
-// Batches with the filters that ignore a polarity are in the tests of the remembered filter, and
-// among the random cases.
+// Batches with filters that ignore a polarity are tested with the remembered filter and in the
+// random cases.
 
 namespace kelvora::test {
 namespace {
@@ -82,7 +82,7 @@ TEST(BatchOfTheGridGenerator, WrapsTheCountersOfCellsAndStopsThoseOfPixels) {
     const std::vector<Event2D> events(65535, positiveEvent(5, 6));
     generator.processEvents(events.data(), events.size());
     EXPECT_EQ(generate(generator).size(), 1U);
-    // What is marked stays so when the counter has wrapped.
+    // Active cells stay active after the counter wraps.
     generator.processEvents(events.data(), events.size());
     generator.processEvents(events.data(), 2);
     EXPECT_EQ(pixelCounts(generator)[6 * 40 + 5], 255);

@@ -9,7 +9,7 @@
 #include "support/event_builders.hpp"
 #include "support/grid_settings.hpp"
 
-// No test here ignores a polarity: the first filter would hold for all of them.
+// No test here ignores a polarity, because the first filter would apply to all tests.
 
 namespace kelvora::test {
 namespace {

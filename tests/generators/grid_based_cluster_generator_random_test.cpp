@@ -8,7 +8,7 @@
 namespace kelvora::test {
 namespace {
 
-/// A thousand cases each, so that they can run side by side.
+/// A thousand cases per test, so that tests can run in parallel.
 class ThousandRandomCases : public ::testing::TestWithParam<std::uint64_t> {};
 
 TEST_P(ThousandRandomCases, GiveTheClustersOfTheModel) {

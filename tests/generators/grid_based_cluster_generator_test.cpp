@@ -13,7 +13,7 @@
 #include "support/grid_settings.hpp"
 
 // Unless a test says otherwise, cells are 4 x 4 pixels and one event makes a cell active. No test
-// here ignores a polarity: the first filter would hold for all of them.
+// here ignores a polarity, because the first filter would apply to all tests.
 
 namespace kelvora::test {
 namespace {
@@ -171,7 +171,7 @@ TEST(GridBasedClusterGenerator, OrdersClustersByTheirFirstCellsFromTopToBottomAn
 }
 
 TEST(GridBasedClusterGenerator, TakesTheLeftmostCellOfTheTopRowAsFirst) {
-    // The second cluster goes on below the first, further to the left.
+    // The second cluster continues below the first, further to the left.
     EXPECT_THAT(boxesAround({{24, 0}, {24, 8}, {24, 16}, {16, 16}, {8, 16}, {0, 16}, {8, 0}}),
                 ElementsAre(Box{8, 0, 8, 8}, Box{0, 0, 32, 24}));
 }
@@ -220,7 +220,7 @@ TEST(GridBasedClusterGenerator, DropsARejectedClusterForGood) {
     EXPECT_THAT(generate(generator), IsEmpty());
 }
 
-// Sensors that are no multiple of the cells.
+// Sensors whose size is not a multiple of the cell size.
 
 TEST(GridBasedClusterGenerator, ClipsClustersToTheSensor) {
     const GridSettings settings = GridSettings().sensor(10, 10);

@@ -90,7 +90,7 @@ protected:
     }
 
 private:
-    /// With rare gaps that are longer than a bin of the counter, and rarer events of the past.
+    /// With rare gaps longer than a bin of the counter, and even rarer times that go back.
     template <class Event>
     static std::vector<Event> randomEventsOf(Random& random, unsigned long long& time) {
         std::vector<Event> events;

@@ -10,9 +10,9 @@
 #include "support/event_builders.hpp"
 #include "support/grid_settings.hpp"
 
-// The first grid generator of a process that gets an event of some type decides on the filter of
-// this type. So every test here has event types that no other test uses, and that nothing else in
-// this program feeds.
+// The first grid generator in a process that receives an event of some type sets the filter for
+// this type. Every test here therefore uses separate event types, which are not used anywhere else
+// in this program.
 
 namespace kelvora::test {
 namespace {
@@ -22,8 +22,8 @@ using ::testing::IsEmpty;
 
 constexpr auto kUnknownFilter = static_cast<EventFilterType>(0x80000001);
 
-/// The boxes after one event of each polarity, left a negative, in the middle a positive one, right
-/// one with a byte that is neither.
+/// The boxes after one event of each polarity: a negative one on the left, a positive one in the
+/// middle, and one with another byte on the right.
 template <class Event>
 std::vector<Box> boxesByPolarity(EventFilterType filter) {
     auto generator = GridSettings().filter(filter).build();
@@ -33,7 +33,7 @@ std::vector<Box> boxesByPolarity(EventFilterType filter) {
     return boxesOf(generate(generator));
 }
 
-/// The same of events that come in one batch.
+/// The same for events in one batch.
 template <class Event>
 std::vector<Box> boxesOfBatchByPolarity(EventFilterType filter) {
     auto generator = GridSettings().filter(filter).build();
@@ -43,7 +43,7 @@ std::vector<Box> boxesOfBatchByPolarity(EventFilterType filter) {
     return boxesOf(generate(generator));
 }
 
-/// What a batch of one event throws.
+/// The exception thrown for a batch of one event.
 template <class Event>
 std::string messageForBatchOf(GridBasedClusterGenerator& generator, const Event& event) {
     try {
@@ -100,7 +100,7 @@ TEST(RememberedFilter, LeavesNoTraceOfIgnoredEvents) {
     EXPECT_EQ(map.at<unsigned char>(6, 5), 1);
     EXPECT_THAT(boxesOf(generate(generator)), ElementsAre(Box{4, 4, 8, 8}));
 
-    // Later generators use it for this event type, whatever their own filter is.
+    // Later generators use it for this event type, regardless of their own filter.
     EXPECT_THAT(boxesByPolarity<Event>(POLARITY_FREE), ElementsAre(kPositive, kOther));
     EXPECT_THAT(boxesByPolarity<Event>(POSITIVE_FREE), ElementsAre(kPositive, kOther));
     EXPECT_THAT(boxesByPolarity<Event>(POLARITY_SEPARATE), IsEmpty());
@@ -114,7 +114,7 @@ TEST(RememberedFilter, IsRememberedForEachEventTypeApart) {
     EXPECT_THAT(boxesByPolarity<Second>(NEGATIVE_FREE), ElementsAre(kPositive, kOther));
     EXPECT_THAT(boxesByPolarity<First>(NEGATIVE_FREE), ElementsAre(kNegative, kOther));
 
-    // Also one generator then treats its events by their types.
+    // A single generator also handles each event by its type.
     feed(generator, makeEvent<First>(0, 0, 1));
     feed(generator, makeEvent<Second>(16, 0, 1));
     EXPECT_THAT(boxesOf(generate(generator)), ElementsAre(kPositive));
@@ -136,7 +136,7 @@ TEST(RememberedFilter, IsNotRememberedWhileItIsUnknown) {
     EXPECT_NO_THROW(generator.processEvents(&event, 0));
     EXPECT_THAT(generate(generator), IsEmpty());
 
-    // A batch without events decides nothing.
+    // A batch without events does not set the filter.
     auto negative_free = GridSettings().filter(NEGATIVE_FREE).build();
     negative_free.processEvents(&event, 0);
     negative_free.processEvents(static_cast<const Event*>(nullptr), 5);

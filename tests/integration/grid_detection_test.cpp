@@ -19,10 +19,10 @@ using simulation::GroundTruth;
 constexpr float kCrowded = 20.0F;  // pixels
 
 struct Detection {
-    int objects = 0;           ///< Moving, and with no other nearby, counted once per window.
-    int objects_found = 0;     ///< Those that a cluster covers well.
-    int clusters = 0;          ///< Counted once per window.
-    int clusters_of_none = 0;  ///< Those that touch no object.
+    int objects = 0;           ///< Moving objects with no other nearby, once per window.
+    int objects_found = 0;     ///< Objects that a cluster covers well.
+    int clusters = 0;          ///< Once per window.
+    int clusters_of_none = 0;  ///< Clusters that touch no object.
 
     double recall() const { return static_cast<double>(objects_found) / objects; }
     double falseShare() const { return static_cast<double>(clusters_of_none) / clusters; }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How well the tracker with its default parameters follows the objects of a simulated scene, by
-// the clusters of either method with its own defaults.
+// How well the tracker with default parameters follows the objects of a simulated scene, with
+// clusters of either method with default parameters.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -90,7 +90,7 @@ TEST_P(TrackingByMethod, FollowsNearlyAllObjectsAndHardlyEverMistakesOneForAnoth
 
 INSTANTIATE_TEST_SUITE_P(Methods, TrackingByMethod, testing::Values("grid", "density"));
 
-// The bounds above tell good tracks from bad ones.
+// The bounds above distinguish good tracks from bad ones.
 TEST(Tracking, LosesObjectsIfNoneMayBeMissedOrChange) {
     const simulation::SceneOptions scene;
     tool::GridMethod method({scene.width, scene.height}, tool::Polarity::All, {});

@@ -13,11 +13,11 @@
 #include "support/long_stream.hpp"
 
 /// \file
-/// What is expected of the allocations of every generator. For tests that link `allocations.cpp`.
+/// Checks of the allocations of every generator. For tests that link `allocations.cpp`.
 
 namespace kelvora::test {
 
-/// Lets each allocation of `work` fail in turn.
+/// Makes each allocation of `work` fail in turn.
 template <class Work>
 void expectAllIsFreedWheneverAnAllocationFails(const Work& work, std::size_t fewest_allocations) {
     std::size_t needed = 0;

@@ -18,7 +18,7 @@ void* allocate(std::size_t size) {
         ++watched->allocations;
         ++watched->unfreed;
     }
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): below operator new there is nothing else
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): operator new cannot use anything else
     if (void* const memory = std::malloc(std::max<std::size_t>(size, 1))) {
         return memory;
     }

@@ -5,15 +5,15 @@
 #include <limits>
 
 /// \file
-/// Watches `operator new` and `operator delete` of the whole program, the libraries included.
+/// Watches `operator new` and `operator delete` of the whole program, including libraries.
 ///
-/// Linking `allocations.cpp` into a program replaces these functions. Not for several threads.
+/// Linking `allocations.cpp` into a program replaces these functions. Not thread-safe.
 
 namespace kelvora::test {
 
 constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
-/// What is allocated and freed while it lives. At most one may live at a time.
+/// Records allocations and deallocations during its lifetime. At most one may exist at a time.
 class AllocationWatch {
 public:
     /// \param allowed  Number of allocations after which the next one fails with `std::bad_alloc`.
@@ -24,9 +24,9 @@ public:
     AllocationWatch& operator=(const AllocationWatch&) = delete;
 
     std::size_t allocations() const { return counts.allocations; }
-    /// Allocations less deallocations.
+    /// Allocations minus deallocations.
     std::ptrdiff_t unfreed() const { return counts.unfreed; }
-    /// The largest number of bytes asked for at once, also if refused.
+    /// The largest number of bytes requested at once, including failed requests.
     std::size_t largestRequest() const { return counts.largest_request; }
 
     struct Counts {

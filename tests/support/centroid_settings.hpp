@@ -10,9 +10,9 @@
 
 namespace kelvora::test {
 
-/// What a centroid-based generator is constructed with, by name.
+/// Named constructor arguments of a centroid-based generator.
 ///
-/// By default there is one cluster of all events, and nothing bounds their number.
+/// By default there is one cluster of all events, and their number is unlimited.
 struct CentroidSettings : PointGeneratorSettings<CentroidSettings> {
     unsigned long long k_clusters = 1;
     unsigned long long max_iter = 20;
@@ -56,14 +56,14 @@ std::vector<int> columnsOf(Generator& generator) {
     return columns;
 }
 
-/// The columns of the points that are clustered after some events.
+/// The columns of the points that are clustered after feeding some events.
 template <class Kind, class Generator>
 std::vector<int> columnsAfter(Generator& generator, const std::vector<Pixel>& pixels) {
     clusterPixels(generator, pixels);
     return columnsOf<Kind>(generator);
 }
 
-/// Sizes of the clusters, which replace others.
+/// Sizes of the clusters. The output parameter is not empty before.
 template <class Generator>
 std::vector<unsigned long long> sizesOf(Generator& generator) {
     std::vector<unsigned long long> sizes = {9, 9, 9, 9, 9, 9, 9};
@@ -71,7 +71,7 @@ std::vector<unsigned long long> sizesOf(Generator& generator) {
     return sizes;
 }
 
-/// Centroids of the clusters, which replace others.
+/// Centroids of the clusters. The output parameter is not empty before.
 template <class Kind, class Generator>
 typename Kind::Points centroidsOf(Generator& generator) {
     auto centroids = line<Kind>({9, 9, 9, 9, 9, 9, 9});

@@ -16,15 +16,15 @@
 
 namespace kelvora::test {
 
-/// How the points of a set lie.
+/// Distribution of the points of a set.
 enum class Scatter {
     kPixels,       ///< Whole numbers, many points at the same place.
-    kTenths,       ///< On a lattice that floating-point numbers do not hit exactly.
+    kTenths,       ///< On a lattice that floating-point numbers cannot represent.
     kUniform,      ///< Anywhere, also below zero.
-    kClumps,       ///< Dense here, empty there.
-    kLongTime,     ///< Whole pixels, in a span of the last axis that is fifty times longer.
+    kClumps,       ///< Dense clumps in empty space.
+    kLongTime,     ///< Whole pixels, with a last axis fifty times longer.
     kLargeOffset,  ///< As far from the origin as microseconds since 1970.
-    kHotPixels,    ///< A few places with many points, and single ones.
+    kHotPixels,    ///< A few positions with many points, and single points.
 };
 constexpr std::array<Scatter, 7> kScatters = {
     Scatter::kPixels,   Scatter::kTenths,      Scatter::kUniform,  Scatter::kClumps,
@@ -94,10 +94,10 @@ private:
         return at<Kind>(p[0], p[1], p[2]);
     }
 
-    /// What the type can tell apart out there, about.
+    /// Approximate resolution of the type at that distance.
     static double offsetStep() { return 1.6e15 * std::numeric_limits<T>::epsilon(); }
 
-    /// Takes some of the points elsewhere, now and then.
+    /// Sometimes moves some of the points elsewhere.
     void spoil(Random& random) {
         if (random() % 4 != 0) {
             return;
@@ -129,7 +129,7 @@ private:
         if (random() % 2 == 0) {
             return unit * uniform(random, 0.2, 5);
         }
-        // A distance between pixels, or the numbers next to it.
+        // A distance between pixels, or one of the adjacent numbers.
         const T exact = static_cast<T>(unit * std::sqrt(1.0 + static_cast<double>(random() % 30)));
         const std::array<T, 3> toward = {T{0}, exact, 2 * exact};
         return static_cast<double>(std::nextafter(exact, toward[random() % toward.size()]));

@@ -8,9 +8,9 @@
 
 namespace kelvora::test {
 
-/// What a density-based generator is constructed with, by name.
+/// Named constructor arguments of a density-based generator.
 ///
-/// By default, two neighbouring pixels make a cluster, and nothing bounds the number of events.
+/// By default, two neighbouring pixels make a cluster, and the number of events is unlimited.
 struct DensitySettings : PointGeneratorSettings<DensitySettings> {
     double eps = 1.5;
     int min_pts = 2;

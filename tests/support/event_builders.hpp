@@ -11,17 +11,17 @@
 
 namespace kelvora::test {
 
-/// Random numbers that are the same for the same seed, on every machine.
+/// Random numbers that depend only on the seed, on every machine.
 using Random = std::mt19937_64;
 
-/// A number of [low, high], the same on every standard library (unlike its distributions).
+/// A number in [low, high], the same with every standard library (unlike its distributions).
 int randomInt(Random& random, int low, int high);
 
 Event2D positiveEvent(int x, int y);
 Event2D negativeEvent(int x, int y);
 Event2D eventOfPolarity(int x, int y, int polarity);
 
-/// The same event of any type, with a timestamp and an extra field where there is one.
+/// The same event for any type, with a timestamp and an extra field if the type has them.
 template <class Event>
 Event makeEvent(int x, int y, int polarity) {
     return Event{static_cast<unsigned short>(x), static_cast<unsigned short>(y),
@@ -37,7 +37,7 @@ Event2DFrequency makeEvent<Event2DFrequency>(int x, int y, int polarity);
 std::vector<Event2D> randomEvents(Random& random, int sensor_width, int sensor_height,
                                   std::size_t count);
 
-/// Gives a generator the same event `count` times.
+/// Feeds the same event `count` times to a generator.
 template <class Event>
 void feed(GridBasedClusterGenerator& generator, const Event& event, int count = 1) {
     for (int i = 0; i < count; ++i) {
@@ -45,7 +45,7 @@ void feed(GridBasedClusterGenerator& generator, const Event& event, int count = 
     }
 }
 
-/// Gives a generator some events, one after the other.
+/// Feeds some events to a generator, one after another.
 void feedAll(GridBasedClusterGenerator& generator, const std::vector<Event2D>& events);
 
 std::vector<ClusterGeometry> generate(GridBasedClusterGenerator& generator,

@@ -7,10 +7,10 @@
 
 namespace kelvora::test {
 
-/// What a grid generator is constructed with, by name.
+/// Named constructor arguments of a grid generator.
 ///
-/// The defaults make a grid of 10 x 10 cells in which one event is enough and no cluster is too
-/// small or too large.
+/// The defaults give a grid of 10 x 10 cells in which one event is enough and clusters may have any
+/// size.
 struct GridSettings {
     int sensor_width = 40;
     int sensor_height = 40;

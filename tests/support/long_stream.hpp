@@ -10,7 +10,7 @@
 #include "kelvora/events.hpp"
 
 /// \file
-/// Feeding so many events that memory which grows with them would show.
+/// Feeding enough events to detect memory that grows with their number.
 
 namespace kelvora::test {
 
@@ -29,7 +29,7 @@ private:
     unsigned long long count = 0;
 };
 
-/// Whether memory that was freed is free.
+/// Whether freed memory is returned to the system.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kIsMemoryMeasurable = false;  // the sanitizers keep freed memory
 #elif defined(__has_feature)
@@ -51,7 +51,7 @@ inline long residentMemory() {
     return resident_pages * 4;
 }
 
-/// More if the environment asks for long tests.
+/// More if long tests are enabled in the environment.
 inline std::size_t eventsToFeed() {
     const char* const wanted = std::getenv("KELVORA_LONG_TESTS");
     return wanted != nullptr && std::string(wanted) == "1" ? 50'000'000 : 2'000'000;

@@ -14,11 +14,11 @@
 #include "support/points.hpp"
 
 /// \file
-/// A grid that searches all kinds of sets by itself, whether they suit it or not.
+/// A grid that searches all kinds of sets by itself, even unsuitable ones.
 
 namespace kelvora::test {
 
-/// Clusters in the order of their first members. Blocks are taken from the last to the first.
+/// Clusters in the order of their first members. Blocks are processed from last to first.
 template <class Search>
 std::vector<std::vector<std::size_t>> searchBlocks(Search& search, std::size_t points) {
     for (std::size_t block = search.blocks(); block-- > 0;) {
@@ -42,7 +42,7 @@ std::vector<std::vector<std::size_t>> searchBlocks(Search& search, std::size_t p
     return members;
 }
 
-/// Compares the sets that a grid finds with those of the literal pass. It is kept from set to set.
+/// Compares the clusters found by a grid with the literal pass. The grid is reused for all sets.
 template <class Kind, template <int, typename> class Search>
 void compareWithLiteralPass(int rounds, std::size_t most_points) {
     using T = typename Kind::T;

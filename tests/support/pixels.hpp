@@ -12,7 +12,7 @@
 
 namespace kelvora::test {
 
-/// A position of an event, which tests of clusters in the plane leave at the same time.
+/// Position and time of an event. Tests of clusters in the plane do not set the time.
 struct Pixel {
     int x;
     int y;
@@ -20,7 +20,7 @@ struct Pixel {
     int polarity = 1;
 };
 
-/// Gives a generator an event for each pixel.
+/// Feeds an event for each pixel to a generator.
 template <class Generator>
 void feedPixels(Generator& generator, const std::vector<Pixel>& pixels) {
     for (const Pixel& pixel : pixels) {
@@ -31,7 +31,7 @@ void feedPixels(Generator& generator, const std::vector<Pixel>& pixels) {
     }
 }
 
-/// The four corners of a box of one pixel's width and height.
+/// The four corners of a box one pixel wide and high.
 inline std::vector<Pixel> squareAt(int x, int y) {
     return {{x, y}, {x + 1, y}, {x, y + 1}, {x + 1, y + 1}};
 }

@@ -7,9 +7,9 @@
 
 namespace kelvora::test {
 
-/// What all generators that work on points are constructed with, by name.
+/// Named constructor arguments of all generators that work on points.
 ///
-/// \tparam Settings  The type derived from this, with what one generator needs besides.
+/// \tparam Settings  The derived type with the additional arguments of a generator.
 template <class Settings>
 struct PointGeneratorSettings {
     static constexpr unsigned long long kUnbounded = std::numeric_limits<unsigned long long>::max();

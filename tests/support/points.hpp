@@ -18,11 +18,11 @@
 #include "support/event_builders.hpp"
 
 /// \file
-/// Sets of points of every kind, and what clustering makes of them.
+/// Sets of points of every kind, and their clusters.
 
 namespace kelvora::test {
 
-/// The two parameters of everything that works on points, as one type.
+/// The two template parameters of all code that works on points, as one type.
 template <int dimension, typename Coordinate>
 struct PointKind {
     static constexpr int kDim = dimension;
@@ -34,7 +34,7 @@ struct PointKind {
 using PointKinds = ::testing::Types<PointKind<2, float>, PointKind<2, double>, PointKind<3, float>,
                                     PointKind<3, double>>;
 
-/// Names the kinds in the names of tests.
+/// Names of the kinds for the names of tests.
 struct PointKindNames {
     template <class Kind>
     static std::string GetName(int) {
@@ -43,7 +43,7 @@ struct PointKindNames {
     }
 };
 
-/// A point at a place; the third coordinate is dropped in two dimensions.
+/// A point; the third coordinate is dropped in two dimensions.
 template <class Kind>
 typename Kind::Point at(double x, double y = 0, double z = 0) {
     const std::array<double, 3> values = {x, y, z};
@@ -63,7 +63,7 @@ typename Kind::Points line(const std::vector<double>& xs) {
     return points;
 }
 
-/// Points with whole coordinates of [low, low + side), times `unit`.
+/// Points with whole coordinates in [low, low + side), times `unit`.
 template <class Kind>
 typename Kind::Points randomGridPoints(Random& random, std::size_t count, int low, int side,
                                        double unit) {
@@ -95,7 +95,7 @@ std::ostream& operator<<(std::ostream& out, const Clustering<T>& clustering) {
                << ::testing::PrintToString(clustering.boxes);
 }
 
-/// What the library finds.
+/// The clusters found by the library.
 template <class Kind>
 Clustering<typename Kind::T> clusterPoints(const typename Kind::Points& points, double eps,
                                            int min_pts, int n_jobs) {

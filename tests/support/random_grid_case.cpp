@@ -20,7 +20,7 @@ bool oneIn(Random& random, int n) {
     return randomInt(random, 1, n) == 1;
 }
 
-/// Mostly some cells and a rest; now and then a single line of pixels, or many cells in a row.
+/// Usually some cells and a remainder; sometimes a single line of pixels, or many cells in a row.
 int randomSensorSize(Random& random, int cell_size) {
     if (oneIn(random, 12)) {
         return 1;
@@ -42,7 +42,7 @@ GridSettings randomSettings(Random& random) {
     settings.filter(kFilters[static_cast<std::size_t>(randomInt(random, 0, 3))]);
     settings.count_pixel_once = oneIn(random, 2);
     if (oneIn(random, 2)) {
-        // Whole cells, as clusters are, so that they often are just as large as allowed.
+        // Whole cells, like clusters, so that clusters often have exactly the allowed size.
         const int smallest = settings.cell_width * randomInt(random, 0, 3);
         const int largest = settings.cell_height * randomInt(random, 2, 7);
         settings.clusterSizes(smallest, largest);
@@ -65,8 +65,8 @@ void feedAs(GridBasedClusterGenerator& generator, const std::vector<Event2D>& ev
     }
 }
 
-/// Each filter has an event type of its own here, since the first generator to see a type decides
-/// on the filter for that type.
+/// Each filter has a separate event type here, because the first generator that sees a type sets
+/// the filter for it.
 void feedByFilter(GridBasedClusterGenerator& generator, EventFilterType filter,
                   const std::vector<Event2D>& events, Feeding feeding) {
     switch (filter) {

@@ -11,7 +11,7 @@
 
 namespace kelvora::test {
 
-/// Settings of a grid generator, and what is done with it.
+/// Settings of a grid generator, and the calls to make.
 struct GridCase {
     struct Batch {
         std::vector<Event2D> before_reset;
@@ -29,8 +29,8 @@ GridCase randomGridCase(std::uint64_t seed);
 
 enum class Feeding { kOneByOne, kInBatches };
 
-/// Runs a case through a generator built with `settings` (those of the case, or wrong ones to see
-/// that it shows) and through the brute-force model.
+/// Runs a case through a generator built with `settings` (the same as in the case, or different
+/// ones to check that this is detected) and through the brute-force model.
 /// \returns the first difference in clusters or pixel counts, if there is one.
 std::optional<std::string> compareWithModel(const GridCase& grid_case, const GridSettings& settings,
                                             Feeding feeding = Feeding::kOneByOne);

@@ -12,7 +12,7 @@
 
 namespace kelvora::test {
 
-/// A directory that no other test has, and that vanishes with its contents: tests run side by side.
+/// A unique directory, removed with its contents, because tests run in parallel.
 class TemporaryDirectory {
 public:
     TemporaryDirectory() {
@@ -40,7 +40,7 @@ private:
     std::filesystem::path directory;
 };
 
-/// All that is in a file.
+/// The whole content of a file.
 inline std::string contentOf(const std::filesystem::path& path) {
     std::ostringstream content;
     content << std::ifstream(path, std::ios::binary).rdbuf();

@@ -25,7 +25,7 @@ thread_local bool is_spared = false;
 using ThreadFunction = void* (*)(void*);
 using CreateFunction = int (*)(pthread_t*, const pthread_attr_t*, ThreadFunction, void*);
 
-/// What a thread was to run.
+/// The function of a thread and its argument.
 struct Task {
     ThreadFunction function;
     void* argument;
@@ -43,7 +43,7 @@ void* allocate(std::size_t size) {
     if (failing_allocations && !is_spared && allocations_left-- <= 0) {
         throw std::bad_alloc();
     }
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): below operator new there is nothing else
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): operator new cannot use anything else
     if (void* const memory = std::malloc(std::max<std::size_t>(size, 1))) {
         return memory;
     }
@@ -62,7 +62,7 @@ extern "C" __attribute__((visibility("default"))) int pthread_create(
     if (starts_left-- <= 0) {
         return EAGAIN;
     }
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): not by operator new, which may be told to fail
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): operator new may be set to fail
     auto* const task = static_cast<Task*>(std::malloc(sizeof(Task)));
     *task = {function, argument};
     ++started_threads;
@@ -103,7 +103,7 @@ ThreadStartWatch::~ThreadStartWatch() {
     watching_starts = false;
 }
 
-// Members, so that they are asked of a watch.
+// Members, because they refer to a watch.
 // NOLINTBEGIN(readability-convert-member-functions-to-static)
 int ThreadStartWatch::started() const {
     return started_threads;

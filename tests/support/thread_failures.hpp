@@ -4,14 +4,14 @@
 #include <cstddef>
 
 /// \file
-/// Makes threads fail.
+/// Makes threads and their allocations fail.
 ///
 /// Linking `thread_failures.cpp` into a program replaces `pthread_create` and the allocation
 /// functions, for the libraries, too.
 
 namespace kelvora::test {
 
-/// Counts threads that are started while it lives. At most one may live at a time.
+/// Counts threads started during its lifetime. At most one may exist at a time.
 class ThreadStartWatch {
 public:
     /// \param allowed  Number of threads after which no more can be started.
@@ -20,16 +20,16 @@ public:
     ThreadStartWatch(const ThreadStartWatch&) = delete;
     ThreadStartWatch& operator=(const ThreadStartWatch&) = delete;
 
-    /// Threads that were started.
+    /// Number of threads started.
     int started() const;
-    /// Whether no thread of them runs any more.
+    /// Whether all of these threads have ended.
     bool allEnded() const;
 };
 
-/// While it lives, allocations in other threads than the one that made it fail.
+/// During its lifetime, allocations fail in all threads except the one that created it.
 class FailingThreadAllocations {
 public:
-    /// \param allowed  Number of allocations, of all those threads together, that do not fail.
+    /// \param allowed  Number of allocations in all these threads together that do not fail.
     explicit FailingThreadAllocations(int allowed);
     ~FailingThreadAllocations();
     FailingThreadAllocations(const FailingThreadAllocations&) = delete;

@@ -24,7 +24,7 @@ inline ClusterGeometry square(float x, float y, std::uint64_t timestamp) {
     return boxAround(x, y, 20, 20, timestamp);
 }
 
-/// Shows a tracker the same boxes in some updates, the first one at `begin`, one every 10 ms.
+/// Updates a tracker several times with the same boxes: first at `begin`, then every 10 ms.
 ///
 /// \returns the ids of the last update.
 inline std::vector<int> showRepeatedly(ClusterTracker& tracker,

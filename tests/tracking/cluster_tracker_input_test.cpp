@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Timestamps, boxes that are none, and what else a tracker may be given.
+// Timestamps, invalid boxes, and other unusual input of a tracker.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ std::vector<ClusterGeometry> impossibleBoxes(std::uint64_t timestamp) {
         boxes.emplace_back(90.0F, 90.0F, 20.0F, size, timestamp);
         boxes.emplace_back(90.0F, 90.0F, size, size, timestamp);
     }
-    // Centre and area beyond what a float holds, and an area below it.
+    // Centre and area above the range of a float, and an area below it.
     boxes.emplace_back(kLargest, 90.0F, kLargest, 1e-38F, timestamp);
     boxes.emplace_back(90.0F, 90.0F, 1e30F, 1e30F, timestamp);
     boxes.emplace_back(90.0F, 90.0F, 1e-30F, 1e-30F, timestamp);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Objects that merge, fall to pieces, and enter or leave the view.
+// Objects that merge, break apart, and enter or leave the view.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -17,12 +17,12 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// The box around two others: what a generator reports of objects that touch.
+/// The box around two others, as a generator reports touching objects.
 ClusterGeometry merged(const ClusterGeometry& a, const ClusterGeometry& b) {
     return {a.get2DBoundingBox() | b.get2DBoundingBox(), a.timestamp};
 }
 
-/// Two objects that meet, move through each other, and part again.
+/// Two objects that meet, cross, and separate again.
 struct CrossingPair {
     explicit CrossingPair(int update)
         : time(static_cast<std::uint64_t>(update) * kUpdateInterval),
@@ -42,7 +42,7 @@ struct CrossingPair {
     ClusterGeometry left;
 };
 
-// The merged box is too large for either track at first and last. In between, one has it.
+// The merged box is too large for both tracks at first and at last. In between, one track has it.
 TEST(ClusterTracker, KeepsTheIdsOfObjectsThatMergeAndPartAgain) {
     ClusterTracker tracker;
     int merged_updates = 0;
@@ -107,7 +107,7 @@ TEST(ClusterTracker, HidesATrackForAsManyUpdatesAsItWasSeen) {
         EXPECT_FALSE(tracker.getTracks().front().is_hidden);
         EXPECT_EQ(tracker.getTracks().front().missed, missed);
     }
-    // What hid it is something new, now.
+    // The cluster that hid it is now a new object.
     EXPECT_THAT(showRepeatedly(tracker, {large}, 2, 50'000), ElementsAre(2));
     EXPECT_THAT(tracker.getTracks(), SizeIs(1));
 }

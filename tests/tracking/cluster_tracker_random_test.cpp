@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Random clusters: what holds for tracks whatever these are, and a model of the tracker.
+// Random clusters: invariants of the tracks, and comparison with a model of the tracker.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -28,7 +28,7 @@ float randomFloat(Random& random, float low, float high) {
     return low + (high - low) * static_cast<float>(randomInt(random, 0, 1 << 20)) / (1 << 20);
 }
 
-/// Some objects that move, appear, vanish, merge and fall to pieces, among clusters of nothing.
+/// Objects that move, appear, disappear, merge and break apart, among clusters of noise.
 class RandomClusters {
 public:
     explicit RandomClusters(std::uint64_t seed)
@@ -119,7 +119,7 @@ bool hasArea(const ClusterGeometry& cluster) {
            std::isfinite(cluster.height) && std::isfinite(cluster.x) && std::isfinite(cluster.y);
 }
 
-/// Compares what a tracker says with what it was given, and with what it said before.
+/// Compares the tracker's output with its input and its previous output.
 class Observer {
 public:
     explicit Observer(const Parameters& parameters_) : parameters(parameters_) {}
@@ -139,7 +139,7 @@ public:
         before = tracks;
     }
 
-    int hidden = 0;     ///< Tracks, once per update.
+    int hidden = 0;     ///< Number of tracks, once per update.
     int confirmed = 0;  ///< Likewise.
     int left_over = 0;  ///< Clusters with area and without a track.
 
@@ -261,7 +261,7 @@ TEST(ClusterTrackerRandom, GivesTheSameTracksForTheSameClusters) {
     }
 }
 
-// Without strange numbers. The model rounds less: a largest distance of 0 would tell.
+// Without extreme numbers. The model rounds less, which would show at a largest distance of 0.
 TEST(ClusterTrackerRandom, FollowsWhatALiteralModelFollows) {
     int compared = 0;
     for (std::uint64_t seed = 1; seed < 1000; ++seed) {

@@ -184,7 +184,7 @@ TEST(ClusterTracker, EvensOutTheJitterOfBoxes) {
         tracker.update({square(100.0F + static_cast<float>(4 * i) + jitter, 50,
                                static_cast<std::uint64_t>(i) * 10'000)});
     }
-    // The last two positions alone would say 500.
+    // The last two positions alone would give 500.
     EXPECT_NEAR(tracker.getTracks().front().vx, 400, 10);
 }
 
@@ -216,7 +216,7 @@ TEST(ClusterTracker, LeavesPredictionsWhereTheyAreWithoutClusters) {
     EXPECT_NEAR(tracker.getTracks().front().box.x, 122, 1e-3);
 }
 
-// It is 80 pixels away from where it was seen last, four times the largest distance.
+// It is 80 pixels away from its last position, four times the largest distance.
 TEST(ClusterTracker, FindsAMovingObjectAgainAfterUpdatesWithoutIt) {
     for (const bool with_others : {false, true}) {
         ClusterTracker tracker;

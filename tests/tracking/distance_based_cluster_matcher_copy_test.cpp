@@ -18,7 +18,7 @@ using Clusters = std::vector<ClusterGeometry>;
 class MatcherWithHistory {
 public:
     MatcherWithHistory() {
-        // The number is a part of the callback and copied with it.
+        // The number is part of the callback and copied with it.
         matcher.setDetectedMatchCallback(
             [this, number = 0](ClusterGeometry&, ClusterGeometry&, int) mutable {
                 call_numbers.push_back(++number);

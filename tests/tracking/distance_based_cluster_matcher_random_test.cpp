@@ -106,7 +106,7 @@ private:
     }
 };
 
-/// What the cases of a run were like, so that a run of trivial ones does not go unnoticed.
+/// Statistics of the cases of a run, to detect trivial ones.
 struct Variety {
     void add(const std::vector<BruteForceMatcher::Candidate>& candidates, std::size_t pairs,
              float squared_threshold) {
@@ -122,7 +122,7 @@ struct Variety {
     int at_the_rim = 0;
 };
 
-/// Ten thousand in all; a thousand each, so that they can run side by side.
+/// Ten thousand in total, a thousand per test, so that tests can run in parallel.
 class ThousandRandomBatches : public ::testing::TestWithParam<std::uint64_t> {};
 
 TEST_P(ThousandRandomBatches, GiveThePairsOfTheModel) {

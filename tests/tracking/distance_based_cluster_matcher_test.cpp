@@ -51,7 +51,7 @@ bool areMatched(float distance_threshold, float size_threshold, const ClusterGeo
     return match(distance_threshold, size_threshold, {first}, {second}).size() == 1;
 }
 
-/// What a callback was given.
+/// The arguments of a callback.
 struct Call {
     ClusterGeometry* first;
     ClusterGeometry* second;
@@ -102,7 +102,7 @@ TEST(DistanceBasedClusterMatcher, MatchesNothingWithSizesThatAreNotNumbers) {
             Clusters first = clustersAt({0, 10});
             Clusters second = clustersAt({0, 11});
             DistanceBasedClusterMatcher matcher(5, 5);
-            // Only now, as such a cluster would have no centre before.
+            // Only now, because such a cluster would have no centre before.
             matcher.setDetectedMatchCallback([&](ClusterGeometry&, ClusterGeometry&, int) {
                 (spoil_first ? first : second)[1].*size = kNaN;
             });

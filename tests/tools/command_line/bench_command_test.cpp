@@ -32,7 +32,7 @@ protected:
     std::string recording() const { return (folder / "events.txt").string(); }
     std::string path(const std::string& name) const { return (folder / name).string(); }
 
-    /// 400 events of one square, of 40 ms, 10 per millisecond; then what is to be wrong.
+    /// 400 events of one square in 40 ms, 10 per millisecond, followed by the given defects.
     void write(int defects) {
         std::ofstream file(recording());
         for (int i = 0; i < 400; ++i) {
@@ -62,7 +62,7 @@ protected:
         return nlohmann::json::parse(run(recording() + " --sensor 100x80 --json - " + options));
     }
 
-    /// What the last run threw.
+    /// The message of the last exception.
     std::string message() const {
         try {
             if (error) {
@@ -105,7 +105,7 @@ TEST_F(BenchCommandTest, WritesFiguresThatAgreeWithOneAnother) {
     EXPECT_EQ(json["reading"]["windows"], 5);
     ASSERT_EQ(json["methods"].size(), 2U);
     EXPECT_EQ(json["methods"][0]["name"], "grid");
-    EXPECT_EQ(json["methods"][0]["clusters"], 3);  // in the outer windows it is too small
+    EXPECT_EQ(json["methods"][0]["clusters"], 3);  // too small in the first and last windows
     EXPECT_EQ(json["methods"][1]["clusters"], 15);
     for (const auto& method : json["methods"]) {
         const double seconds = method["seconds"];

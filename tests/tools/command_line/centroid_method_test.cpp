@@ -54,7 +54,7 @@ protected:
 
 TEST_P(CentroidMethodTest, FindsClustersWithCentroidsInPixelsInTheOrderOfTheirEvents) {
     const auto method = makeCentroidMethod({320, 240}, points(), clusters(2));
-    // Any point may be the first centroid: both orders of the library come up.
+    // Any point may be the first centroid, so the library returns both orders.
     for (int i = 0; i < 20; ++i) {
         const WindowClusters result = found(*method, twoSquares());
         ASSERT_EQ(result.clusters.size(), 2U);

@@ -42,8 +42,8 @@ ClusterTracker::Track track(int id, ClusterTracker::State state, int cluster,
     return {id, state, box, 12.34F, -5.06F, cluster, 7, 0, is_hidden};
 }
 
-/// Clusters of no track, of a confirmed one and of a tentative one, a hidden object, and one that
-/// is lost.
+/// Clusters without a track, of a confirmed and of a tentative track, a hidden object, and a lost
+/// one.
 WindowClusters tracked(std::uint64_t number) {
     WindowClusters found;
     found.number = number;

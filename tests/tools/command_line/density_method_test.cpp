@@ -10,7 +10,7 @@
 namespace kelvora::tool {
 namespace {
 
-// Microseconds since 1970, as some cameras give them: a float steps by two minutes there.
+// Microseconds since 1970, as from some cameras: adjacent floats differ by two minutes there.
 constexpr std::uint64_t kStart = 1'615'211'683'000'000;
 
 /// Two squares of events, the second a little later, and a lonely event between them.
@@ -31,7 +31,7 @@ WindowClusters found(const PointOptions& points, const DensityOptions& options =
     const std::vector<Event2D> events = twoSquares();
     const auto method = makeDensityMethod({320, 240}, points, options, with_labels);
     WindowClusters result;
-    // The second window must not know the first.
+    // The second window must not depend on the first.
     for (int i = 0; i < 2; ++i) {
         method->cluster({kStart, kStart + 10'000, events.data(), events.data() + events.size()},
                         result);

@@ -8,7 +8,7 @@
 namespace kelvora::tool {
 namespace {
 
-/// What a check says of a value: nothing if it is fine.
+/// The message of a check for a value; empty if the value is valid.
 std::string verdict(const CLI::Validator& check, std::string text) {
     return check(text);
 }

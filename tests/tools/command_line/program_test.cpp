@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Runs the program as its users do.
+// Runs the program in a shell, like its users.
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -136,7 +136,7 @@ TEST_F(Program, WritesTheClustersBeforeADefectAndThenReportsIt) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, HasSubstr("ends in the middle of a record"));
     EXPECT_GT(outcome.output.size(), all.size() / 4);
-    // The last window is cut off, too.
+    // The last window is incomplete, too.
     const std::string but_the_last = outcome.output.substr(0, outcome.output.size() / 2);
     EXPECT_EQ(all.substr(0, but_the_last.size()), but_the_last);
 }
@@ -261,8 +261,8 @@ TEST_F(Program, FindsTheSameClustersWithTracksAsWithout) {
 }
 
 TEST_F(Program, NumbersTheFramesOfTheChallengeFromTheFirstEventsOn) {
-    // A square of events in windows 101 to 103, and again in window 106. Boxes go to the end of the
-    // cell behind the last active one.
+    // A square of events in windows 101 to 103, and again in window 106. Boxes extend to the end of
+    // the cell after the last active one.
     std::ofstream recording(path("square.txt"));
     recording << "64 64\n";
     for (const int window : {101, 102, 103, 106}) {

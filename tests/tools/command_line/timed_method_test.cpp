@@ -11,9 +11,9 @@ namespace kelvora::tool {
 namespace {
 
 constexpr recording::SensorSize kSensor = {100, 80};
-constexpr std::uint64_t kStart = 1'600'000'000'000'000;  // as counted from 1970
+constexpr std::uint64_t kStart = 1'600'000'000'000'000;  // since 1970
 
-/// Two squares, one after the other. More events than a generator is fed at a time.
+/// Two squares, one after the other. More events than fit into one batch.
 std::vector<Event2D> twoSquares() {
     std::vector<Event2D> events;
     for (int i = 0; i < 2000; ++i) {
@@ -48,7 +48,7 @@ std::vector<ClusterGeometry> clustersOf(TimedMethod method) {
     const auto cluster = makeTimedMethod(method, kSensor, options);
     const auto events = twoSquares();
     std::vector<ClusterGeometry> clusters;
-    // Nothing of the first call is left in the second.
+    // The second call does not depend on the first.
     cluster(windowOf(events), clusters);
     cluster(windowOf(events), clusters);
     return clusters;

@@ -35,7 +35,7 @@ WindowClusterer makeClusterer(bool with_tracks) {
     return {std::make_unique<BoxPerEvent>(), options, kLength};
 }
 
-/// Shows a window with one event, and returns what was found.
+/// Clusters a window with one event, and returns the result.
 WindowClusters show(WindowClusterer& clusterer, std::uint64_t window) {
     const std::array<Event2D, 1> events = {Event2D(100, 50, 1, window * kLength)};
     return clusterer.cluster(

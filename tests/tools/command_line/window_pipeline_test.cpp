@@ -37,7 +37,7 @@ protected:
         track.max_missed = 3;
     }
 
-    /// Shows one box in each of these windows, and returns what was written.
+    /// Processes windows with one box each, and returns the output.
     std::string run(const std::vector<std::uint64_t>& windows, std::uint64_t first_window = 7) {
         WindowPipeline pipeline(std::make_unique<BoxPerEvent>(), output, track, {640, 480},
                                 kWindow);

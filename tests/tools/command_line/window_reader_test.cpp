@@ -15,7 +15,7 @@
 namespace kelvora::tool {
 namespace {
 
-/// A window as it is asked for in tests: its start, and the columns of its events.
+/// A window for comparison: its start, and the columns of its events.
 using Window = std::pair<std::uint64_t, std::vector<int>>;
 
 class WindowReaderTest : public testing::Test {

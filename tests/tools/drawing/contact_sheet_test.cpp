@@ -63,7 +63,7 @@ TEST(ContactSheet, WantsExactlyTheWindowsThatItKeepsUntilItMustDropSome) {
     EXPECT_THAT(sheet.shownWindows(), ElementsAre(0, 8, 16));
 }
 
-// The windows must not be mixed up when every other one is dropped.
+// The windows must stay in order when every other one is dropped.
 TEST(ContactSheet, ShowsTheEventsOfTheWindowsThatItNames) {
     ContactSheet sheet{{40, 30}, 1};
     for (const bool is_on : {true, false, false, false}) {

@@ -23,7 +23,7 @@ ClusterGeometry box(float x, float y, float width, float height) {
     return {x, y, width, height, 0ULL};
 }
 
-// A picture in the size of the sensor: scale 1, lines of 2 pixels.
+// A picture of the size of the sensor: scale 1, lines of 2 pixels.
 cv::Mat renderBoxes(const Clusters& clusters) {
     return FrameRenderer({640, 480}, {640, 480}).render(Events{}, {clusters, {}, {}});
 }
@@ -163,7 +163,7 @@ TEST(FrameRenderer, LeavesOutCentroidsOffTheSensor) {
     EXPECT_EQ(countOf(picture, kBoxColour), 0);
 }
 
-// The dark line around a box once cut through the outline of its neighbour.
+// The dark line around a box must not cross the outline of its neighbour.
 TEST(FrameRenderer, LeavesTheOutlinesOfNeighboursWhole) {
     const cv::Mat one = renderBoxes({box(100, 50, 30, 20)});
     const cv::Mat both = renderBoxes({box(100, 50, 30, 20), box(131, 50, 30, 20)});

@@ -9,7 +9,7 @@
 namespace kelvora::drawing {
 namespace {
 
-// The brightness that the eye perceives, from 0 to 1, as web content guidelines define it.
+// The relative luminance, from 0 to 1, as defined by the web content accessibility guidelines.
 double luminance(const cv::Vec3b& colour) {
     const auto linear = [](unsigned char channel) {
         const double value = channel / 255.0;

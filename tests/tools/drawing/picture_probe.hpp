@@ -16,8 +16,8 @@ inline int countOf(const cv::Mat& picture, const cv::Vec3b& colour) {
     return cv::countNonZero(matches);
 }
 
-/// Number of light grey pixels: text, which is smoothed and may reach its full colour nowhere, but
-/// no boxes.
+/// Number of light grey pixels: text, which is smoothed and may not reach its full colour anywhere,
+/// but not boxes.
 inline int countOfText(const cv::Mat& picture) {
     cv::Mat matches;
     cv::inRange(picture, cv::Scalar::all(130), cv::Scalar::all(240), matches);

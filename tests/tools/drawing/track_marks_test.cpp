@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Objects that are followed, as the frame renderer draws them.
+// Tracked objects, as drawn by the frame renderer.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -22,7 +22,7 @@ TrackMark mark(int id, float x, float y, float width, float height, const Trail&
     return {id, {x, y, width, height, 0ULL}, trail};
 }
 
-// A picture in the size of the sensor: scale 1, lines of 2 pixels.
+// A picture of the size of the sensor: scale 1, lines of 2 pixels.
 cv::Mat render(const std::vector<TrackMark>& tracks,
                const std::vector<ClusterGeometry>& clusters = {}) {
     return FrameRenderer({640, 480}, {640, 480})

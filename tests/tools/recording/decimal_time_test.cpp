@@ -26,8 +26,8 @@ TEST(DecimalTime, IsRoundedToTheNearestMicrosecond) {
     EXPECT_EQ(microsecondsFromDecimal("1500", TimeUnit::Nanoseconds), 2U);
 }
 
-// A double holds 1615211683.123456789 as ...123456717 and the largest of these times not even to
-// the second.
+// As a double, 1615211683.123456789 is ...123456717, and the largest of these times is not even
+// exact to the second.
 TEST(DecimalTime, LosesNothingToFloatingPoint) {
     EXPECT_EQ(microsecondsFromDecimal("1615211683.123456789", TimeUnit::Seconds),
               1615211683123457U);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Damaged recordings: a decoder may find events in them or refuse them, but never crash, hang or
-// forget its bounds.
+// Damaged recordings: a decoder may find events in them or reject them, but must never crash, hang
+// or exceed its limits.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -117,8 +117,7 @@ TEST_P(DecoderRobustness, EveryBeginningOfARecordingGivesABeginningOfItsEvents) 
     const std::string bytes = encoded(events);
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         const Outcome outcome = decodeAll(bytes.substr(0, size), 0);
-        // In text, the last number may be cut to a shorter one. It is then whole again, but
-        // another.
+        // In text, the last number may be truncated to a shorter one, which is valid but different.
         const std::size_t sound =
             outcome.events.size() - (GetParam().name == kText.name && !outcome.events.empty());
         ASSERT_LE(sound, events.size());

@@ -59,7 +59,7 @@ TEST_F(EventCleanerTest, DoesNotTakeTheTimesOfDroppedEventsForAny) {
     EXPECT_EQ(cleaner.clampedTimes(), 0U);
 }
 
-// A damaged time must not raise those of all later events to it.
+// A damaged time must not raise the times of all later events.
 TEST_F(EventCleanerTest, LowersASingleTimeThatIsFarAheadOfItsNeighbours) {
     EXPECT_EQ(cleaned(cleaner, eventsAt({10, 12, 99'000'000'000, 14, 15})),
               eventsAt({10, 12, 12, 14, 15}));

@@ -75,7 +75,7 @@ TEST(RecordingStatistics, CountEventsOffTheSensorIfItsSizeIsKnown) {
 }
 
 TEST(RecordingStatistics, NeverHaveAPeakBelowTheMean) {
-    // 1 ms long: the interval of 10 ms that holds it all would give a tenth of the mean rate.
+    // 1 ms long: the 10 ms interval with all its events would give a tenth of the mean rate.
     std::vector<Event2D> events = burst(2'000, 50);
     events.push_back(eventAt(3'000, 1, 1, 1));
     EXPECT_DOUBLE_EQ(statisticsOf(events).peakRate(), 51'000.0);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Real recordings, each as its camera or data set wrote it and as records that were converted by
-// other means.
+// Real recordings, each in its original format and as records that were converted by other
+// software.
 #include <gmock/gmock.h>
 
 #include <cstdlib>

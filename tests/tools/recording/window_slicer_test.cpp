@@ -22,7 +22,7 @@ std::vector<Event2D> eventsAt(const std::vector<std::uint64_t>& times) {
     return events;
 }
 
-// The windows that are complete now, as "[start, end): times".
+// The currently complete windows, as "[start, end): times".
 std::vector<std::string> windowsOf(WindowSlicer& slicer) {
     std::vector<std::string> windows;
     Window window;

@@ -8,7 +8,7 @@
 namespace kelvora::scoring {
 namespace {
 
-/// Boxes of 10 x 10 pixels at these places on the x axis, the clusters with tracks from 1 on.
+/// Boxes of 10 x 10 pixels at these positions on the x axis. Tracks of clusters count from 1.
 Frame frameOf(const std::vector<double>& objects, const std::vector<double>& clusters) {
     Frame frame;
     for (const double x : objects) {
@@ -42,7 +42,7 @@ TEST(FrameMatcher, MatchesAtJustTheLeastOverlapAndNotBelow) {
 
 TEST(FrameMatcher, MatchesTwoObjectsRatherThanOneWell) {
     const Frame frame = frameOf({0, 3}, {2, -2});
-    // The second object overlaps enough with the first cluster alone.
+    // The second object overlaps enough with the first cluster only.
     FrameMatcher matcher(frame, 0.5);
     matcher.matchAll({0, 1});
     ASSERT_EQ(matcher.matches().size(), 2U);

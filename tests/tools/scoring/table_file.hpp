@@ -8,7 +8,7 @@
 
 namespace kelvora::scoring {
 
-/// A file with this content, as long as it lives.
+/// A file with this content, removed by the destructor.
 class TableFile {
 public:
     explicit TableFile(const std::string& content) : file(directory.file("table", content)) {}

@@ -115,7 +115,7 @@ private:
         figures.ignored_clusters += bestPairs(ignored, 0, clusters, options.min_iou).size();
     }
 
-    /// Moves the pairs of the last frame that still hold out of objects and clusters.
+    /// Removes the pairs of the last frame that are still valid from objects and clusters.
     Pairs pairsThatLast(std::vector<TruthBox>& objects, std::vector<ClusterBox>& clusters) const {
         Pairs pairs;
         for (const TruthBox& object : objects) {
@@ -168,7 +168,7 @@ double randomShare(Random& random) {
     return randomInt(random, 0, 1'000'000) * 1e-6;
 }
 
-/// Boxes that lie so close together that many overlap. No two overlaps are equal.
+/// Boxes so close together that many overlap. No two overlaps are equal.
 Box randomBox(Random& random) {
     return {8 * randomShare(random), 8 * randomShare(random), 10 + 4 * randomShare(random),
             10 + 4 * randomShare(random)};

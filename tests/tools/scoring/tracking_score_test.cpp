@@ -90,7 +90,7 @@ TEST(TrackingScore, IgnoresObjectsOfWhichTooLittleCanBeSeen) {
 }
 
 TEST(TrackingScore, GivesIgnoredObjectsOnlyTheClustersThatOthersLeave) {
-    // The cluster shows the ignored object better.
+    // The cluster overlaps more with the ignored object.
     const ScoreFigures figures =
         figuresOf({}, {{{object(1, 0, false), object(2, 2)}, {cluster(0)}}});
     EXPECT_EQ(figures.matches, 1U);

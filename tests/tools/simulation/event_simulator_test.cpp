@@ -62,8 +62,8 @@ TEST(EventSimulator, GivesOtherEventsForAnotherSeed) {
     EXPECT_NE(hashOf(a.events), hashOf(b.events));
 }
 
-// The value changes only when the model is changed on purpose; then state so in CHANGELOG.md. If it
-// differs between compilers or machines, the simulator has lost its determinism.
+// Only change this value with an intended change of the model, and mention it in CHANGELOG.md. If
+// it differs between compilers or machines, the simulator is no longer deterministic.
 TEST(EventSimulator, GivesTheSameEventsWithEveryCompilerAndOnEveryMachine) {
     const auto recording = record(EventSimulator(smallDefaultScene(7)));
     EXPECT_EQ(recording.events.size(), 22480U);
@@ -108,7 +108,7 @@ TEST(EventSimulator, EachStepGivesTheEventsOfOneInterval) {
         ASSERT_FALSE(events.empty());
         EXPECT_GE(events.front().timestamp, begin_us);
         EXPECT_LT(events.back().timestamp, std::min<std::uint64_t>(begin_us + 10'000, 25'000));
-        // The last interval is cut short and has no truth.
+        // The last interval is incomplete and has no truth.
         EXPECT_EQ(truth.empty(), begin_us == 20'000);
         for (const GroundTruth& row : truth) {
             EXPECT_EQ(row.timestamp_us, begin_us + 10'000);
@@ -129,7 +129,7 @@ TEST(EventSimulator, ABrightDiscMakesOnEventsAheadAndOffEventsBehindADarkOneTheR
         for (const Event2D& event : recording.events) {
             const bool ahead = event.x + 0.5 > 41.5;  // the centre moves from 40 to 43
             const bool on = event.polarity == 1;
-            // Where the outline runs along the path, it is ahead and behind within the same pixels.
+            // Where the outline is parallel to the path, the same pixels are ahead and behind.
             if (std::abs(event.x + 0.5 - 41.5) > 3) {
                 EXPECT_EQ(on, ahead == (contrast > 0)) << event.x << ' ' << event.y;
             }
@@ -198,7 +198,7 @@ TEST(EventSimulator, TruthBoxesHoldTheEventsOfTheirIntervalAndFitThemTightly) {
             for (const Event2D& event : events) {
                 box = unite(box, {event.x + 0.0, event.y + 0.0, event.x + 1.0, event.y + 1.0});
             }
-            // The smooth outline reaches half a pixel further, and pixels are whole.
+            // The smooth outline extends half a pixel further, and boxes contain whole pixels.
             EXPECT_GE(box.left, truth[0].x - 1.5);
             EXPECT_GE(box.top, truth[0].y - 1.5);
             EXPECT_LE(box.right, truth[0].x + truth[0].width + 1.5);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr Region kSensor{0, 0, 20, 10};
 
-// A picture that is the same everywhere.
+// A uniform picture.
 Canvas uniformCanvas(double level) {
     Canvas canvas(20, 10);
     canvas.paint(

@@ -16,7 +16,7 @@ struct SimulatedRecording {
 
 SimulatedRecording record(EventSimulator simulator);
 
-/// A small sensor and a tenth of a second, without any noise and with pixels that are all alike.
+/// A small sensor and a tenth of a second, without noise and with identical pixels.
 SceneOptions quietOptions();
 
 /// A disc of radius 10 that moves to the right through the middle of the sensor of `quietOptions`.
