@@ -37,8 +37,8 @@ Events off the sensor are ignored and counted in `dropped`. A time earlier than 
 event's, also from call to call, is raised to the previous time and counted in `clamped`: call
 `reset` between recordings.
 
-The GIL is released during the call. Several threads may use the same object, which serves one of
-them at a time. The array must not be modified during the call.
+The GIL is released while events are processed. Several threads may use the same object, which
+serves one of them at a time. The array must not be modified during the call.
 
 The fastest types are 16-bit positions, 8-bit polarities and 64-bit microseconds, in any memory
 layout.
