@@ -109,7 +109,7 @@ void BenchCommand::declareOptions() {
     tool::declareOptions(*command, parameters.density);
     tool::declareOptions(*command, parameters.centroid);
     command->get_option("--clusters")
-        ->description("Clusters to divide the events of a window into")
+        ->description("Number of clusters in a window")
         ->option_text("NUMBER [12]");
 }
 

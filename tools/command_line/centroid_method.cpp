@@ -87,10 +87,10 @@ void declareOptions(CLI::App& command, CentroidOptions& options) {
             ->option_text(text)
             ->group("Centroid method");
     };
-    add("--clusters", options.clusters, "NUMBER",
-        "Clusters to divide the events of a window into; required")
+    add("--clusters", options.clusters, "NUMBER", "Number of clusters in a window; required")
         ->check(CLI::Range(1ULL, kMostClusters));
-    add("--max-iter", options.max_iter, "NUMBER [50]", "Most iterations")->check(isPositive());
+    add("--max-iter", options.max_iter, "NUMBER [50]", "Maximum number of iterations")
+        ->check(isPositive());
     add("--tol", options.tol, "UNITS [1]",
         "Stop when the sum of squared distances changes by less, squared scaled units")
         ->check(isPositive());

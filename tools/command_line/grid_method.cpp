@@ -30,7 +30,7 @@ void declareOptions(CLI::App& command, GridOptions& options) {
         "Events in a window that make a cell active; with --polarity separate, of each polarity");
     command
         .add_flag("--count-every-event", options.count_every_event,
-                  "Count all events of a pixel, not only its first in a window (hot pixels then "
+                  "Count all events of a pixel, not only the first in a window (hot pixels then "
                   "count fully)")
         ->group("Grid method");
 }

@@ -35,7 +35,7 @@ void declareOptions(CLI::App& command, OutputOptions& options) {
         "Directory for a picture (PNG) of each window");
     add("--overview", options.pictures.overview, "FILE", "File for a sheet of some windows (PNG)");
     add("--plot3d", options.pictures.plot3d, "FILE",
-        "File for a plot in space and time of the window with most events (PNG)");
+        "File for a plot in space and time of the window with the most events (PNG)");
     command.add_flag("-q,--quiet", options.is_quiet, "Print no summary and no progress")
         ->group(group);
 }

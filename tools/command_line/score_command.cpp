@@ -141,8 +141,7 @@ ScoreCommand::ScoreCommand(CLI::App& program)
                      "Ignore objects with a smaller visible share")
         ->check(CLI::Range(0.0, 1.0).description(""))
         ->capture_default_str();
-    command->add_flag("--include-still", options.include_still,
-                      "Do not ignore objects that stand still");
+    command->add_flag("--include-still", options.include_still, "Include objects that do not move");
     command->add_flag("--tentative", with_tentative,
                       "Include tentative tracks, which are not confirmed yet");
     command->add_option("--json", json, "File for the figures as JSON; - is standard output")
