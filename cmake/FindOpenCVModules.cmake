@@ -6,7 +6,7 @@ Each module M becomes the target OpenCVModules::M. If OpenCV's package configura
 ships it only in libopencv-dev, which pulls in several hundred packages. Without it, this module looks up headers and
 libraries directly.
 
-OpenCVModules_STATUS says in words what was found or is missing.
+OpenCVModules_STATUS describes the modules found or missing.
 ]]
 
 function(kelvora_read_opencv_version include_dir result)

@@ -73,7 +73,7 @@ if(KELVORA_BUILD_TOOLS)
     kelvora_package(kelvora_tool kelvora science
         "${library} (>= ${debian_version})"
         "command-line tool"
-        "This package contains the tool, which clusters recordings, says what is in\nthem, simulates scenes and scores results.")
+        "This package contains the tool, which clusters recordings, summarises\nthem, simulates scenes and scores results.")
 endif()
 if(KELVORA_BUILD_PYTHON)
     find_package(Python REQUIRED COMPONENTS Interpreter)

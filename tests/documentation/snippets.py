@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Finds the snippets of a Markdown page.
 
-A snippet is a fenced block that names its language. A comment in the line before it says what is
+A snippet is a fenced block that names its language. A comment in the line before it states what is
 special::
 
     <!-- snippet: with DECLARATIONS -->      C++ in front of a snippet that is no whole program

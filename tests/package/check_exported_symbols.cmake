@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # The library exports what the list says, and none of its internals:
 # cmake -DNM=... -DLIBRARY=... -DINCLUDE_DIR=... -DLIST=... -DACTUAL=... -DCXX_FLAGS=... -P check_exported_symbols.cmake
-# What it does export is written to the file ACTUAL.
+# The exported symbols are written to the file ACTUAL.
 
 if(CXX_FLAGS MATCHES "-fsanitize|--coverage|-fprofile")
     message("Skipped: instrumentation exports symbols of its own")
@@ -56,6 +56,6 @@ if(added OR removed)
     list(JOIN removed "\n" removed)
     message(FATAL_ERROR
         "The library exports more (+) or less (-) than ${LIST} says:\n${added}\n${removed}\n"
-        "Programs that use what is gone no longer start. If the change is meant, say so in the changelog, and\n"
+        "Programs that use removed symbols no longer start. If the change is meant, say so in the changelog, and\n"
         "    cp ${ACTUAL} ${LIST}\n")
 endif()

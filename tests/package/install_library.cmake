@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Installs what was built:
+# Installs the build:
 # cmake -DBUILD_DIR=... -DCONFIG=... -DSOURCE_DIR=... -DPREFIX=... -DWITH_TOOL=... -P install_library.cmake
 
 # Moved after the installation, as a package has to work wherever it lies.
