@@ -7,13 +7,13 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <ctime>
 #include <limits>
 #include <vector>
 
 #include "clustering/furthest_point.hpp"
 #include "kelvora/centroid_clustering.hpp"
-#include "support/literal_kmeans.hpp"
+#include "reference/centroid_clustering.hpp"
+#include "support/clock.hpp"
 #include "support/workloads.hpp"
 
 namespace kelvora::benchmarks {
@@ -22,10 +22,6 @@ namespace {
 constexpr std::size_t kFurtherIterations = 10;
 /// Makes each run do all its iterations.
 constexpr double kNeverStop = std::numeric_limits<double>::quiet_NaN();
-
-double processorMilliseconds() {
-    return 1000 * static_cast<double>(std::clock()) / static_cast<double>(CLOCKS_PER_SEC);
-}
 
 template <int DIM, typename T>
 bool sameCoordinates(const std::vector<KDPoint<DIM, T>>& a, const std::vector<KDPoint<DIM, T>>& b) {
@@ -45,7 +41,7 @@ bool isAsModelled(const std::vector<KDPoint<DIM, T>>& points, std::size_t k) {
     CentroidClustering<DIM, T> library(k, kIterations, kNeverStop);
     library.generateClusters(points, clusters, boxes);
     library.getCentroids(centroids);
-    LiteralKmeans<DIM, T> model(k, kIterations, kNeverStop);
+    reference::CentroidClustering<DIM, T> model(k, kIterations, kNeverStop);
     for (std::size_t first = 0; first < points.size(); ++first) {
         model.generateClustersFrom(first, points, modelled, modelled_boxes);
         if (clusters == modelled && boxes == modelled_boxes &&
@@ -118,7 +114,7 @@ struct LiteralSeeding {
         centroids = model.getCentroids();
     }
 
-    LiteralKmeans<DIM, T> model;
+    reference::CentroidClustering<DIM, T> model;
     std::vector<KDPoint<DIM, T>> centroids;
 };
 
@@ -158,11 +154,15 @@ BENCHMARK_TEMPLATE(seed, LiteralSeeding, 2, float)->Apply(clusterNumbers);
 BENCHMARK_TEMPLATE(seed, LibrarySeeding, 3, float)->Apply(clusterNumbers);
 BENCHMARK_TEMPLATE(seed, LiteralSeeding, 3, float)->Apply(clusterNumbers);
 BENCHMARK_TEMPLATE(run, CentroidClustering, 2, float)->Apply(clusterNumbers)->Apply(fewEvents);
-BENCHMARK_TEMPLATE(run, LiteralKmeans, 2, float)->Apply(clusterNumbers)->Apply(fewEvents);
+BENCHMARK_TEMPLATE(run, reference::CentroidClustering, 2, float)
+    ->Apply(clusterNumbers)
+    ->Apply(fewEvents);
 BENCHMARK_TEMPLATE(run, CentroidClustering, 2, double)->Apply(oneClusterNumber);
-BENCHMARK_TEMPLATE(run, LiteralKmeans, 2, double)->Apply(oneClusterNumber);
+BENCHMARK_TEMPLATE(run, reference::CentroidClustering, 2, double)->Apply(oneClusterNumber);
 BENCHMARK_TEMPLATE(run, CentroidClustering, 3, float)->Apply(clusterNumbers)->Apply(fewEvents);
-BENCHMARK_TEMPLATE(run, LiteralKmeans, 3, float)->Apply(clusterNumbers)->Apply(fewEvents);
+BENCHMARK_TEMPLATE(run, reference::CentroidClustering, 3, float)
+    ->Apply(clusterNumbers)
+    ->Apply(fewEvents);
 
 }  // namespace
 }  // namespace kelvora::benchmarks

@@ -12,13 +12,13 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "kelvora/density_clustering.hpp"
-#include "support/literal_density_clustering.hpp"
+#include "reference/density_clustering.hpp"
+#include "support/clock.hpp"
 #include "support/recordings.hpp"
 #include "support/workloads.hpp"
 
@@ -26,10 +26,6 @@ namespace kelvora::benchmarks {
 namespace {
 
 constexpr int kMinPts = 10;
-
-double processorMilliseconds() {
-    return 1000 * static_cast<double>(std::clock()) / static_cast<double>(CLOCKS_PER_SEC);
-}
 
 double wallMilliseconds() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -79,7 +75,7 @@ void compare(benchmark::State& state, const std::vector<Event2D>& events) {
     }
     const auto points = pointsOf<DIM>(events);
     DensityClustering<DIM, float> clustering(eps, kMinPts);
-    LiteralDensityClustering<DIM, float> literal_clustering(eps, kMinPts);
+    reference::DensityClustering<DIM, float> literal_clustering(eps, kMinPts);
     Run library;
     Run literal;
     for ([[maybe_unused]] auto iteration : state) {

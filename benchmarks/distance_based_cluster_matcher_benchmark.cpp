@@ -9,12 +9,10 @@
 #include <vector>
 
 #include "kelvora/distance_based_cluster_matcher.hpp"
-#include "support/brute_force_matcher.hpp"
+#include "reference/distance_based_cluster_matcher.hpp"
 
 namespace kelvora::benchmarks {
 namespace {
-
-using test::BruteForceMatcher;
 
 constexpr float kDistanceThreshold = 20;
 constexpr float kSizeThreshold = 4;
@@ -60,14 +58,15 @@ void reportClusters(benchmark::State& state, std::size_t candidates, std::size_t
 
 void library(benchmark::State& state) {
     Batches batches = movingClusters(static_cast<std::size_t>(state.range(0)));
-    const BruteForceMatcher model = {kDistanceThreshold, kSizeThreshold};
+    const reference::DistanceBasedClusterMatcher model(kDistanceThreshold, kSizeThreshold);
     DistanceBasedClusterMatcher matcher(kDistanceThreshold, kSizeThreshold);
     std::size_t pairs = 0;
     for ([[maybe_unused]] auto iteration : state) {
         pairs = matcher.matchClusters(batches.first, batches.second);
         benchmark::DoNotOptimize(pairs);
     }
-    if (pairs == 0 || test::pairsOf(matcher) != model.match(batches.first, batches.second, 0)) {
+    if (pairs == 0 ||
+        reference::pairsOf(matcher) != model.match(batches.first, batches.second, 0)) {
         state.SkipWithError("library and model give different pairs");
     }
     reportClusters(state, model.candidates(batches.first, batches.second).size(), pairs);
@@ -75,8 +74,8 @@ void library(benchmark::State& state) {
 
 void brute_force(benchmark::State& state) {
     const Batches batches = movingClusters(static_cast<std::size_t>(state.range(0)));
-    const BruteForceMatcher model = {kDistanceThreshold, kSizeThreshold};
-    std::vector<test::MatchedPair> pairs;
+    const reference::DistanceBasedClusterMatcher model(kDistanceThreshold, kSizeThreshold);
+    std::vector<reference::MatchedPair> pairs;
     for ([[maybe_unused]] auto iteration : state) {
         pairs = model.match(batches.first, batches.second, 0);
         benchmark::DoNotOptimize(pairs.data());

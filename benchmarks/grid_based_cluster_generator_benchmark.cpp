@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "kelvora/grid_based_cluster_generator.hpp"
+#include "reference/grid_based_cluster_generator.hpp"
 #include "support/feeding.hpp"
-#include "support/literal_grid_model.hpp"
 #include "support/workloads.hpp"
 
 // Every benchmark runs with the library and with the literal model, one after the other; what
@@ -51,7 +51,7 @@ bool areSame(const std::vector<ClusterGeometry>& a, const std::vector<ClusterGeo
 /// Whether library and model find the same clusters, and any at all.
 bool modelAgrees(const Workload& workload, const Mode& mode, Feed<GridBasedClusterGenerator> feed) {
     auto library = build<GridBasedClusterGenerator>(workload, mode);
-    auto model = build<LiteralGridModel>(workload, mode);
+    auto model = build<reference::GridBasedClusterGenerator>(workload, mode);
     std::vector<ClusterGeometry> from_library;
     std::vector<ClusterGeometry> from_model;
     std::size_t clusters = 0;
@@ -152,9 +152,9 @@ constexpr Mode kSeparateOnce = {POLARITY_SEPARATE, true, 3};
 
 constexpr auto library_intake = intake<GridBasedClusterGenerator, feedOneByOne>;
 constexpr auto library_batch_intake = intake<GridBasedClusterGenerator, feedBatch>;
-constexpr auto literal_intake = intake<LiteralGridModel, feedOneByOne>;
+constexpr auto literal_intake = intake<reference::GridBasedClusterGenerator, feedOneByOne>;
 constexpr auto library_extraction = extraction<GridBasedClusterGenerator>;
-constexpr auto literal_extraction = extraction<LiteralGridModel>;
+constexpr auto literal_extraction = extraction<reference::GridBasedClusterGenerator>;
 
 BENCHMARK_CAPTURE(literal_intake, 346x260, smallSensor, kCommon)->UseManualTime();
 BENCHMARK_CAPTURE(library_intake, 346x260, smallSensor, kCommon)->UseManualTime();

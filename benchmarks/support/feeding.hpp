@@ -7,18 +7,14 @@
 #include <vector>
 
 #include "kelvora/events.hpp"
+#include "reference/feeding.hpp"
 
 namespace kelvora::benchmarks {
 
 template <class Receiver>
 using Feed = void (*)(Receiver&, const std::vector<Event2D>&);
 
-template <class Receiver>
-void feedOneByOne(Receiver& receiver, const std::vector<Event2D>& events) {
-    for (const Event2D& event : events) {
-        receiver.processEvent(&event);
-    }
-}
+using reference::feedOneByOne;
 
 template <class Receiver>
 void feedBatch(Receiver& receiver, const std::vector<Event2D>& events) {
