@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-#include "support/literal_kmeans.hpp"
+#include "support/kmeans_outcome.hpp"
 #include "support/points.hpp"
 
 namespace kelvora::test {

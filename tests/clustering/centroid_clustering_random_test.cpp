@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-#include "support/literal_kmeans.hpp"
+#include "support/kmeans_outcome.hpp"
 #include "support/points.hpp"
 
 namespace kelvora::test {
@@ -74,13 +74,13 @@ struct Settings {
 /// Statistics of the runs of a test, to detect trivial ones.
 struct Variety {
     template <class Kind>
-    void add(const LiteralKMeans<Kind>& run, const Settings& settings, std::size_t first) {
-        const auto counts = run.outcome().counts;
+    void add(const KMeansModelRun<Kind>& run, const Settings& settings, std::size_t first) {
+        const auto& counts = run.outcome.counts;
         with_empty_clusters += std::count(counts.begin(), counts.end(), 0U) > 0 ? 1 : 0;
-        with_far_moves += run.movedACentroidFar() ? 1 : 0;
+        with_far_moves += run.model.hasMovedCentroidFar() ? 1 : 0;
         with_several_leaves += settings.k > 10 ? 1 : 0;
-        stopped_early += run.iterationsRun() < settings.max_iter ? 1 : 0;
-        long_runs += run.iterationsRun() > 4 ? 1 : 0;
+        stopped_early += run.iterations() < settings.max_iter ? 1 : 0;
+        long_runs += run.iterations() > 4 ? 1 : 0;
         from_other_points += first > 0 ? 1 : 0;
     }
     int with_empty_clusters = 0;
@@ -98,8 +98,8 @@ std::optional<std::size_t> firstCentroidOf(const KMeansOutcome<Kind>& found,
                                            const typename Kind::Points& points,
                                            const Settings& settings) {
     for (std::size_t first = 0; first < points.size(); ++first) {
-        const LiteralKMeans<Kind> run(points, settings.k, settings.max_iter, settings.tol, first);
-        if (run.outcome() == found) {
+        const KMeansModelRun<Kind> run(points, settings.k, settings.max_iter, settings.tol, first);
+        if (run.outcome == found) {
             return first;
         }
     }
@@ -108,7 +108,7 @@ std::optional<std::size_t> firstCentroidOf(const KMeansOutcome<Kind>& found,
 
 /// Compares each point with each centroid.
 template <class Kind>
-void expectLabelsAreOfNearestCentroids(const LiteralKMeans<Kind>& run,
+void expectLabelsAreOfNearestCentroids(const KMeansModelRun<Kind>& run,
                                        const typename Kind::Points& points) {
     const auto squaredDistance = [](const auto& a, const auto& b) {
         typename Kind::T sum = 0;
@@ -118,9 +118,9 @@ void expectLabelsAreOfNearestCentroids(const LiteralKMeans<Kind>& run,
         }
         return sum;
     };
-    const auto& centroids = run.centroidsOfLabels();
+    const auto& centroids = run.model.getCentroidsOfLabels();
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const auto own = squaredDistance(points[i], centroids[run.labelsOfPoints()[i]]);
+        const auto own = squaredDistance(points[i], centroids[run.model.getLabels()[i]]);
         for (const auto& centroid : centroids) {
             ASSERT_LE(own, squaredDistance(points[i], centroid)) << "point " << i;
         }
@@ -151,7 +151,7 @@ public:
         const auto first = firstCentroidOf<Kind>(without_zeros, points, settings);
         ASSERT_TRUE(first.has_value()) << "k " << settings.k << " iterations " << settings.max_iter
                                        << " tol " << settings.tol << ' ' << found;
-        const LiteralKMeans<Kind> run(points, settings.k, settings.max_iter, settings.tol, *first);
+        const KMeansModelRun<Kind> run(points, settings.k, settings.max_iter, settings.tol, *first);
         expectLabelsAreOfNearestCentroids<Kind>(run, points);
         variety.add(run, settings, *first);
     }
@@ -209,9 +209,11 @@ TYPED_TEST(RandomSetsAndCentroids, IterateOnAfterAChangeOfExactlyTheTolerance) {
     for (std::uint64_t seed = 0; seed < 100'000 && sets_where_it_matters < 10; ++seed) {
         Random random(seed);
         const auto points = randomGridPoints<TypeParam>(random, 12, 0, 50, 1);
-        const auto run = [&](double tol) { return LiteralKMeans<TypeParam>(points, 2, 9, tol, 0); };
-        const double tol = run(1e-300).changesOfTotal()[1];
-        if (tol == 0 || run(tol).outcome() == run(std::nextafter(tol, kInfinity)).outcome()) {
+        const auto run = [&](double tol) {
+            return KMeansModelRun<TypeParam>(points, 2, 9, tol, 0);
+        };
+        const double tol = run(1e-300).model.getChangesOfTotal()[1];
+        if (tol == 0 || run(tol).outcome == run(std::nextafter(tol, kInfinity)).outcome) {
             continue;
         }
         ++sets_where_it_matters;
@@ -219,7 +221,7 @@ TYPED_TEST(RandomSetsAndCentroids, IterateOnAfterAChangeOfExactlyTheTolerance) {
         // 1e-15.
         bool seen = false;
         for (int draw = 0; draw < 400 && !seen; ++draw) {
-            seen = kMeansOf<TypeParam>(points, 2, 9, tol) == run(tol).outcome();
+            seen = kMeansOf<TypeParam>(points, 2, 9, tol) == run(tol).outcome;
         }
         EXPECT_TRUE(seen) << "seed " << seed;
     }
@@ -233,7 +235,7 @@ TYPED_TEST(RandomSetsAndCentroids, GiveEachOfThePossibleOutcomesAndNoOther) {
         const auto points = randomGridPoints<TypeParam>(random, 10, 0, 20, 1);
         std::vector<KMeansOutcome<TypeParam>> unseen;
         for (std::size_t first = 0; first < points.size(); ++first) {
-            const auto outcome = LiteralKMeans<TypeParam>(points, 3, 2, 1e-9, first).outcome();
+            const auto outcome = KMeansModelRun<TypeParam>(points, 3, 2, 1e-9, first).outcome;
             if (std::find(unseen.begin(), unseen.end(), outcome) == unseen.end()) {
                 unseen.push_back(outcome);
             }

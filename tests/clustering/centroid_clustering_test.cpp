@@ -11,7 +11,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "support/literal_kmeans.hpp"
+#include "support/kmeans_outcome.hpp"
 #include "support/points.hpp"
 
 namespace kelvora::test {

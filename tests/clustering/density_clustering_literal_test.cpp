@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The library beside the literal passes over nanoflann, on sets of points of many kinds.
+// The library beside the literal model of its passes, on sets of points of many kinds.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +9,7 @@
 #include <vector>
 
 #include "support/density_cases.hpp"
-#include "support/literal_density_pass.hpp"
+#include "support/density_models.hpp"
 #include "support/points.hpp"
 
 namespace kelvora::test {
@@ -18,36 +17,13 @@ namespace {
 
 using Members = std::vector<std::vector<std::size_t>>;
 
-/// A box as the rules of the pass make it, from the members in their order.
-template <class Kind>
-std::vector<typename Kind::T> expectedBox(const typename Kind::Points& points,
-                                          const std::vector<std::size_t>& members, int jobs) {
-    std::vector<typename Kind::T> box(2 * Kind::kDim);
-    for (std::size_t axis = 0; axis < Kind::kDim; ++axis) {
-        auto low = points[members[0]].coordinates[axis];
-        auto high = jobs == 1 ? low : 0;
-        for (std::size_t i = 1; i < members.size(); ++i) {
-            low = std::min(low, points[members[i]].coordinates[axis]);
-            high = std::max(high, points[members[i]].coordinates[axis]);
-        }
-        box[axis] = low;
-        box[Kind::kDim + axis] = high - low;
-    }
-    return box;
-}
-
 template <class Kind>
 class LiteralPasses : public ::testing::Test {
 public:
     static void compare(const DensityCase<Kind>& set, int jobs, Members& found_members) {
-        LiteralDensityPass<Kind> literal(set.points, set.eps,
-                                         static_cast<std::size_t>(set.min_pts));
         const auto found = clusterPoints<Kind>(set.points, set.eps, set.min_pts, jobs);
         const auto in_order = jobs == 1 ? found : inOrderOfFirstMembers(found);
-        ASSERT_EQ(in_order.clusters, jobs == 1 ? literal.run() : literal.runWithManyJobs());
-        for (std::size_t c = 0; c < in_order.clusters.size(); ++c) {
-            ASSERT_EQ(in_order.boxes[c], expectedBox<Kind>(set.points, in_order.clusters[c], jobs));
-        }
+        ASSERT_EQ(in_order, literalClusters<Kind>(set.points, set.eps, set.min_pts, jobs));
         found_members = in_order.clusters;
     }
 

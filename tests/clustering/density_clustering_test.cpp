@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "support/density_models.hpp"
-#include "support/literal_density_pass.hpp"
 #include "support/points.hpp"
 
 namespace kelvora::test {
@@ -182,8 +181,7 @@ TYPED_TEST(DensityClusters, ListTheirPointsInTheOrderOfTheWalkWithOneJob) {
         const double eps = 0.5 + 0.5 * randomInt(random, 1, 5);
         const int min_pts = randomInt(random, 1, 6);
         const auto found = this->oneJob(points, eps, min_pts);
-        LiteralDensityPass<TypeParam> literal(points, eps, static_cast<std::size_t>(min_pts));
-        ASSERT_EQ(found.clusters, literal.run()) << "seed " << seed;
+        ASSERT_EQ(found, literalClusters<TypeParam>(points, eps, min_pts, 1)) << "seed " << seed;
         for (const auto& cluster : found.clusters) {
             largest = std::max(largest, cluster.size());
         }

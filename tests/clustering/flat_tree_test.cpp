@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "clustering/tree_walk.hpp"
+#include "reference/kd_tree.hpp"
 #include "support/density_cases.hpp"
-#include "support/literal_density_pass.hpp"
 #include "support/points.hpp"
 
 namespace kelvora::test {
@@ -74,7 +74,8 @@ TYPED_TEST(FlatTrees, AreWalkedAsNanoflannWalksItsOwn) {
         for (std::uint64_t seed = 0; seed < 30; ++seed) {
             Random random(seed);
             const DensityCase<TypeParam> set(random, scatter, 600);
-            const LiteralDensityPass<TypeParam> nanoflann(set.points, set.eps, 1);
+            const auto places = reference::finitePlaces(set.points);
+            const reference::KDTree<TypeParam::kDim, typename TypeParam::T> nanoflann(places);
             typename TestFixture::Tree tree;
             tree.build(set.points);
             const auto radius = static_cast<typename TypeParam::T>(set.eps);
@@ -83,7 +84,7 @@ TYPED_TEST(FlatTrees, AreWalkedAsNanoflannWalksItsOwn) {
                 const std::uint32_t slot = TestFixture::Tree::slotAt(leaf, 0);
                 if (tree.isFinite(slot)) {
                     const auto neighbours = this->neighbours(tree, walk, slot);
-                    ASSERT_EQ(neighbours, nanoflann.search(tree.order[slot]))
+                    ASSERT_EQ(neighbours, nanoflann.neighboursOf(tree.order[slot], radius))
                         << "seed " << seed << ": " << set;
                     found += neighbours.size();
                 }

@@ -10,8 +10,8 @@
 #include <thread>
 #include <vector>
 
-#include "support/density_models.hpp"
-#include "support/literal_density_pass.hpp"
+#include "reference/brute_force_density_clustering.hpp"
+#include "reference/kd_tree.hpp"
 #include "support/points.hpp"
 
 namespace kelvora::test {
@@ -119,9 +119,9 @@ TYPED_TEST(KDTrees, FindInTheOrderOfTheWalkIfNotSorted) {
     const auto points = randomGridPoints<TypeParam>(random, 300, -5, 20, 1);
     typename TestFixture::Tree tree;
     tree.build(points, 1);
-    const LiteralDensityPass<TypeParam> literal(points, 4, 1);
+    const reference::KDTree<TypeParam::kDim, typename TypeParam::T> literal(points);
     for (std::size_t i = 0; i < points.size(); ++i) {
-        ASSERT_EQ(this->neighbours(tree, 4, i), literal.search(i));
+        ASSERT_EQ(this->neighbours(tree, 4, i), literal.neighboursOf(i, 4));
     }
 }
 
@@ -139,7 +139,8 @@ TYPED_TEST(KDTrees, FindWhatComparingAllPairsFinds) {
         typename TestFixture::Tree tree;
         tree.build(points, 1);
         for (const double radius : {0.5, 1.0, 2.5, 6.0}) {
-            const Neighbourhoods<TypeParam> near(points, radius);
+            const reference::Neighbourhoods<TypeParam::kDim, typename TypeParam::T> near(points,
+                                                                                         radius);
             for (std::size_t i = 0; i < points.size(); ++i) {
                 const auto found =
                     this->ascendingNeighbours(tree, static_cast<typename TypeParam::T>(radius), i);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -12,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "reference/sliding_event_counter.hpp"
 #include "support/event_builders.hpp"
 
 namespace kelvora::test {
@@ -277,6 +279,7 @@ TEST(SlidingEventCounter, CountsTimestampsAsItCountsEvents) {
         const auto num_bins = static_cast<std::size_t>(randomInt(random, 1, 120));
         SlidingEventCounter one_by_one(window, num_bins);
         SlidingEventCounter at_once(window, num_bins);
+        reference::SlidingEventCounter model(window, std::min(window, num_bins));
         unsigned long long time = 5000;
         for (int batch = 0; batch < 20; ++batch) {
             std::vector<unsigned long long> times(
@@ -289,9 +292,11 @@ TEST(SlidingEventCounter, CountsTimestampsAsItCountsEvents) {
                 time -= randomInt(random, 0, 99) == 0 ? 700 : 0;
                 timestamp = time;
                 count(one_by_one, timestamp);
+                model.addTimestamp(timestamp);
+                ASSERT_EQ(one_by_one.getEventCount(), model.getEventCount()) << "seed " << seed;
             }
             at_once.addTimestamps(times.data(), times.size());
-            ASSERT_EQ(at_once.getEventCount(), one_by_one.getEventCount()) << "seed " << seed;
+            ASSERT_EQ(at_once.getEventCount(), model.getEventCount()) << "seed " << seed;
         }
     }
 }

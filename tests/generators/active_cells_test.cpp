@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <ostream>
-#include <set>
 #include <tuple>
+#include <utility>
 #include <vector>
 
-#include "support/brute_force_grid_model.hpp"
+#include "reference/grid_based_cluster_generator.hpp"
 #include "support/event_builders.hpp"
 
 namespace kelvora {
@@ -36,8 +36,11 @@ std::vector<CellRegion> take(ActiveCells& cells) {
     return regions;
 }
 
+/// Row and column.
+using Cell = std::pair<int, int>;
+
 /// The regions of blocks marked in a grid of the given size.
-std::vector<CellRegion> regionsOf(int rows, int cols, const std::vector<test::Cell>& blocks) {
+std::vector<CellRegion> regionsOf(int rows, int cols, const std::vector<Cell>& blocks) {
     ActiveCells cells(rows, cols);
     for (const auto& [row, col] : blocks) {
         cells.markBlock(static_cast<std::size_t>(row), static_cast<std::size_t>(col));
@@ -84,8 +87,8 @@ TEST(ActiveCells, KeepBlocksApartThatTouchOnlyAtACorner) {
 
 TEST(ActiveCells, OrderRegionsByTheirFirstCells) {
     // The second region extends further left than the first, but begins further right.
-    const std::vector<test::Cell> blocks = {{0, 3}, {0, 8}, {2, 8}, {4, 8}, {4, 6},
-                                            {4, 4}, {4, 2}, {4, 0}, {9, 0}};
+    const std::vector<Cell> blocks = {{0, 3}, {0, 8}, {2, 8}, {4, 8}, {4, 6},
+                                      {4, 4}, {4, 2}, {4, 0}, {9, 0}};
     EXPECT_THAT(
         regionsOf(11, 10, blocks),
         ElementsAre(CellRegion{0, 3, 2, 2}, CellRegion{0, 0, 6, 10}, CellRegion{9, 0, 2, 2}));
@@ -93,13 +96,13 @@ TEST(ActiveCells, OrderRegionsByTheirFirstCells) {
 
 TEST(ActiveCells, JoinBranchesThatMeetLate) {
     // Three branches that join at the bottom. The middle one joins the left one first.
-    const std::vector<test::Cell> comb = {{0, 0}, {2, 0}, {4, 0}, {0, 4}, {2, 4}, {4, 4}, {0, 8},
-                                          {2, 8}, {4, 8}, {4, 2}, {6, 4}, {6, 6}, {6, 8}};
+    const std::vector<Cell> comb = {{0, 0}, {2, 0}, {4, 0}, {0, 4}, {2, 4}, {4, 4}, {0, 8},
+                                    {2, 8}, {4, 8}, {4, 2}, {6, 4}, {6, 6}, {6, 8}};
     EXPECT_THAT(regionsOf(8, 10, comb), ElementsAre(CellRegion{0, 0, 8, 10}));
 }
 
 TEST(ActiveCells, KeepARegionApartThatLiesInsideAnother) {
-    std::vector<test::Cell> ring;
+    std::vector<Cell> ring;
     for (int i = 0; i <= 10; i += 2) {
         ring.insert(ring.end(), {{0, i}, {10, i}, {i, 0}, {i, 10}});
     }
@@ -127,7 +130,7 @@ TEST(ActiveCells, EmptyTheListOfRegionsFirst) {
 
 TEST(ActiveCells, ReportAFullGridAsOneRegion) {
     for (const int cols : {63, 64, 65, 127, 128, 129}) {
-        std::vector<test::Cell> blocks;
+        std::vector<Cell> blocks;
         for (int row = 0; row < 3; ++row) {
             for (int col = 0; col < cols; ++col) {
                 blocks.emplace_back(row, col);
@@ -150,30 +153,35 @@ TEST_P(ActiveCellsInRowsOf, MarkEveryBlockWhereItBelongs) {
     }
 }
 
-TEST_P(ActiveCellsInRowsOf, FormTheRegionsThatASlowSearchFinds) {
+/// What the model of the generator finds in a grid of pixels, where an event marks a block.
+std::vector<CellRegion> modelledRegions(int rows, int cols, const std::vector<Cell>& blocks) {
+    reference::GridBasedClusterGenerator model(cols, rows, 1, 1, std::max(rows, cols), 1,
+                                               POLARITY_FREE, false, 1);
+    for (const auto& [row, col] : blocks) {
+        const Event2D event = test::positiveEvent(col, row);
+        model.processEvent(&event);
+    }
+    std::vector<ClusterGeometry> clusters;
+    model.generateClusters(0, clusters);
+    std::vector<CellRegion> regions;
+    for (const ClusterGeometry& cluster : clusters) {
+        regions.push_back({static_cast<int>(cluster.y), static_cast<int>(cluster.x),
+                           static_cast<int>(cluster.height), static_cast<int>(cluster.width)});
+    }
+    return regions;
+}
+
+TEST_P(ActiveCellsInRowsOf, FormTheRegionsThatTheModelFinds) {
     const int cols = GetParam();
     test::Random random(static_cast<std::uint64_t>(cols));
     for (int round = 0; round < 60; ++round) {
         const int rows = test::randomInt(random, 1, 12);
-        std::vector<test::Cell> blocks(random() % 40);
-        std::set<test::Cell> marked;
+        std::vector<Cell> blocks(random() % 40);
         for (auto& [row, col] : blocks) {
             row = test::randomInt(random, 0, rows - 1);
             col = test::randomInt(random, 0, cols - 1);
-            for (const int r : {row, std::min(row + 1, rows - 1)}) {
-                marked.insert({{r, col}, {r, std::min(col + 1, cols - 1)}});
-            }
         }
-        std::vector<CellRegion> expected;
-        for (const auto& component : test::connectedComponents(marked)) {
-            const auto [left, right] = std::minmax_element(
-                component.begin(), component.end(),
-                [](const auto& a, const auto& b) { return a.second < b.second; });
-            const int top = component.begin()->first;
-            expected.push_back({top, left->second, component.rbegin()->first - top + 1,
-                                right->second - left->second + 1});
-        }
-        EXPECT_EQ(regionsOf(rows, cols, blocks), expected);
+        EXPECT_EQ(regionsOf(rows, cols, blocks), modelledRegions(rows, cols, blocks));
     }
 }
 

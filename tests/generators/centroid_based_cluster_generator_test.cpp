@@ -12,7 +12,7 @@
 
 #include "support/boxes.hpp"
 #include "support/centroid_settings.hpp"
-#include "support/literal_kmeans.hpp"
+#include "support/kmeans_outcome.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -160,7 +160,7 @@ TYPED_TEST(CentroidGenerator, ClustersEventsAsTheModelDoesPoints) {
         const auto centroids = centroidsOf<TypeParam>(generator);
         const auto sizes = sizesOf(generator);
         const auto agrees = [&](std::size_t first) {
-            const auto model = LiteralKMeans<TypeParam>(points, 4, 5, 1e-6, first).outcome();
+            const auto model = KMeansModelRun<TypeParam>(points, 4, 5, 1e-6, first).outcome;
             bool same = std::equal(sizes.begin(), sizes.end(), model.counts.begin());
             for (std::size_t c = 0; c < 4; ++c) {
                 const auto& box = model.clustering.boxes[c];

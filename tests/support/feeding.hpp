@@ -5,16 +5,12 @@
 #include <cstddef>
 #include <vector>
 
+#include "reference/feeding.hpp"
 #include "support/event_builders.hpp"
 
 namespace kelvora::test {
 
-template <class Generator, class Event>
-void feedOneByOne(Generator& generator, const std::vector<Event>& events) {
-    for (const Event& event : events) {
-        generator.processEvent(&event);
-    }
-}
+using reference::feedOneByOne;
 
 /// In batches that end at random places; some of them are empty.
 template <class Generator, class Event>

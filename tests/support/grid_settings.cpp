@@ -38,12 +38,6 @@ GridSettings& GridSettings::threshold(unsigned short events) {
     return *this;
 }
 
-GridBasedClusterGenerator GridSettings::build() const {
-    return {sensor_width, sensor_height,    cell_width,
-            cell_height,  max_cluster_size, min_cluster_size,
-            filter_type,  count_pixel_once, activation_threshold};
-}
-
 std::ostream& operator<<(std::ostream& out, const GridSettings& settings) {
     return out << "sensor " << settings.sensor_width << 'x' << settings.sensor_height << ", cells "
                << settings.cell_width << 'x' << settings.cell_height << ", cluster sizes "

@@ -29,7 +29,13 @@ struct GridSettings {
     GridSettings& countPixelOnce();
     GridSettings& threshold(unsigned short events);
 
-    GridBasedClusterGenerator build() const;
+    /// The generator, or its model.
+    template <class Generator = GridBasedClusterGenerator>
+    Generator build() const {
+        return {sensor_width, sensor_height,    cell_width,
+                cell_height,  max_cluster_size, min_cluster_size,
+                filter_type,  count_pixel_once, activation_threshold};
+    }
 };
 
 std::ostream& operator<<(std::ostream& out, const GridSettings& settings);

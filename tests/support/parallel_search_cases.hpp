@@ -10,7 +10,7 @@
 
 #include "clustering/cell_list.hpp"
 #include "support/density_cases.hpp"
-#include "support/literal_density_pass.hpp"
+#include "support/density_models.hpp"
 #include "support/points.hpp"
 
 /// \file
@@ -42,7 +42,7 @@ std::vector<std::vector<std::size_t>> searchBlocks(Search& search, std::size_t p
     return members;
 }
 
-/// Compares the clusters found by a grid with the literal pass. The grid is reused for all sets.
+/// Compares the clusters found by a grid with the literal model. The grid is reused for all sets.
 template <class Kind, template <int, typename> class Search>
 void compareWithLiteralPass(int rounds, std::size_t most_points) {
     using T = typename Kind::T;
@@ -60,9 +60,9 @@ void compareWithLiteralPass(int rounds, std::size_t most_points) {
             cells.collectPoints(set.points);
             const auto min_pts = static_cast<std::size_t>(set.min_pts);
             search.reset(radius, min_pts);
-            const LiteralDensityPass<Kind> literal(set.points, set.eps, min_pts);
             const auto found = searchBlocks(search, set.points.size());
-            ASSERT_EQ(found, literal.runWithManyJobs()) << "round " << round << ": " << set;
+            const auto expected = literalClusters<Kind>(set.points, set.eps, set.min_pts, 2);
+            ASSERT_EQ(found, expected.clusters) << "round " << round << ": " << set;
             with_clusters += found.empty() ? 0 : 1;
         }
     }

@@ -8,13 +8,16 @@
 
 #include <opencv2/core/mat.hpp>
 
-#include "support/brute_force_grid_model.hpp"
+#include "reference/grid_based_cluster_generator.hpp"
 #include "support/event_builders.hpp"
 #include "support/feeding.hpp"
+#include "support/first_difference.hpp"
 
 namespace kelvora::test {
 
 namespace {
+
+using GridModel = reference::GridBasedClusterGenerator;
 
 bool oneIn(Random& random, int n) {
     return randomInt(random, 1, n) == 1;
@@ -79,28 +82,19 @@ void feedByFilter(GridBasedClusterGenerator& generator, EventFilterType filter,
     }
 }
 
-void feedModel(BruteForceGridModel& model, const std::vector<Event2D>& events) {
-    for (const Event2D& event : events) {
-        model.processEvent(event);
-    }
-}
-
 std::optional<std::string> comparePixels(GridBasedClusterGenerator& generator,
-                                         const BruteForceGridModel& model) {
+                                         const GridModel& model) {
     cv::Mat map;
     generator.getActiveMap(map);
-    for (const auto& [pixel, count] : model.pixelCounts()) {
-        if (map.at<unsigned char>(pixel.second, pixel.first) != count) {
-            std::ostringstream text;
-            text << "pixel (" << pixel.first << ", " << pixel.second << ") counts wrongly";
-            return text.str();
-        }
+    const auto& expected = model.getPixelCounts();
+    const auto [count, expected_count] =
+        std::mismatch(map.datastart, map.dataend, expected.begin(), expected.end());
+    if (count == map.dataend && expected_count == expected.end()) {
+        return std::nullopt;
     }
-    const auto zeros = std::count(map.datastart, map.dataend, 0);
-    if (map.total() - static_cast<std::size_t>(zeros) != model.pixelCounts().size()) {
-        return "pixels without events count some";
-    }
-    return std::nullopt;
+    std::ostringstream text;
+    text << "the count of pixel " << count - map.datastart << " differs";
+    return text.str();
 }
 
 }  // namespace
@@ -128,21 +122,22 @@ GridCase randomGridCase(std::uint64_t seed) {
 std::optional<std::string> compareWithModel(const GridCase& grid_case, const GridSettings& settings,
                                             Feeding feeding) {
     auto generator = settings.build();
-    BruteForceGridModel model(grid_case.settings);
+    auto model = grid_case.settings.build<GridModel>();
+    std::vector<ClusterGeometry> expected;
     std::size_t timestamp = 1000;
     for (const GridCase::Batch& batch : grid_case.batches) {
         if (batch.reset) {
             feedByFilter(generator, settings.filter_type, batch.before_reset, feeding);
-            feedModel(model, batch.before_reset);
+            feedOneByOne(model, batch.before_reset);
             generator.reset();
             model.reset();
         }
         feedByFilter(generator, settings.filter_type, batch.events, feeding);
-        feedModel(model, batch.events);
+        feedOneByOne(model, batch.events);
         auto difference = comparePixels(generator, model);
         if (!difference) {
-            difference =
-                firstDifference(generate(generator, timestamp), model.generateClusters(timestamp));
+            model.generateClusters(timestamp, expected);
+            difference = firstDifference(generate(generator, timestamp), expected);
         }
         if (difference) {
             return difference;

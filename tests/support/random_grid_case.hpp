@@ -30,7 +30,7 @@ GridCase randomGridCase(std::uint64_t seed);
 enum class Feeding { kOneByOne, kInBatches };
 
 /// Runs a case through a generator built with `settings` (the same as in the case, or different
-/// ones to check that this is detected) and through the brute-force model.
+/// ones to check that this is detected) and through the literal model.
 /// \returns the first difference in clusters or pixel counts, if there is one.
 std::optional<std::string> compareWithModel(const GridCase& grid_case, const GridSettings& settings,
                                             Feeding feeding = Feeding::kOneByOne);

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "kelvora/cluster_tracker.hpp"
+#include "reference/cluster_tracker.hpp"
 #include "support/event_builders.hpp"
-#include "support/literal_tracker.hpp"
 #include "support/tracks.hpp"
 
 namespace kelvora::test {
@@ -192,12 +192,12 @@ private:
 };
 
 void expectSame(const std::vector<Track>& tracks,
-                const std::vector<LiteralTracker::Object>& objects) {
-    using Sighting = LiteralTracker::Sighting;
+                const std::vector<reference::ClusterTracker::Object>& objects) {
+    using Sighting = reference::ClusterTracker::Sighting;
     ASSERT_EQ(tracks.size(), objects.size());
     for (std::size_t k = 0; k < tracks.size(); ++k) {
         const Track& track = tracks[k];
-        const LiteralTracker::Object& object = objects[k];
+        const reference::ClusterTracker::Object& object = objects[k];
         ASSERT_EQ(
             std::tie(track.id, track.cluster, track.hits, track.missed, track.is_hidden),
             std::tie(object.id, object.cluster, object.hits, object.missed, object.is_hidden));
@@ -206,8 +206,8 @@ void expectSame(const std::vector<Track>& tracks,
         ASSERT_NEAR(track.box.y, object.y, 0.01);
         ASSERT_NEAR(track.box.width, object.width, 0.01);
         ASSERT_NEAR(track.box.height, object.height, 0.01);
-        ASSERT_NEAR(track.vx, LiteralTracker::velocity(object, &Sighting::x), 0.1);
-        ASSERT_NEAR(track.vy, LiteralTracker::velocity(object, &Sighting::y), 0.1);
+        ASSERT_NEAR(track.vx, reference::ClusterTracker::velocity(object, &Sighting::x), 0.1);
+        ASSERT_NEAR(track.vy, reference::ClusterTracker::velocity(object, &Sighting::y), 0.1);
     }
 }
 
@@ -272,8 +272,8 @@ TEST(ClusterTrackerRandom, FollowsWhatALiteralModelFollows) {
         SCOPED_TRACE(seed);
         RandomClusters scene(seed);
         ClusterTracker tracker = parameters.makeTracker();
-        LiteralTracker model(parameters.max_distance, parameters.max_size_change,
-                             parameters.max_missed, parameters.min_hits);
+        reference::ClusterTracker model(parameters.max_distance, parameters.max_size_change,
+                                        parameters.max_missed, parameters.min_hits);
         for (int i = 0; i < 60; ++i) {
             const std::vector<ClusterGeometry> clusters = scene.next();
             ASSERT_EQ(tracker.update(clusters), model.update(clusters)) << "update " << i;

@@ -5,11 +5,13 @@
 #include <vector>
 
 #include "kelvora/distance_based_cluster_matcher.hpp"
-#include "support/brute_force_matcher.hpp"
+#include "reference/distance_based_cluster_matcher.hpp"
 
 namespace kelvora::test {
 namespace {
 
+using reference::MatchedPair;
+using reference::pairsOf;
 using ::testing::ElementsAre;
 
 using Clusters = std::vector<ClusterGeometry>;

@@ -9,13 +9,16 @@
 #include <vector>
 
 #include "kelvora/distance_based_cluster_matcher.hpp"
-#include "support/brute_force_matcher.hpp"
+#include "reference/distance_based_cluster_matcher.hpp"
 #include "support/event_builders.hpp"
 
 namespace kelvora::test {
 namespace {
 
-using Clusters = BruteForceMatcher::Clusters;
+using reference::pairsOf;
+
+using Model = reference::DistanceBasedClusterMatcher;
+using Clusters = Model::Clusters;
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -108,7 +111,7 @@ private:
 
 /// Statistics of the cases of a run, to detect trivial ones.
 struct Variety {
-    void add(const std::vector<BruteForceMatcher::Candidate>& candidates, std::size_t pairs,
+    void add(const std::vector<Model::Candidate>& candidates, std::size_t pairs,
              float squared_threshold) {
         none += pairs == 0 ? 1 : 0;
         contested += pairs > 1 && candidates.size() > 2 * pairs ? 1 : 0;
@@ -129,7 +132,7 @@ TEST_P(ThousandRandomBatches, GiveThePairsOfTheModel) {
     Variety variety;
     for (std::uint64_t seed = GetParam(); seed < GetParam() + 1000; ++seed) {
         MatcherCase batches(seed);
-        const BruteForceMatcher model = {batches.distance_threshold, batches.size_threshold};
+        const Model model(batches.distance_threshold, batches.size_threshold);
         DistanceBasedClusterMatcher matcher(batches.distance_threshold, batches.size_threshold);
         const bool with_itself = seed % 5 == 0;
         Clusters& second = with_itself ? batches.first : batches.second;
@@ -162,7 +165,7 @@ TEST(DistanceBasedClusterMatcherRandom, GivesThePairsOfTheModelInLargeBatches) {
     }
     DistanceBasedClusterMatcher matcher(20, 5);
     EXPECT_GT(matcher.matchClusters(batches[0], batches[1]), 500U);
-    EXPECT_EQ(pairsOf(matcher), (BruteForceMatcher{20, 5}.match(batches[0], batches[1], 0)));
+    EXPECT_EQ(pairsOf(matcher), (Model(20, 5).match(batches[0], batches[1], 0)));
 }
 
 // Comparing all would take minutes.

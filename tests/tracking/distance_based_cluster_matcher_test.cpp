@@ -10,12 +10,14 @@
 #include <stdexcept>
 #include <vector>
 
-#include "support/brute_force_grid_model.hpp"
-#include "support/brute_force_matcher.hpp"
+#include "reference/distance_based_cluster_matcher.hpp"
+#include "support/first_difference.hpp"
 
 namespace kelvora::test {
 namespace {
 
+using reference::MatchedPair;
+using reference::pairsOf;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
