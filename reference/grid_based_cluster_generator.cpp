@@ -34,7 +34,6 @@ GridBasedClusterGenerator::GridBasedClusterGenerator(int sensor_width_, int sens
       max_cluster_size(max_cluster_size_),
       min_cluster_size(min_cluster_size_),
       filter_type(filter_type_),
-      rejected_polarity(rejectedPolarityOf(filter_type)),
       count_pixel_once(count_pixel_once_),
       activation_threshold(activation_threshold_) {
     if (cell_width < 1 || cell_height < 1 || cell_rows < 1 || cell_cols < 1) {
@@ -76,7 +75,10 @@ void GridBasedClusterGenerator::installCommonCounters() {
 }
 
 void GridBasedClusterGenerator::processEvent(const Event2D* event) {
-    if (event->polarity == rejected_polarity) {
+    if (!rejected_polarity) {
+        rejected_polarity = rejectedPolarityOf(filter_type);
+    }
+    if (event->polarity == *rejected_polarity) {
         return;
     }
     const int row = row_to_cell[event->y];

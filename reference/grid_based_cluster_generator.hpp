@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -16,8 +17,8 @@ namespace kelvora::reference {
 /// functions, marked cells are addressed bit by bit, and clusters are found cell by cell with a
 /// stack.
 ///
-/// Each model ignores the polarity that its own filter type says. The library goes by the first
-/// filter type of the process, for each type of event.
+/// The first event of each model decides which polarity is ignored. In the library, it is the first
+/// event of its type in the process.
 class GridBasedClusterGenerator {
 public:
     /// As in the library.
@@ -62,7 +63,7 @@ private:
     int max_cluster_size;
     int min_cluster_size;
     EventFilterType filter_type;
-    std::uint8_t rejected_polarity;
+    std::optional<std::uint8_t> rejected_polarity;
     bool count_pixel_once;
     std::uint16_t activation_threshold;
     std::vector<std::uint16_t> cell_counts;
