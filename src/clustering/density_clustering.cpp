@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "kelvora/density_clustering.hpp"
 
-#include <exception>
 #include <limits>
-#include <mutex>
 #include <stdexcept>
 #include <thread>
 
 #include "clustering/cell_list.hpp"
+#include "clustering/first_failure.hpp"
 #include "clustering/grid_search.hpp"
 #include "clustering/ordered_expansion.hpp"
 #include "clustering/set_report.hpp"
@@ -148,13 +147,9 @@ void DensityClustering<DIM, T>::Engines::chooseSearch(T radius, std::size_t requ
 /// one, leaves from here, when no thread runs any more.
 template <int DIM, typename T>
 void DensityClustering<DIM, T>::runWorkers(unsigned char n_jobs) {
-    std::exception_ptr failure;
-    std::mutex failure_mutex;
+    FirstFailure failure;
     const auto fail = [&] {
-        const std::lock_guard<std::mutex> lock(failure_mutex);
-        if (!failure) {
-            failure = std::current_exception();
-        }
+        failure.keepCurrent();
         next_point = kNothingLeft;
         engines->core_points_found.giveUp();
     };
@@ -179,9 +174,7 @@ void DensityClustering<DIM, T>::runWorkers(unsigned char n_jobs) {
     for (std::thread& worker : workers) {
         worker.join();
     }
-    if (failure) {
-        std::rethrow_exception(failure);
-    }
+    failure.rethrow();
 }
 
 /// What each worker does: with the others, it finds the core points of all blocks, and joins the

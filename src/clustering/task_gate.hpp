@@ -3,22 +3,25 @@
 
 #include <condition_variable>
 #include <cstddef>
-#include <mutex>
+
+#include "mutex.hpp"
 
 namespace kelvora {
 
-/// Holds threads back until tasks are done that they have shared.
+/// Makes threads wait until all the tasks that they share are done.
 class TaskGate {
 public:
-    /// Closes the gate for that many tasks. Not while threads wait.
+    /// Closes the gate for `tasks` tasks. Must not be called while threads wait.
     void close(std::size_t tasks) {
+        const MutexLock lock(mutex);
         tasks_left = tasks;
         is_given_up = false;
     }
 
-    /// Says that a thread has done so many of the tasks. Returns whether the last one was among them.
+    /// Reports that a thread has done `tasks` of the tasks. Returns whether the last one was among
+    /// them.
     bool done(std::size_t tasks) {
-        const std::lock_guard<std::mutex> lock(mutex);
+        const MutexLock lock(mutex);
         tasks_left -= tasks;
         if (tasks_left == 0) {
             opened.notify_all();
@@ -26,25 +29,27 @@ public:
         return tasks > 0 && tasks_left == 0;
     }
 
-    /// Says that the tasks will not all be done.
+    /// Reports that some tasks will never be done.
     void giveUp() {
-        const std::lock_guard<std::mutex> lock(mutex);
+        const MutexLock lock(mutex);
         is_given_up = true;
         opened.notify_all();
     }
 
-    /// Waits for the tasks. Returns whether they are done: otherwise, somebody has given up.
+    /// Waits until all tasks are done or a thread gives up. Returns whether they are done.
     bool wait() {
-        std::unique_lock<std::mutex> lock(mutex);
-        opened.wait(lock, [this] { return tasks_left == 0 || is_given_up; });
+        MutexLock lock(mutex);
+        while (tasks_left != 0 && !is_given_up) {
+            lock.wait(opened);
+        }
         return !is_given_up;
     }
 
 private:
-    std::mutex mutex;
+    Mutex mutex;
     std::condition_variable opened;
-    std::size_t tasks_left = 0;
-    bool is_given_up = false;
+    std::size_t tasks_left KELVORA_GUARDED_BY(mutex) = 0;
+    bool is_given_up KELVORA_GUARDED_BY(mutex) = false;
 };
 
 }  // namespace kelvora

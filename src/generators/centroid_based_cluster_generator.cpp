@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <mutex>
 
 #include "events/rejected_polarity.hpp"
 #include "generators/box_to_geometry.hpp"
@@ -14,6 +13,7 @@
 #include "generators/point_scales.hpp"
 #include "kelvora/centroid_clustering.hpp"
 #include "kelvora/sliding_event_counter.hpp"
+#include "mutex.hpp"
 
 namespace kelvora {
 
@@ -47,7 +47,7 @@ public:
 
     template <class Points>
     void getClusterPoints(Points& points, bool restore_scale) {
-        const std::lock_guard<std::mutex> lock(points_mutex);
+        const MutexLock lock(points_mutex);
         exportPoints(clusters, working_points, restore_scale ? &scales : nullptr, points);
     }
 
@@ -62,16 +62,22 @@ public:
     bool setMaxTimeLength(unsigned long long max_time_length);
 
 private:
+    void clusterWithoutLock() KELVORA_NO_THREAD_SAFETY_ANALYSIS;
+
     PointScales scales;
     EventFilterType filter_type;
     std::uint8_t rejected_polarity = 0;
-    unsigned long long max_capacity;
-    CentroidClustering<DIM, T> clustering;
-    std::mutex points_mutex;
-    std::vector<Point> working_points;   ///< Those of the last call, which `clusters` refers to.
-    std::vector<Point> incoming_points;  ///< Those since.
-    std::vector<std::vector<std::size_t>> clusters;
-    std::vector<std::vector<T>> cluster_boxes;
+    unsigned long long max_capacity KELVORA_GUARDED_BY(points_mutex);
+    CentroidClustering<DIM, T> clustering KELVORA_GUARDED_BY(points_mutex);
+    Mutex points_mutex;
+    /// Points of the last call, which `clusters` refers to.
+    std::vector<Point> working_points KELVORA_GUARDED_BY(points_mutex);
+    /// Points since. Not guarded: `processEvent` takes no lock, and must not overlap with
+    /// `generateClusters`.
+    std::vector<Point> incoming_points;
+    std::vector<std::vector<std::size_t>> clusters KELVORA_GUARDED_BY(points_mutex);
+    std::vector<std::vector<T>> cluster_boxes;  ///< Used by `generateClusters` only.
+    /// Not guarded, for the same reason as `incoming_points`.
     std::unique_ptr<SlidingEventCounter> event_counter;
 };
 
@@ -115,30 +121,37 @@ template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::Impl::generateClusters(
     std::size_t timestamp, std::vector<ClusterGeometry>& out) {
     {
-        const std::lock_guard<std::mutex> lock(points_mutex);
+        const MutexLock lock(points_mutex);
         exchangePoints(working_points, incoming_points, *event_counter, max_capacity);
     }
-    clustering.generateClustersPrivate(working_points, clusters, cluster_boxes);
+    clusterWithoutLock();
     boxesToGeometries<DIM>(cluster_boxes, scales, sensor_width, sensor_height, timestamp, out);
+}
+
+/// Clusters while the mutex is not locked, so that the lock is held only briefly. The caller must
+/// not run any other operation at the same time, and so needs no lock.
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::Impl::clusterWithoutLock() {
+    clustering.generateClustersPrivate(working_points, clusters, cluster_boxes);
 }
 
 template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::Impl::reset() {
-    const std::lock_guard<std::mutex> lock(points_mutex);
+    const MutexLock lock(points_mutex);
     event_counter->reset();
 }
 
 template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::Impl::getClusterCentroids(
     std::vector<Point>& centroids) {
-    const std::lock_guard<std::mutex> lock(points_mutex);
+    const MutexLock lock(points_mutex);
     clustering.getCentroids(centroids);
 }
 
 template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::Impl::getClusterSizes(
     std::vector<unsigned long long>& sizes) {
-    const std::lock_guard<std::mutex> lock(points_mutex);
+    const MutexLock lock(points_mutex);
     std::vector<std::size_t> counts;
     clustering.getNumPointsPerCluster(counts);
     sizes.assign(counts.begin(), counts.end());
@@ -146,13 +159,13 @@ void CentroidBasedClusterGenerator<DIM, T>::Impl::getClusterSizes(
 
 template <int DIM, typename T>
 bool CentroidBasedClusterGenerator<DIM, T>::Impl::setClusterNumber(unsigned long long k_clusters) {
-    const std::lock_guard<std::mutex> lock(points_mutex);
+    const MutexLock lock(points_mutex);
     return clustering.setClusterNumber(k_clusters);
 }
 
 template <int DIM, typename T>
 bool CentroidBasedClusterGenerator<DIM, T>::Impl::setMaxCapacity(unsigned long long max_capacity_) {
-    const std::lock_guard<std::mutex> lock(points_mutex);
+    const MutexLock lock(points_mutex);
     max_capacity = max_capacity_;
     return true;
 }
@@ -160,7 +173,7 @@ bool CentroidBasedClusterGenerator<DIM, T>::Impl::setMaxCapacity(unsigned long l
 template <int DIM, typename T>
 bool CentroidBasedClusterGenerator<DIM, T>::Impl::setMaxTimeLength(
     unsigned long long max_time_length) {
-    const std::lock_guard<std::mutex> lock(points_mutex);
+    const MutexLock lock(points_mutex);
     return event_counter->setWindowLength(max_time_length);
 }
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <mutex>
 #include <thread>
 
 #include "events/rejected_polarity.hpp"
@@ -16,6 +15,7 @@
 #include "generators/point_scales.hpp"
 #include "kelvora/density_clustering.hpp"
 #include "kelvora/sliding_event_counter.hpp"
+#include "mutex.hpp"
 
 namespace kelvora {
 
@@ -58,12 +58,18 @@ public:
 
     void reset() override;
 
-    template <class Points>
-    void getClusterPoints(Points& points, bool restore_scale) const {
+    void getClusterPoints(std::vector<std::vector<Point>>& points, bool restore_scale) {
+        const MutexLock lock(points_mutex);
         exportPoints(clusters, working_points, restore_scale ? &scales : nullptr, points);
     }
 
-    std::mutex& mutex() { return points_mutex; }
+    /// For `cv::Mat`, and a vector of them. Takes no lock, as the header says: the caller must not
+    /// cluster or reset at the same time.
+    template <class Matrices>
+    void getClusterPoints(Matrices& matrices,
+                          bool restore_scale) const KELVORA_NO_THREAD_SAFETY_ANALYSIS {
+        exportPoints(clusters, working_points, restore_scale ? &scales : nullptr, matrices);
+    }
 
     bool setMaxCapacity(unsigned long long max_capacity_);
 
@@ -76,12 +82,16 @@ private:
     unsigned long long max_capacity;
     unsigned long long max_time_length;
     int n_jobs;
-    DensityClustering<DIM, T> clustering;
-    std::mutex points_mutex;
-    std::vector<Point> working_points;   ///< Those of the last call, which `clusters` refers to.
-    std::vector<Point> incoming_points;  ///< Those since.
-    std::vector<std::vector<std::size_t>> clusters;
-    std::vector<std::vector<T>> boxes;
+    DensityClustering<DIM, T> clustering KELVORA_GUARDED_BY(points_mutex);
+    Mutex points_mutex;
+    /// Points of the last call, which `clusters` refers to.
+    std::vector<Point> working_points KELVORA_GUARDED_BY(points_mutex);
+    /// Points since. Not guarded: `processEvent` takes no lock, and must not overlap with
+    /// `generateClusters`.
+    std::vector<Point> incoming_points;
+    std::vector<std::vector<std::size_t>> clusters KELVORA_GUARDED_BY(points_mutex);
+    std::vector<std::vector<T>> boxes;  ///< Used by `generateClusters` only.
+    /// Not guarded, for the same reason as `incoming_points`.
     std::unique_ptr<SlidingEventCounter> event_counter;
 };
 
@@ -128,7 +138,7 @@ template <int DIM, typename T>
 void DensityBasedClusterGenerator<DIM, T>::Impl::generateClusters(
     std::size_t timestamp, std::vector<ClusterGeometry>& out) {
     {
-        const std::lock_guard<std::mutex> lock(points_mutex);
+        const MutexLock lock(points_mutex);
         exchangePoints(working_points, incoming_points, *event_counter, max_capacity);
         // They refer to the points that are gone now, and would be left so if clustering fails.
         clusters.clear();
@@ -141,7 +151,7 @@ void DensityBasedClusterGenerator<DIM, T>::Impl::generateClusters(
 
 template <int DIM, typename T>
 void DensityBasedClusterGenerator<DIM, T>::Impl::reset() {
-    const std::lock_guard<std::mutex> lock(points_mutex);
+    const MutexLock lock(points_mutex);
     working_points.clear();
 }
 
@@ -219,7 +229,6 @@ void DensityBasedClusterGenerator<DIM, T>::reset() {
 template <int DIM, typename T>
 void DensityBasedClusterGenerator<DIM, T>::getClusterPoints(
     std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale) {
-    const std::lock_guard<std::mutex> lock(impl->mutex());
     impl->getClusterPoints(points, restore_scale);
 }
 
