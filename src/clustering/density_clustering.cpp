@@ -13,6 +13,7 @@
 #include "clustering/task_gate.hpp"
 #include "clustering/tree_search.hpp"
 #include "clustering/wide_grid_search.hpp"
+#include "exclusive_use.hpp"
 
 namespace kelvora {
 
@@ -48,6 +49,8 @@ struct DensityClustering<DIM, T>::Engines {
     ParallelSearch* search = nullptr;  ///< One of the three.
     TaskGate core_points_found;
     std::vector<std::uint32_t> set_of;
+
+    ExclusiveUse exclusive_use;
 };
 
 template <int DIM, typename T>
@@ -61,6 +64,7 @@ template <int DIM, typename T>
 void DensityClustering<DIM, T>::generateClustersMultiThread(
     const std::vector<Point>& points, std::vector<std::vector<std::size_t>>& clusters,
     std::vector<std::vector<T>>& boxes, unsigned char n_jobs) {
+    const ExclusiveUse::Scope scope(engines->exclusive_use);
     if (n_jobs == 0) {
         throw std::runtime_error("n_jobs must be greater than 0");
     }

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "events/rejected_polarity.hpp"
+#include "exclusive_use.hpp"
 #include "generators/box_to_geometry.hpp"
 #include "generators/cluster_generator_base.hpp"
 #include "generators/cluster_point_export.hpp"
@@ -79,6 +80,10 @@ private:
     std::vector<std::vector<T>> cluster_boxes;  ///< Used by `generateClusters` only.
     /// Not guarded, for the same reason as `incoming_points`.
     std::unique_ptr<SlidingEventCounter> event_counter;
+
+public:
+    /// Held by the calls that must overlap with nothing else: feeding events and clustering.
+    ExclusiveUse exclusive_use;
 };
 
 template <int DIM, typename T>
@@ -209,18 +214,21 @@ CentroidBasedClusterGenerator<DIM, T>::~CentroidBasedClusterGenerator() = defaul
 template <int DIM, typename T>
 template <class EventT>
 void CentroidBasedClusterGenerator<DIM, T>::processEvent(const EventT* event) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->processEvent(event);
 }
 
 template <int DIM, typename T>
 template <class EventT>
 void CentroidBasedClusterGenerator<DIM, T>::processEvents(const EventT* events, std::size_t count) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->processEvents(events, count);
 }
 
 template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::generateClusters(
     std::size_t timestamp, std::vector<ClusterGeometry>& clusters) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->generateClusters(timestamp, clusters);
 }
 

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "events/rejected_polarity.hpp"
+#include "exclusive_use.hpp"
 #include "generators/box_to_geometry.hpp"
 #include "generators/cluster_generator_base.hpp"
 #include "generators/cluster_point_export.hpp"
@@ -93,6 +94,10 @@ private:
     std::vector<std::vector<T>> boxes;  ///< Used by `generateClusters` only.
     /// Not guarded, for the same reason as `incoming_points`.
     std::unique_ptr<SlidingEventCounter> event_counter;
+
+public:
+    /// Held by the calls that must not overlap with each other: feeding events and clustering.
+    ExclusiveUse exclusive_use;
 };
 
 template <int DIM, typename T>
@@ -206,18 +211,21 @@ DensityBasedClusterGenerator<DIM, T>::~DensityBasedClusterGenerator() = default;
 template <int DIM, typename T>
 template <class EventT>
 void DensityBasedClusterGenerator<DIM, T>::processEvent(const EventT* event) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->processEvent(event);
 }
 
 template <int DIM, typename T>
 template <class EventT>
 void DensityBasedClusterGenerator<DIM, T>::processEvents(const EventT* events, std::size_t count) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->processEvents(events, count);
 }
 
 template <int DIM, typename T>
 void DensityBasedClusterGenerator<DIM, T>::generateClusters(
     std::size_t timestamp, std::vector<ClusterGeometry>& clusters) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->generateClusters(timestamp, clusters);
 }
 

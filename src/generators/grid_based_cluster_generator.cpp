@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "events/rejected_polarity.hpp"
+#include "exclusive_use.hpp"
 #include "generators/active_cells.hpp"
 #include "generators/cluster_generator_base.hpp"
 
@@ -164,6 +165,9 @@ private:
     AddToCell add_to_cell;
     AddToPixel add_to_pixel;
     std::vector<CellRegion> regions;  ///< Scratch of `generateClusters`, kept for its storage.
+
+public:
+    ExclusiveUse exclusive_use;  ///< Held by every call.
 };
 
 GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int cell_width_,
@@ -359,24 +363,29 @@ GridBasedClusterGenerator::~GridBasedClusterGenerator() = default;
 template <class Event>
 void GridBasedClusterGenerator::processEvent(const Event* event) {
     assert(event != nullptr);
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->processEvent(*event);
 }
 
 template <class Event>
 void GridBasedClusterGenerator::processEvents(const Event* events, std::size_t count) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->processEvents(events, count);
 }
 
 void GridBasedClusterGenerator::generateClusters(std::size_t timestamp,
                                                  std::vector<ClusterGeometry>& clusters) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->generateClusters(timestamp, clusters);
 }
 
 void GridBasedClusterGenerator::reset() {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->reset();
 }
 
 void GridBasedClusterGenerator::getActiveMap(cv::Mat& map) {
+    const ExclusiveUse::Scope scope(impl->exclusive_use);
     map = impl->activeMap();
 }
 
