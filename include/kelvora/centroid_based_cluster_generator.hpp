@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <opencv2/core/mat.hpp>
 #include <vector>
@@ -13,52 +14,96 @@
 
 namespace kelvora {
 
+/// Parameters of a `CentroidBasedClusterGenerator`, by name. The defaults are those of the
+/// command-line tool, and suit windows of about 10 ms. The number of clusters has no default.
+struct CentroidBasedClusterGeneratorOptions {
+    float scale_width = 1.0F;   ///< Scaled units per pixel column, larger than 0.
+    float scale_height = 1.0F;  ///< Scaled units per pixel row, larger than 0.
+    /// Scaled units per microsecond, larger than 0. Unused in two dimensions.
+    float scale_time = 0.001F;
+    /// Events to ignore. `POLARITY_SEPARATE` is refused.
+    EventFilterType filter_type = POLARITY_FREE;
+    /// Most points to cluster, at least 1; the newest are kept. The largest number means no limit.
+    unsigned long long max_capacity = std::numeric_limits<unsigned long long>::max();
+    /// Time window of the events to cluster, microseconds, at least 1.
+    unsigned long long max_time_length = std::numeric_limits<unsigned long long>::max();
+    unsigned long long k_clusters = 0;  ///< Number of clusters. Must be set: 0 is refused.
+    unsigned long long max_iter = 50;   ///< Most iterations, at least 1.
+    /// Iterations end when the sum of squared distances changes by less than this, squared scaled
+    /// units, larger than 0.
+    double tol = 1.0;
+};
+
 /// Divides events into a given number of clusters around centroids, as points in the image plane or
 /// in space and time, with `CentroidClustering`.
 ///
 /// Each event becomes a point: its column, its row and, in three dimensions, its timestamp, each
-/// multiplied by a scale. `generateClusters` clusters the points since its last call, the newest of
-/// them if there are more than allowed.
+/// multiplied by a scale. `generateClusters` clusters the points since the previous call. If there
+/// are more points than allowed, it clusters the newest.
 ///
-/// Feed events, generate clusters and reset from one thread, or take care that these do not overlap.
-/// All other operations may be called from any thread while events are fed, but none while clusters
-/// are generated: clustering itself runs without a lock. Generators are neither copyable nor
-/// assignable.
+/// \code{.cpp}
+/// kelvora::CentroidBasedClusterGeneratorOptions options;
+/// options.k_clusters = 2;
+/// kelvora::CentroidBasedClusterGenerator<2, float> generator(640, 480, options);
+/// for (unsigned short x = 0; x < 600; x = static_cast<unsigned short>(x + 10)) {
+///     const kelvora::Event2D event(x, 50, 1, 1000);
+///     generator.processEvent(&event);
+/// }
+/// std::vector<kelvora::ClusterGeometry> clusters;
+/// generator.generateClusters(10000, clusters);
+/// std::cout << clusters.size() << " clusters\n";
+/// \endcode
 ///
-/// \note Every event belongs to a cluster: this method knows no noise.
-/// \note Clusters differ from run to run, since the first centroid is drawn at random.
-/// \note Times are not counted from any origin. As `float`, times of more than 17 seconds have lost
-/// single microseconds, and those counted from 1970 whole minutes: subtract an origin before
-/// feeding events, or use `double`.
-/// \note The time window counts by gaps between events, see `SlidingEventCounter`: a dense stream
-/// is not forgotten however long it lasts. Where the window of time matters, call
-/// `generateClusters` once per window. An event that is older than the one before empties the
-/// counter, also if the time is not bounded: of the events since the last call, those before it are
-/// then not clustered.
+/// Feed events, generate clusters and reset from one thread, or make sure that these calls do not
+/// overlap. All other operations may be called from any thread while events are fed, but not while
+/// clusters are generated: clustering runs without a lock. Debug builds assert that feeding and
+/// generating do not overlap. Generators are neither copyable nor assignable.
 ///
-/// Reading points takes time linear in their number, reading centroids and sizes in that of the
-/// clusters, all else but clustering constant time.
+/// \note Every event belongs to a cluster: there is no noise.
+/// \note Clusters differ from run to run, because the first centroid is drawn at random.
+/// \note Timestamps are used as they are, not relative to a start. As `float`, times beyond 17
+/// seconds lose single microseconds, and times since 1970 lose whole minutes. Subtract a start time
+/// before you feed events, or use `double`.
+/// \note The time window advances by the gaps between events, see `SlidingEventCounter`: a dense
+/// stream is never forgotten, however long it lasts. If the time window matters, call
+/// `generateClusters` once per window. An event older than the previous one empties the counter,
+/// even without a time limit: the events before it are then not clustered.
+///
+/// Reading points takes time linear in their number, and reading centroids and sizes takes time
+/// linear in the number of clusters. Every other call except clustering takes constant time.
 ///
 /// \tparam DIM  2: the image plane. 3: space and time.
 /// \tparam T  `float` or `double`.
 template <int DIM, typename T>
 class CentroidBasedClusterGenerator {
 public:
+    /// Constructs a generator from named parameters.
+    ///
     /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
-    /// \param scale_width,scale_height  Scaled units per pixel, larger than 0. Neither these nor
-    ///     the next are checked for being finite: points at an infinite or undefined place fall to
-    ///     the first cluster.
-    /// \param scale_time  Scaled units per microsecond, larger than 0; 0.001 makes a millisecond
-    ///     weigh as much as a pixel. Unused in two dimensions.
+    /// \param options  All other parameters.
+    /// \throws std::runtime_error  for an invalid argument, or if the points cannot be reserved.
+    /// \throws std::invalid_argument  "SlidingEventCounter: window_length must be larger than 0".
+    /// \throws std::out_of_range  for an unknown `filter_type`.
+    CentroidBasedClusterGenerator(int sensor_width, int sensor_height,
+                                  const CentroidBasedClusterGeneratorOptions& options);
+
+    /// Constructs a generator from all parameters in order.
+    ///
+    /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
+    /// \param scale_width,scale_height  Scaled units per pixel, larger than 0. The scales are not
+    ///     checked for being finite: points with an infinite or undefined coordinate belong to the
+    ///     first cluster.
+    /// \param scale_time  Scaled units per microsecond, larger than 0; with 0.001, a millisecond
+    ///     weighs as much as a pixel. Unused in two dimensions.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
-    /// \param max_capacity  Most points to cluster, the newest ones; at least 1. Room for 1.5 times
-    ///     as many is reserved in each of two buffers. The largest number stands for no bound, and
-    ///     reserves nothing.
-    /// \param max_time_length  Window of time of the events to cluster, microseconds, at least 1.
+    /// \param max_capacity  Most points to cluster, at least 1; the newest are kept. Each of two
+    ///     buffers reserves room for 1.5 times as many. The largest number means no limit, and
+    ///     nothing is reserved.
+    /// \param max_time_length  Time window of the events to cluster, microseconds, at least 1.
     /// \param k_clusters  Number of clusters, at least 1.
     /// \param max_iter  Most iterations, at least 1.
-    /// \param tol  Change of the sum of squared distances that ends the iterations, squared scaled
-    ///     units, larger than 0.
+    /// \param tol  Iterations end when the sum of squared distances changes by less than this,
+    ///     squared scaled units, larger than 0.
     /// \throws std::runtime_error  for an invalid argument, or if the points cannot be reserved.
     /// \throws std::invalid_argument  "SlidingEventCounter: window_length must be larger than 0".
     /// \throws std::out_of_range  for an unknown `filter_type`.
@@ -68,7 +113,7 @@ public:
                                   unsigned long long max_time_length, unsigned long long k_clusters,
                                   unsigned long long max_iter, double tol);
 
-    /// The same without bounds on the number and time of the points.
+    /// Constructs a generator without limits on the number and time of the points.
     ///
     /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
     /// \param scale_width,scale_height  Scaled units per pixel, larger than 0.
@@ -84,7 +129,7 @@ public:
                                   unsigned long long k_clusters, unsigned long long max_iter,
                                   double tol);
 
-    /// The same without bounds, with scales of 1.
+    /// Constructs a generator without limits, with scales of 1.
     ///
     /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
@@ -97,85 +142,91 @@ public:
                                   unsigned long long k_clusters, unsigned long long max_iter,
                                   double tol);
 
-    /// Waits for nothing: no other call may be under way.
+    /// Not synchronised: no other call on this object may be running.
     virtual ~CentroidBasedClusterGenerator();
 
-    /// Takes one event, unless the filter ignores it. Constant time; with a bounded capacity, no
-    /// allocation as long as `generateClusters` is called before 1.5 times as many events are fed.
+    /// Adds one event, unless the filter ignores it. Takes constant time. With a limited capacity,
+    /// nothing is allocated as long as at most 1.5 times as many events arrive between two calls of
+    /// `generateClusters`.
+    ///
+    /// The position is not checked. An event off the sensor becomes a point like any other: it
+    /// counts, belongs to a cluster, moves its centroid and is returned by `getClusterPoints`. Only
+    /// the boxes of the clusters are clipped to the sensor.
     ///
     /// \tparam EventT  `Event2D`, `Event2DFrequency` or `Event2DPeriod<T>`.
     /// \param event  Null is ignored.
     template <class EventT>
     void processEvent(const EventT* event);
 
-    /// Takes events, one after the other: the same as `processEvent` for each of them, in less time.
+    /// Adds several events. Does the same as `processEvent` for each of them, events off the sensor
+    /// included, but faster.
     ///
-    /// \param events  `count` events in a row. Null is ignored, whatever `count` is.
+    /// \param events  Array of `count` events. Null is ignored, whatever `count` is.
     /// \param count  Number of events; 0 does nothing.
     template <class EventT>
     void processEvents(const EventT* events, std::size_t count);
 
-    /// Clusters the points since the last call, the newest of them: at most `max_capacity`, and not
-    /// more than the window of time counts events. Takes the time of `CentroidClustering`.
+    /// Clusters the newest points since the previous call: at most `max_capacity`, and at most as
+    /// many as the time window counts events. Takes as long as `CentroidClustering`.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
-    /// \param clusters  Emptied first; then a box for each of the k clusters, clipped to the sensor;
-    ///     none if there are fewer than k points. A cluster without points, without area, or off the
-    ///     sensor has the box (0, 0, 0, 0). In three dimensions, start and duration hold the low 32
-    ///     bits of the microseconds, 0 where a number does not fit 64 bits.
+    /// \param clusters  Emptied first. Receives one box for each of the k clusters, clipped to the
+    ///     sensor; none if there are fewer than k points. A cluster without points, without area, or
+    ///     off the sensor has the box (0, 0, 0, 0). In three dimensions, start and duration hold the
+    ///     low 32 bits of the microseconds, and 0 for a number that does not fit into 64 bits.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
-    /// Empties the window of time, so that the events since the last `generateClusters` are not
-    /// clustered: the next call takes as many of the newest points as there are events from here on.
-    /// \note The results of the last `generateClusters` stay.
+    /// Empties the time window, so that the events since the last `generateClusters` are not
+    /// clustered: the next call takes as many of the newest points as events arrive after `reset`.
+    /// \note The results of the last `generateClusters` are kept.
     void reset();
 
     /// Appends the points of each cluster of the last `generateClusters`.
     ///
-    /// \param points  Grows by a vector for each cluster, in the order of the clusters.
+    /// \param points  Receives one vector per cluster, in the order of the clusters.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale);
 
-    /// Appends a matrix for each cluster, `CV_32F` or `CV_64F` as `T` is: a row per point, a column
-    /// per coordinate.
+    /// Appends one matrix per cluster, `CV_32F` or `CV_64F` according to `T`, with one row per point
+    /// and one column per coordinate.
     ///
-    /// \param points  Grows by a matrix of n rows and `DIM` columns for each cluster of n points.
+    /// \param points  Receives a matrix of n rows and `DIM` columns for each cluster of n points.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<cv::Mat>& points, bool restore_scale);
 
-    /// Replaces `points` by one column with the points of all clusters, one cluster after the
-    /// other, each an element with a channel per coordinate.
+    /// Replaces `points` by a single column of the points of all clusters, cluster by cluster. Each
+    /// element has one channel per coordinate.
     ///
     /// \param points  Becomes a matrix of n rows, one column and `DIM` channels for n points in all.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
 
-    /// Replaces `centroids` by those of the last `generateClusters`, in scaled units, in the order
-    /// of the clusters.
-    /// \param centroids  As many as clusters: none if there were fewer than k points.
+    /// Replaces `centroids` by the centroids of the last `generateClusters`, in scaled units, in the
+    /// order of the clusters.
+    /// \param centroids  One per cluster; none if there were fewer than k points.
     void getClusterCentroids(std::vector<KDPoint<DIM, T>>& centroids);
 
-    /// Replaces `sizes` by the number of points of each cluster, of the last `generateClusters` that
-    /// had at least k.
+    /// Replaces `sizes` by the number of points of each cluster. They are from the last
+    /// `generateClusters` that had at least k points.
     /// \param sizes  In the order of the clusters.
-    /// \note Zeros follow if the number of clusters was larger once.
+    /// \note If there were more clusters in an earlier call, zeros follow.
     void getClusterSizes(std::vector<unsigned long long>& sizes);
 
-    /// Sets the number of clusters from the next `generateClusters` on.
+    /// Sets the number of clusters for the next `generateClusters`.
     /// \param k_clusters  At least 1.
-    /// \returns whether it was set: false, and nothing changes, for 0.
+    /// \returns whether it was set. For 0, returns false and changes nothing.
     bool setClusterNumber(unsigned long long k_clusters);
 
-    /// Sets the most points to cluster; with 0, there will be no clusters. Reserves nothing.
-    /// \param max_capacity  Points; the largest number stands for no bound.
+    /// Sets how many points are clustered at most. With 0, there are no clusters. Reserves nothing.
+    /// \param max_capacity  Points; the largest number means no limit.
     /// \returns true.
     bool setMaxCapacity(unsigned long long max_capacity);
 
-    /// Tells whether `max_time_length` could be the window of time: it is not 0, and not smaller
-    /// than the 100 bins (fewer for a shorter window) in which events are counted.
+    /// Checks whether `max_time_length` would be a valid time window: not 0, and not smaller than
+    /// the 100 bins (fewer for a shorter window) in which events are counted.
     /// \param max_time_length  Microseconds.
-    /// \returns whether it could be; 0 could not.
-    /// \note The window stays as it was constructed.
+    /// \returns whether it is valid.
+    /// \note The time window does not change after construction.
     bool setMaxTimeLength(unsigned long long max_time_length);
 
 private:

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <opencv2/core/mat.hpp>
 #include <vector>
@@ -13,50 +14,94 @@
 
 namespace kelvora {
 
+/// Parameters of a `DensityBasedClusterGenerator`, by name. The defaults are those of the
+/// command-line tool, and suit windows of about 10 ms.
+struct DensityBasedClusterGeneratorOptions {
+    float scale_width = 1.0F;   ///< Scaled units per pixel column, larger than 0.
+    float scale_height = 1.0F;  ///< Scaled units per pixel row, larger than 0.
+    /// Scaled units per microsecond, larger than 0. Unused in two dimensions.
+    float scale_time = 0.001F;
+    /// Events to ignore. `POLARITY_SEPARATE` is refused.
+    EventFilterType filter_type = POLARITY_FREE;
+    /// Most points to cluster, at least 1; the newest are kept. The largest number means no limit.
+    unsigned long long max_capacity = std::numeric_limits<unsigned long long>::max();
+    /// Time window of the events to cluster, microseconds, at least 1.
+    unsigned long long max_time_length = std::numeric_limits<unsigned long long>::max();
+    double eps = 10.0;  ///< Radius of a neighbourhood, scaled units, larger than 0.
+    int min_pts = 10;   ///< Points that make a neighbourhood dense, at least 1.
+    int n_jobs = 1;     ///< Threads to cluster with; 0 and -1 let the library choose.
+};
+
 /// Clusters events by density, as points in the image plane or in space and time, with
 /// `DensityClustering`.
 ///
 /// Each event becomes a point: its column, its row and, in three dimensions, its timestamp, each
-/// multiplied by a scale. `generateClusters` clusters the points since its last call, the newest of
-/// them if there are more than allowed.
+/// multiplied by a scale. `generateClusters` clusters the points since the previous call. If there
+/// are more points than allowed, it clusters the newest.
 ///
-/// Feed events and generate clusters from one thread, or take care that these do not overlap.
-/// `reset` and `getClusterPoints` into nested vectors may be called from any thread at any time: they
-/// wait, by a mutex, while points are clustered. Nothing else takes it. Generators are neither
-/// copyable nor assignable.
+/// \code{.cpp}
+/// kelvora::DensityBasedClusterGeneratorOptions options;
+/// options.eps = 8;
+/// kelvora::DensityBasedClusterGenerator<2, float> generator(640, 480, options);
+/// for (unsigned short x = 100; x < 120; ++x) {
+///     const kelvora::Event2D event(x, x, 1, 1000);
+///     generator.processEvent(&event);
+/// }
+/// std::vector<kelvora::ClusterGeometry> clusters;
+/// generator.generateClusters(10000, clusters);
+/// for (const kelvora::ClusterGeometry& cluster : clusters) {
+///     std::cout << "at " << cluster.x << ", " << cluster.width << " pixels wide\n";
+/// }
+/// \endcode
 ///
-/// \note Times are not counted from any origin. As `float`, times of more than 17 seconds have lost
-/// single microseconds, and those counted from 1970 whole minutes: subtract an origin before
-/// feeding events, or use `double`.
-/// \note The time window counts by gaps between events, see `SlidingEventCounter`: a dense stream
-/// is not forgotten however long it lasts. Where the window of time matters, call
-/// `generateClusters` once per window. An event that is older than the one before empties the
-/// counter, also if the time is not bounded: of the events since the last call, those before it are
-/// then not clustered.
+/// Feed events and generate clusters from one thread, or make sure that these calls do not overlap.
+/// `reset` and `getClusterPoints` into nested vectors may be called from any thread at any time:
+/// they wait for a mutex while points are clustered. No other call takes it. Debug builds assert
+/// that feeding and generating do not overlap. Generators are neither copyable nor assignable.
 ///
-/// Reading points takes time linear in their number, all else but clustering constant time.
+/// \note Timestamps are used as they are, not relative to a start. As `float`, times beyond 17
+/// seconds lose single microseconds, and times since 1970 lose whole minutes. Subtract a start time
+/// before you feed events, or use `double`.
+/// \note The time window advances by the gaps between events, see `SlidingEventCounter`: a dense
+/// stream is never forgotten, however long it lasts. If the time window matters, call
+/// `generateClusters` once per window. An event older than the previous one empties the counter,
+/// even without a time limit: the events before it are then not clustered.
+///
+/// Reading points takes time linear in their number. Every other call except clustering takes
+/// constant time.
 ///
 /// \tparam DIM  2: the image plane. 3: space and time.
 /// \tparam T  `float` or `double`.
 template <int DIM, typename T>
 class DensityBasedClusterGenerator {
 public:
+    /// Constructs a generator from named parameters.
+    ///
     /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
-    /// \param scale_width,scale_height  Scaled units per pixel, larger than 0. Neither these nor
-    ///     the next are checked for being finite: the points that an infinite or undefined scale
-    ///     makes are noise.
-    /// \param scale_time  Scaled units per microsecond, larger than 0; 0.001 makes a millisecond
-    ///     weigh as much as a pixel. Unused in two dimensions.
+    /// \param options  All other parameters.
+    /// \throws std::runtime_error  for an invalid argument, or if the points cannot be reserved.
+    /// \throws std::out_of_range  for an unknown `filter_type`.
+    DensityBasedClusterGenerator(int sensor_width, int sensor_height,
+                                 const DensityBasedClusterGeneratorOptions& options);
+
+    /// Constructs a generator from all parameters in order.
+    ///
+    /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
+    /// \param scale_width,scale_height  Scaled units per pixel, larger than 0. The scales are not
+    ///     checked for being finite: points with an infinite or undefined coordinate are noise.
+    /// \param scale_time  Scaled units per microsecond, larger than 0; with 0.001, a millisecond
+    ///     weighs as much as a pixel. Unused in two dimensions.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
-    /// \param max_capacity  Most points to cluster, the newest ones; at least 1. Room for 1.5 times
-    ///     as many is reserved in each of two buffers. The largest number stands for no bound, and
-    ///     reserves nothing.
-    /// \param max_time_length  Window of time of the events to cluster, microseconds, at least 1.
-    /// \param eps  Radius of neighbourhoods, scaled units, larger than 0.
+    /// \param max_capacity  Most points to cluster, at least 1; the newest are kept. Each of two
+    ///     buffers reserves room for 1.5 times as many. The largest number means no limit, and
+    ///     nothing is reserved.
+    /// \param max_time_length  Time window of the events to cluster, microseconds, at least 1.
+    /// \param eps  Radius of a neighbourhood, scaled units, larger than 0. Points at exactly this
+    ///     distance are not neighbours.
     /// \param min_pts  Points that make a neighbourhood dense, at least 1.
     /// \param n_jobs  Threads to cluster with. 0: one per 2000 points, at most one per hardware
-    ///     thread. -1: one per hardware thread. Of other numbers the low 8 bits count. One and
-    ///     several threads differ in what they find, see `DensityClustering`.
+    ///     thread. -1: one per hardware thread. Only the low 8 bits of other numbers count. Results
+    ///     differ between one and several threads, see `DensityClustering`.
     /// \throws std::runtime_error  for an invalid argument, or if the points cannot be reserved.
     /// \throws std::out_of_range  for an unknown `filter_type`.
     DensityBasedClusterGenerator(int sensor_width, int sensor_height, float scale_width,
@@ -65,13 +110,13 @@ public:
                                  unsigned long long max_time_length, double eps, int min_pts,
                                  int n_jobs);
 
-    /// The same without bounds on the number and time of the points.
+    /// Constructs a generator without limits on the number and time of the points.
     ///
     /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
     /// \param scale_width,scale_height  Scaled units per pixel, larger than 0.
     /// \param scale_time  Scaled units per microsecond, larger than 0.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
-    /// \param eps  Radius of neighbourhoods, scaled units, larger than 0; strict.
+    /// \param eps  Radius of a neighbourhood, scaled units, larger than 0.
     /// \param min_pts  Points that make a neighbourhood dense, at least 1.
     /// \param n_jobs  Threads to cluster with, as above.
     /// \throws std::runtime_error  for an invalid argument.
@@ -80,11 +125,11 @@ public:
                                  float scale_height, float scale_time, EventFilterType filter_type,
                                  double eps, int min_pts, int n_jobs);
 
-    /// The same without bounds, with scales of 1.
+    /// Constructs a generator without limits, with scales of 1.
     ///
     /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
-    /// \param eps  Radius of neighbourhoods, scaled units, larger than 0; strict.
+    /// \param eps  Radius of a neighbourhood, scaled units, larger than 0.
     /// \param min_pts  Points that make a neighbourhood dense, at least 1.
     /// \param n_jobs  Threads to cluster with, as above.
     /// \throws std::runtime_error  for an invalid argument.
@@ -92,72 +137,78 @@ public:
     DensityBasedClusterGenerator(int sensor_width, int sensor_height, EventFilterType filter_type,
                                  double eps, int min_pts, int n_jobs);
 
-    /// Waits for nothing: no other call may be under way.
+    /// Not synchronised: no other call on this object may be running.
     virtual ~DensityBasedClusterGenerator();
 
-    /// Takes one event, unless the filter ignores it. Constant time; with a bounded capacity, no
-    /// allocation as long as `generateClusters` is called before 1.5 times as many events are fed.
+    /// Adds one event, unless the filter ignores it. Takes constant time. With a limited capacity,
+    /// nothing is allocated as long as at most 1.5 times as many events arrive between two calls of
+    /// `generateClusters`.
+    ///
+    /// The position is not checked. An event off the sensor becomes a point like any other: it
+    /// counts, joins clusters and is returned by `getClusterPoints`. Only the boxes of the clusters
+    /// are clipped to the sensor.
     ///
     /// \tparam EventT  `Event2D`, `Event2DFrequency` or `Event2DPeriod<T>`.
     /// \param event  Null is ignored.
     template <class EventT>
     void processEvent(const EventT* event);
 
-    /// Takes events, one after the other: the same as `processEvent` for each of them, in less time.
+    /// Adds several events. Does the same as `processEvent` for each of them, events off the sensor
+    /// included, but faster.
     ///
-    /// \param events  `count` events in a row. Null is ignored, whatever `count` is.
+    /// \param events  Array of `count` events. Null is ignored, whatever `count` is.
     /// \param count  Number of events; 0 does nothing.
     template <class EventT>
     void processEvents(const EventT* events, std::size_t count);
 
-    /// Clusters the points since the last call, the newest of them: at most `max_capacity`, and not
-    /// more than the window of time counts events. Takes the time of `DensityClustering`.
+    /// Clusters the newest points since the previous call: at most `max_capacity`, and at most as
+    /// many as the time window counts events. Takes as long as `DensityClustering`.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
-    /// \param clusters  Emptied first; then a box for each cluster, clipped to the sensor. A
+    /// \param clusters  Emptied first. Receives one box per cluster, clipped to the sensor. A
     ///     cluster without area, or off the sensor, has the box (0, 0, 0, 0). In three dimensions,
-    ///     start and duration hold the low 32 bits of the microseconds, 0 where a number does not
-    ///     fit 64 bits.
-    /// \throws std::runtime_error  "n_jobs must be greater than 0" if the number of threads came to
-    ///     0.
+    ///     start and duration hold the low 32 bits of the microseconds, and 0 for a number that
+    ///     does not fit into 64 bits.
+    /// \throws std::runtime_error  "n_jobs must be greater than 0" if the number of threads works
+    ///     out to 0.
     /// \throws std::system_error  if a thread cannot be started.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
-    /// Forgets the points of the last `generateClusters`, but not the events since.
+    /// Forgets the points of the last `generateClusters`, but keeps the events since.
     void reset();
 
-    /// Appends the points of each cluster of the last `generateClusters`. After `reset`, they are
-    /// still as many clusters, but without points.
+    /// Appends the points of each cluster of the last `generateClusters`. After `reset`, the number
+    /// of clusters is the same, but they are empty.
     ///
-    /// \param points  Grows by a vector for each cluster, in the order of the clusters.
+    /// \param points  Receives one vector per cluster, in the order of the clusters.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale);
 
-    /// Appends a matrix for each cluster, `CV_32F` or `CV_64F` as `T` is: a row per point, a column
-    /// per coordinate. Takes no lock: not while clusters are generated.
+    /// Appends one matrix per cluster, `CV_32F` or `CV_64F` according to `T`, with one row per point
+    /// and one column per coordinate. Takes no lock: do not call it while clusters are generated.
     ///
-    /// \param points  Grows by a matrix of n rows and `DIM` columns for each cluster of n points.
+    /// \param points  Receives a matrix of n rows and `DIM` columns for each cluster of n points.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<cv::Mat>& points, bool restore_scale);
 
-    /// Replaces `points` by one column with the points of all clusters, one cluster after the
-    /// other, each an element with a channel per coordinate. Takes no lock: not while clusters are
+    /// Replaces `points` by a single column of the points of all clusters, cluster by cluster. Each
+    /// element has one channel per coordinate. Takes no lock: do not call it while clusters are
     /// generated.
     ///
     /// \param points  Becomes a matrix of n rows, one column and `DIM` channels for n points in all.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
 
-    /// Sets the most points to cluster. Reserves nothing.
-    /// \param max_capacity  Points, at least 1; the largest number stands for no bound.
-    /// \returns whether it was set: false, and nothing changes, for 0.
+    /// Sets how many points are clustered at most. Reserves nothing.
+    /// \param max_capacity  Points, at least 1; the largest number means no limit.
+    /// \returns whether it was set. For 0, returns false and changes nothing.
     bool setMaxCapacity(unsigned long long max_capacity);
 
-    /// Tells whether `max_time_length` could be the window of time: it is not 0, and not smaller
-    /// than the 100 bins (fewer for a shorter window) in which events are counted.
+    /// Checks whether `max_time_length` would be a valid time window: not 0, and not smaller than
+    /// the 100 bins (fewer for a shorter window) in which events are counted.
     /// \param max_time_length  Microseconds.
-    /// \returns whether it could be; 0 could not.
-    /// \note The window stays as it was constructed.
+    /// \returns whether it is valid.
+    /// \note The time window does not change after construction.
     bool setMaxTimeLength(unsigned long long max_time_length);
 
 private:

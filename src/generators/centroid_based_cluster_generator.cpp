@@ -184,6 +184,14 @@ bool CentroidBasedClusterGenerator<DIM, T>::Impl::setMaxTimeLength(
 
 template <int DIM, typename T>
 CentroidBasedClusterGenerator<DIM, T>::CentroidBasedClusterGenerator(
+    int sensor_width, int sensor_height, const CentroidBasedClusterGeneratorOptions& options)
+    : CentroidBasedClusterGenerator(sensor_width, sensor_height, options.scale_width,
+                                    options.scale_height, options.scale_time, options.filter_type,
+                                    options.max_capacity, options.max_time_length,
+                                    options.k_clusters, options.max_iter, options.tol) {}
+
+template <int DIM, typename T>
+CentroidBasedClusterGenerator<DIM, T>::CentroidBasedClusterGenerator(
     int sensor_width, int sensor_height, float scale_width, float scale_height, float scale_time,
     EventFilterType filter_type, unsigned long long max_capacity,
     unsigned long long max_time_length, unsigned long long k_clusters, unsigned long long max_iter,

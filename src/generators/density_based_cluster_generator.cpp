@@ -181,6 +181,14 @@ bool DensityBasedClusterGenerator<DIM, T>::Impl::setMaxTimeLength(
 
 template <int DIM, typename T>
 DensityBasedClusterGenerator<DIM, T>::DensityBasedClusterGenerator(
+    int sensor_width, int sensor_height, const DensityBasedClusterGeneratorOptions& options)
+    : DensityBasedClusterGenerator(sensor_width, sensor_height, options.scale_width,
+                                   options.scale_height, options.scale_time, options.filter_type,
+                                   options.max_capacity, options.max_time_length, options.eps,
+                                   options.min_pts, options.n_jobs) {}
+
+template <int DIM, typename T>
+DensityBasedClusterGenerator<DIM, T>::DensityBasedClusterGenerator(
     int sensor_width, int sensor_height, float scale_width, float scale_height, float scale_time,
     EventFilterType filter_type, unsigned long long max_capacity,
     unsigned long long max_time_length, double eps, int min_pts, int n_jobs)

@@ -358,6 +358,13 @@ GridBasedClusterGenerator::GridBasedClusterGenerator(int sensor_width, int senso
                                   max_cluster_size, min_cluster_size, filter_type, count_pixel_once,
                                   activation_threshold)) {}
 
+GridBasedClusterGenerator::GridBasedClusterGenerator(
+    int sensor_width, int sensor_height, const GridBasedClusterGeneratorOptions& options)
+    : GridBasedClusterGenerator(sensor_width, sensor_height, options.cell_width,
+                                options.cell_height, options.max_cluster_size,
+                                options.min_cluster_size, options.filter_type,
+                                options.count_pixel_once, options.activation_threshold) {}
+
 GridBasedClusterGenerator::~GridBasedClusterGenerator() = default;
 
 template <class Event>
