@@ -15,22 +15,32 @@ class CentroidBasedClusterGenerator;
 template <int DIM, typename T>
 class NearestCentroid;
 
-/// Divides points into k clusters around centroids: k-means, by the iteration of S. P. Lloyd: "Least
-/// Squares Quantization in PCM", IEEE Transactions on Information Theory 28(2), 1982.
+/// Divides points into k clusters around centroids: k-means, with the iteration of S. P. Lloyd:
+/// "Least Squares Quantization in PCM", IEEE Transactions on Information Theory 28(2), 1982.
 ///
-/// The first centroids are points that lie far from each other, found by furthest-point sampling
-/// (T. F. Gonzalez: "Clustering to Minimize the Maximum Intercluster Distance", Theoretical Computer
-/// Science 38, 1985) from one point drawn at random. Each iteration assigns every point to its
-/// nearest centroid and then moves each centroid to the mean of its points. A centroid without
-/// points moves to the point that lies furthest from its own centroid.
+/// The first centroids are points far from each other. Furthest-point sampling (T. F. Gonzalez:
+/// "Clustering to Minimize the Maximum Intercluster Distance", Theoretical Computer Science 38,
+/// 1985) finds them, starting at a random point. Each iteration assigns every point to its nearest
+/// centroid, then moves each centroid to the mean of its points. A centroid without points moves to
+/// the point furthest from its own centroid.
 ///
-/// One object serves one caller at a time.
+/// \code{.cpp}
+/// using Clustering = kelvora::CentroidClustering<2, float>;
+/// Clustering clustering(2, 50, 0.01);
+/// std::vector<Clustering::Point> points = {0, 1, 20, 21};  // each on the diagonal
+/// std::vector<std::vector<std::size_t>> clusters;
+/// std::vector<std::vector<float>> boxes;
+/// clustering.generateClusters(points, clusters, boxes);
+/// std::cout << clusters.size() << " clusters of " << clusters[0].size() << " points\n";
+/// \endcode
 ///
-/// \note The draw is seeded by the system: two runs on the same points may differ, and there is no
-/// way to fix the seed.
-/// \note Centroids are moved once more after the last assignment: a point may lie closer to another
-/// cluster's centroid than to that of its own.
-/// \note A point with a coordinate that is not finite has no nearest centroid, and falls to the
+/// Only one thread at a time may use an object.
+///
+/// \note The system seeds the random start: two runs on the same points may differ, and the seed
+/// cannot be fixed.
+/// \note Centroids move once more after the last assignment: a point may be closer to the centroid
+/// of another cluster than to its own.
+/// \note A point with a coordinate that is not finite has no nearest centroid. It belongs to the
 /// first cluster.
 ///
 /// \tparam DIM  2 or 3.
@@ -38,18 +48,18 @@ class NearestCentroid;
 template <int DIM, typename T>
 class CentroidClustering {
 public:
-    /// What is clustered.
+    /// The type of the points.
     using Point = KDPoint<DIM, T>;
 
     /// \param k  Number of clusters, at least 1.
     /// \param max_iter  Most iterations, at least 1.
-    /// \param tol  Stop when the sum of the squared distances of all points to their centroids
-    ///     changes by less than this from one iteration to the next; squared units of the
-    ///     coordinates, larger than 0. NaN is not refused, and never stops early. An iteration that
-    ///     found a centroid without points does not stop either.
+    /// \param tol  Iterations end when the sum of the squared distances of all points to their
+    ///     centroids changes by less than this, squared units of the coordinates, larger than 0. NaN
+    ///     is accepted, and never ends them early. They also continue after an iteration that found
+    ///     a centroid without points.
     /// \throws std::runtime_error  for an invalid argument.
     CentroidClustering(std::size_t k, std::size_t max_iter, double tol);
-    /// Frees what the runs kept.
+    /// Frees the buffers kept between calls.
     ~CentroidClustering();
 
     /// \cond no copies
@@ -57,34 +67,33 @@ public:
     CentroidClustering& operator=(const CentroidClustering&) = delete;
     /// \endcond
 
-    /// Clusters `points`. For n of them, time about n k for the first centroids; per iteration about n,
-    /// with a factor that grows slowly with k.
+    /// Clusters `points`. For n points, the first centroids take about n k time. Each iteration
+    /// takes about n, with a factor that grows slowly with k.
     ///
     /// \param points  Not used after the call. If there are fewer than k, there are no clusters and
-    ///     no centroids, and the counts stay as they were.
-    /// \param clusters  Emptied first; then k lists of the indices of points, ascending. Lists are
+    ///     no centroids, and the counts stay the same.
+    /// \param clusters  Emptied first. Receives k lists of point indices, each ascending. Lists are
     ///     empty where several centroids coincide.
-    /// \param cluster_boxes  Emptied first; then for each cluster, in the same order, the smallest
-    ///     coordinate on each axis followed by the extent on each axis. The box of a cluster without
-    ///     points has the largest number as minimum and minus infinity as extent.
+    /// \param cluster_boxes  Emptied first. Receives for each cluster, in the same order, the
+    ///     smallest coordinate on each axis, then the extent on each axis. The box of a cluster
+    ///     without points has the largest number as minimum and minus infinity as extent.
     void generateClusters(const std::vector<Point>& points,
                           std::vector<std::vector<std::size_t>>& clusters,
                           std::vector<std::vector<T>>& cluster_boxes);
 
-    /// Replaces `out` by the k centroids of the last run, in the order of the clusters; none if it
-    /// had fewer points than that.
-    /// \param out  In the unit of the points.
+    /// Replaces `out` by the centroids of the last call, in the order of the clusters.
+    /// \param out  k centroids, in the unit of the points; none if there were fewer than k points.
     void getCentroids(std::vector<Point>& out) const;
 
-    /// Replaces `out` by the number of points of each cluster of the last run that had enough of
-    /// them; zeros before the first.
+    /// Replaces `out` by the number of points of each cluster. They are from the last call with at
+    /// least k points, and zeros before the first such call.
     /// \param out  In the order of the clusters.
-    /// \note Never gets shorter: if k was larger once, zeros follow.
+    /// \note Never gets shorter: if k was larger in an earlier call, zeros follow.
     void getNumPointsPerCluster(std::vector<std::size_t>& out) const;
 
-    /// Sets the number of clusters from the next run on.
+    /// Sets the number of clusters for the next call.
     /// \param k  At least 1.
-    /// \returns whether it was set: false, and nothing changes, for 0.
+    /// \returns whether it was set. For 0, returns false and changes nothing.
     bool setClusterNumber(std::size_t k);
 
 private:
@@ -110,11 +119,11 @@ private:
     std::size_t k;
     std::size_t max_iter;
     double tol;
-    KDTree<DIM, T> kd_tree;  ///< Over `centroids`, as they were before they moved last.
+    KDTree<DIM, T> kd_tree;  ///< Over `centroids`, before their last move.
     std::vector<Point> centroids;
     std::vector<std::size_t> num_points_per_cluster;
     std::vector<std::size_t> labels;         ///< The cluster of each point.
-    std::vector<std::size_t> nearest_index;  ///< What the tree answers, kept to allocate once.
+    std::vector<std::size_t> nearest_index;  ///< Answer of the tree, kept to allocate once.
     std::vector<T> nearest_squared_distance;
 };
 

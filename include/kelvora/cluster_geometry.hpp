@@ -9,21 +9,30 @@ namespace kelvora {
 
 /// The box around one cluster, as every generator reports it.
 ///
-/// A plain value with public fields, copied and moved field by field; no constructor checks what it
-/// is given. Any number of threads may read one at the same time.
+/// A plain value with public fields, copied and moved field by field. No constructor checks its
+/// arguments. Any number of threads may read one at the same time.
+///
+/// \code{.cpp}
+/// const kelvora::ClusterGeometry cluster(10, 20, 6, 4, 1000);
+/// const cv::Point_<float> centre = cluster.getCenter();
+/// std::cout << "centre " << centre.x << ", " << centre.y << '\n';  // 13, 22
+/// const cv::Rect_<float> left_half(0, 0, 320, 480);
+/// const bool is_left = (cluster.get2DBoundingBox() & left_half).area() == cluster.getArea();
+/// std::cout << (is_left ? "in" : "not in") << " the left half\n";
+/// \endcode
 struct KELVORA_EXPORT ClusterGeometry {
     float x;                   ///< Left edge, pixels.
     float y;                   ///< Top edge, pixels.
-    unsigned long long z;      ///< Start along a third axis; the generators leave it 0.
+    unsigned long long z;      ///< Start along a third axis; generators set it to 0.
     float width;               ///< Pixels.
     float height;              ///< Pixels.
-    unsigned long long depth;  ///< Extent along the third axis; the generators leave it 0.
+    unsigned long long depth;  ///< Extent along the third axis; generators set it to 0.
     int start_time = -1;  ///< Start in time (low 32 bits of the microseconds), -1 if not known.
     int duration = 0;     ///< Length in time, microseconds.
     unsigned long long timestamp = 0;  ///< As passed to `generateClusters`, microseconds.
 
     /// Sets `start_time`, `duration` and `timestamp` to their defaults.
-    /// \note The box stays uninitialised, also with `{}`: assign it before reading it.
+    /// \note The box is not initialised, not even with `{}`: assign it before you read it.
     ClusterGeometry();
 
     /// A box in the image plane; `z` and `depth` are 0, the extent in time is not set.
@@ -52,7 +61,7 @@ struct KELVORA_EXPORT ClusterGeometry {
     ClusterGeometry(float x, float y, float width, float height, int start_time, int duration,
                     unsigned long long timestamp);
 
-    /// Every field as given.
+    /// Sets every field.
     /// \param x,y  Left and top edge, pixels.
     /// \param z,depth  Start and extent along a third axis.
     /// \param width,height  Pixels.

@@ -11,55 +11,64 @@
 
 namespace kelvora {
 
-/// Follows objects from batch to batch of clusters, and gives each a number.
+/// Follows objects from one batch of clusters to the next, and gives each object a number.
 ///
 /// Tracking by detection without appearance, in the manner of SORT (A. Bewley, Z. Ge, L. Ott, F.
 /// Ramos, B. Upcroft: "Simple Online and Realtime Tracking", ICIP 2016): each track predicts where
-/// its object is by a motion model, the predictions are associated with the clusters, and tracks
-/// begin and end by how often that succeeds. Other than there, the velocity is that of a straight
-/// line through the last positions (least squares) rather than a Kalman filter's, and association
-/// is by distance and size with a `DistanceBasedClusterMatcher`: nearest pairs first.
+/// its object is with a motion model, the predictions are associated with the clusters, and tracks
+/// begin and end depending on how often that succeeds. Unlike SORT, the motion model is a straight
+/// line through the last positions (least squares) instead of a Kalman filter. A
+/// `DistanceBasedClusterMatcher` associates by distance and size, nearest pairs first.
 ///
-/// - A confirmed track that is left over takes a free cluster of another size if the two boxes
-///   overlap by 0.6 or more (intersection over union), and no other confirmed track lies there: an
-///   object that enters or leaves the view.
-/// - A cluster that no track claims begins a tentative track, unless it is largely a part of a
-///   confirmed track's box or contains one: an object's outline that fell to pieces, or several
-///   objects that merged into one cluster.
-/// - A track is confirmed once it has been matched `min_hits` times. A tentative one ends when it is
-///   not matched.
-/// - A confirmed track that is not matched goes on along its line. While the predicted box lies
-///   largely within some cluster, the object is taken to be hidden there, merged with another one:
-///   for as many updates as the track has been matched. Otherwise it ends after `max_missed`
-///   updates.
+/// - A confirmed track without a cluster takes a free cluster of another size if the two boxes
+///   overlap by 0.6 or more (intersection over union), and no other confirmed track lies there. This
+///   happens when an object enters or leaves the view.
+/// - A cluster without a track begins a tentative track, unless it lies largely within the box of a
+///   confirmed track or contains one. Such a cluster is a fragment of an object's outline, or several
+///   objects that merged.
+/// - A track is confirmed after `min_hits` matches. A tentative track ends when it is not matched.
+/// - A confirmed track that is not matched continues along its line. While the predicted box lies
+///   largely within a cluster, the object counts as hidden: merged with another object. It may stay
+///   hidden for as many updates as it was matched before. Otherwise the track ends after
+///   `max_missed` updates.
 ///
-/// Nothing is random, and no state is shared: the same batches give the same tracks. One object
-/// serves one thread at a time.
+/// \code{.cpp}
+/// kelvora::ClusterTracker tracker;
+/// for (int i = 0; i < 5; ++i) {
+///     const auto time = static_cast<unsigned long long>(i) * 10000;
+///     const float x = 100.0F + 3.0F * static_cast<float>(i);
+///     const std::vector<int> ids = tracker.update({{x, 50, 20, 20, time}});
+///     std::cout << "track " << ids[0] << " at " << x << '\n';
+/// }
+/// std::cout << tracker.getTracks()[0].vx << " pixels per second\n";  // 300
+/// \endcode
+///
+/// The same batches always give the same tracks. Only one thread at a time may use an object.
 class KELVORA_EXPORT ClusterTracker {
 public:
-    /// Whether a track has been matched often enough to be believed.
+    /// Whether a track has been matched often enough to be trusted.
     enum class State {
-        Tentative,  ///< Not yet; ends as soon as it is not matched.
-        Confirmed   ///< `min_hits` times at least.
+        Tentative,  ///< Matched fewer than `min_hits` times; ends when it is not matched.
+        Confirmed   ///< Matched at least `min_hits` times.
     };
 
-    /// What is known of an object.
+    /// An object and its state after the last update.
     struct Track {
         int id;       ///< From 1, in the order in which tracks begin; never used again.
         State state;  ///< Tentative or confirmed.
 
-        /// The cluster of the last update or, for a track that has none, the predicted box: the
-        /// usual size around the predicted centre.
+        /// The cluster of the last update. Without one, the predicted box: the usual size around the
+        /// predicted centre.
         ClusterGeometry box;
 
-        float vx;     ///< Velocity of the centre, pixels per second.
-        float vy;     ///< The same, downwards.
+        float vx;     ///< Velocity of the centre to the right, pixels per second.
+        float vy;     ///< Velocity of the centre downwards, pixels per second.
         int cluster;  ///< Index of the cluster of the last update, -1 for none.
         int hits;     ///< Updates with a cluster.
-        int missed;   ///< Updates without a cluster since, but those while hidden.
+        int missed;   ///< Updates since the last cluster, not counting hidden ones.
 
-        /// Whether there was no cluster of its own in the last update, but the predicted box lies
-        /// largely within another one.
+        /// Whether the object had no cluster in the last update, but its predicted box lies largely
+        /// within the cluster of another.
         bool is_hidden;
     };
 
@@ -69,36 +78,38 @@ public:
     static constexpr int kDefaultMinHits = 3;              ///< Updates.
 
     /// \param max_distance  Largest distance between the centres of a predicted box and its cluster,
-    ///     pixels, at least 0. A new track has no velocity yet: it bounds what an object may move
-    ///     between two updates.
+    ///     pixels, at least 0. A new track has no velocity yet, so this is also how far its object
+    ///     may move between two updates.
     /// \param max_size_change  Largest difference in width, and in height, between a cluster and the
     ///     track's usual size, pixels, at least 0.
-    /// \param max_missed  Updates that a confirmed track survives without a cluster, at least 0.
+    /// \param max_missed  Updates without a cluster that a confirmed track survives, at least 0.
     /// \param min_hits  Updates with a cluster that confirm a track, at least 1.
     /// \throws std::invalid_argument  for an argument below its bound or NaN.
     explicit ClusterTracker(float max_distance = kDefaultMaxDistance,
                             float max_size_change = kDefaultMaxSizeChange,
                             int max_missed = kDefaultMaxMissed, int min_hits = kDefaultMinHits);
 
-    /// Takes the clusters of the next window, in about n log n time for n tracks and clusters that lie
-    /// apart. A track or cluster that is left over is compared with all others: n^2 at worst.
+    /// Updates the tracks with the clusters of the next window. Takes about n log n time for n tracks
+    /// and clusters that do not overlap. Each track or cluster without a match is compared with all
+    /// others, so that the worst case is n^2.
     ///
-    /// \param clusters  What a `generateClusters` reported, all with its timestamp, which must not be
-    ///     lower than before. None means that no track was seen; predictions then stay where they
-    ///     are. Clusters without area, or whose centre or area is not finite, belong to no track.
-    /// \returns for each cluster the id of its track, 0 for none.
-    /// \throws std::invalid_argument  for a timestamp lower than before; nothing changes.
+    /// \param clusters  The result of one `generateClusters`. All have the same timestamp, which must
+    ///     not be lower than in the previous update. An empty vector means that no object was seen;
+    ///     predictions then stay where they are. Clusters without area, or whose centre or area is
+    ///     not finite, belong to no track.
+    /// \returns the id of the track of each cluster, 0 for none.
+    /// \throws std::invalid_argument  if the timestamp is lower than before; nothing changes.
     std::vector<int> update(const std::vector<ClusterGeometry>& clusters);
 
-    /// Lists the tracks after the last update, tentative ones included.
-    /// \returns copies of them, by ascending id.
+    /// Returns the tracks after the last update, tentative ones included.
+    /// \returns copies, by ascending id.
     std::vector<Track> getTracks() const;
 
-    /// Ends all tracks. Ids are not used again.
+    /// Ends all tracks. Their ids are not used again.
     void reset();
 
 private:
-    /// Where a track was matched.
+    /// A position at which a track was matched.
     struct Sighting {
         std::uint64_t timestamp;
         float x, y, width, height;  ///< Centre and size, pixels.
@@ -106,8 +117,8 @@ private:
 
     struct Target {
         Track track;
-        std::vector<Sighting> sightings;  ///< The last ones, oldest first.
-        int hidden = 0;                   ///< Updates since the last sighting.
+        std::vector<Sighting> sightings;  ///< The latest, oldest first.
+        int hidden = 0;                   ///< Hidden updates since the last sighting.
     };
 
     KELVORA_NO_EXPORT void predictTargets();

@@ -19,20 +19,30 @@ namespace kelvora {
 /// 1996.
 ///
 /// A point with enough neighbours closer than a radius is a core point. Core points that are
-/// neighbours of each other belong to one cluster, and so does a point that is a neighbour of a
-/// core point without being one itself, a border point. All others are noise and belong to no
-/// cluster.
+/// neighbours belong to the same cluster. A point that is not core but has a core neighbour is a
+/// border point, and belongs to the cluster of that neighbour. All other points are noise and
+/// belong to no cluster.
 ///
-/// One object serves one caller at a time.
+/// \code{.cpp}
+/// using Clustering = kelvora::DensityClustering<2, float>;
+/// Clustering clustering(2.0, 3);
+/// std::vector<Clustering::Point> points = {0, 1, 2, 20, 40, 41, 42};  // each on the diagonal
+/// std::vector<std::vector<std::size_t>> clusters;
+/// std::vector<std::vector<float>> boxes;
+/// clustering.generateClustersMultiThread(points, clusters, boxes, 1);
+/// std::cout << clusters.size() << " clusters of " << clusters[0].size() << " points\n";
+/// \endcode
 ///
-/// \note One and several jobs differ on purpose:
+/// Only one thread at a time may use an object; debug builds assert this.
+///
+/// \note Results deliberately differ between one job and several:
 /// - With one job, a point is core if at least `min_pts` points lie within the radius, itself
-///   included. With more, if at least `min_pts` others do.
-/// - With one job, a border point belongs to the first cluster that reaches it. With more, it joins
-///   the clusters of all core points it is a neighbour of into one.
-/// - With one job, boxes are exact. With more, the cluster's first point does not count for the
-///   largest coordinates, which start at 0 instead: an extent is too small if the first point alone
-///   lies at the far end, and too large if all coordinates are negative.
+///   included. With several, at least `min_pts` other points must.
+/// - With one job, a border point belongs to the first cluster that reaches it. With several, it
+///   joins the clusters of all its core neighbours into one.
+/// - With one job, boxes are exact. With several, the first point of a cluster does not count for
+///   the largest coordinates, which start at 0 instead: an extent is too small if only the first
+///   point lies at the far end, and too large if all coordinates are negative.
 /// \note Points with a coordinate that is not finite have no neighbours: they are noise.
 ///
 /// \tparam DIM  2 or 3.
@@ -40,15 +50,17 @@ namespace kelvora {
 template <int DIM, typename T>
 class DensityClustering {
 public:
-    /// What is clustered.
+    /// The type of the points.
     using Point = KDPoint<DIM, T>;
 
+    /// Neither parameter is checked.
+    ///
     /// \param eps  The radius, in the unit of the coordinates. Points at exactly this distance are
     ///     not neighbours.
-    /// \param min_pts  Points that a neighbourhood needs to be dense. Neither is checked; with 0 or
-    ///     a negative number there are no clusters.
+    /// \param min_pts  Points that make a neighbourhood dense. With 0 or a negative number there are
+    ///     no clusters.
     DensityClustering(double eps, int min_pts);
-    /// Frees what the runs kept.
+    /// Frees the buffers kept between calls.
     ~DensityClustering();
 
     /// \cond no copies
@@ -56,18 +68,18 @@ public:
     DensityClustering& operator=(const DensityClustering&) = delete;
     /// \endcond
 
-    /// Clusters `points`. With one job, about n log n + n m time for n points with m neighbours on
-    /// average, and 100 bytes of memory per point (`float`). With several, time and memory hardly
-    /// depend on m, and 60 bytes per point are enough: about n log n time, unless the points lie so far
-    /// apart for the radius that a tree has to be searched, as with one job.
+    /// Clusters `points`. With one job, n points with m neighbours on average take about
+    /// n log n + n m time, and 100 bytes of memory per point (`float`). With several jobs, time and
+    /// memory hardly depend on m: they take about n log n time and 60 bytes per point. If the points
+    /// are too far apart for the radius, several jobs search a tree, and take as long as one job.
     ///
     /// \param points  Must not change during the call; not used afterwards.
-    /// \param clusters  Emptied first; then the indices of each cluster's points. With one job,
-    ///     clusters come in the order of their first core points; with more, in any order, each
-    ///     with ascending indices.
-    /// \param boxes  Emptied first; then for each cluster, in the same order, the smallest
-    ///     coordinate on each axis followed by the extent on each axis.
-    /// \param n_jobs  Threads that look for neighbours, at least 1. With 1, none is started.
+    /// \param clusters  Emptied first. Receives the point indices of each cluster. With one job,
+    ///     clusters are in the order of their first core points. With several, clusters are in any
+    ///     order, and their indices ascend.
+    /// \param boxes  Emptied first. Receives for each cluster, in the same order, the smallest
+    ///     coordinate on each axis, then the extent on each axis.
+    /// \param n_jobs  Threads that search for neighbours, at least 1. With 1, no thread is started.
     /// \throws std::runtime_error  "n_jobs must be greater than 0"; nothing changes.
     /// \throws std::length_error  with more than 2^30 points.
     /// \throws std::system_error  if a thread cannot be started.
@@ -92,14 +104,14 @@ private:
 
     double eps;
     int min_pts;
-    // Established members, without use: the engines keep the like of them in less memory.
+    // Unused, kept for compatibility: `engines` holds the working data in less memory.
     KDTree<DIM, T> kd_tree;
     std::vector<bool> visited;
     std::vector<std::uint32_t> unused;
     Neighbours seed_list;
     Neighbours neighbour_list;
     std::vector<std::vector<std::size_t>> neighbour_lists;
-    std::atomic<std::size_t> next_point;  ///< The next block of points to be searched or joined.
+    std::atomic<std::size_t> next_point;  ///< Next block of points to search or join.
     std::unique_ptr<Engines> engines;
 };
 

@@ -12,75 +12,85 @@
 
 namespace kelvora {
 
-/// Associates the clusters of one batch with those of another, for instance of two successive calls
-/// of a generator, so that objects can be followed over time.
+/// Associates the clusters of two batches, for instance of two successive calls of a generator, so
+/// that objects can be followed over time.
 ///
-/// Two clusters may belong together if their centres are close enough and their boxes are of similar
-/// size. Of all such pairs the closest is accepted first, and each cluster belongs to one pair at
-/// most.
+/// Two clusters can form a pair if their centres are close enough and their boxes are of similar
+/// size. The closest pair is accepted first, and each cluster belongs to at most one pair.
 ///
-/// One object serves one caller at a time.
+/// \code{.cpp}
+/// std::vector<kelvora::ClusterGeometry> before = {{10, 10, 20, 20, 1000}, {90, 10, 20, 20, 1000}};
+/// std::vector<kelvora::ClusterGeometry> after = {{92, 11, 21, 20, 2000}, {13, 9, 20, 19, 2000}};
+/// kelvora::DistanceBasedClusterMatcher matcher(15.0F, 5.0F);
+/// matcher.matchClusters(before, after);
+/// for (const auto& pair : matcher.getPairRecords()) {
+///     std::cout << pair.first_index << " became " << pair.second_index << '\n';
+/// }
+/// \endcode
+///
+/// Only one thread at a time may use an object.
 class KELVORA_EXPORT DistanceBasedClusterMatcher {
 public:
-    /// Called for each accepted pair with its cluster of the first batch, its cluster of the second,
-    /// and the tag of the pass.
+    /// Called for each accepted pair with its cluster in the first batch, its cluster in the second
+    /// batch, and the tag of the pass.
     using DetectedMatchCallback = std::function<void(ClusterGeometry&, ClusterGeometry&, int)>;
 
     /// An accepted pair.
     struct PairRecord {
-        std::int32_t first_index;   ///< Position of the one cluster in the first batch.
-        std::int32_t second_index;  ///< Position of the other in the second.
+        std::int32_t first_index;   ///< Position in the first batch.
+        std::int32_t second_index;  ///< Position in the second batch.
         std::int32_t match_tag;     ///< As passed to `matchClusters`.
-        float squared_distance;     ///< Between the centres before the pass, square pixels.
+        float squared_distance;     ///< Between the centres, before the pass; square pixels.
     };
 
-    /// \param distance_threshold  Largest distance between the centres of a pair, pixels. Only its
-    ///     square counts, and so its sign does not.
-    /// \param size_threshold  Largest difference between the widths of a pair, and between the
-    ///     heights, pixels. If it is negative there are no pairs.
+    /// Neither threshold is checked. If one of them is NaN, there are no pairs.
     ///
-    /// Neither is checked; with NaN in one of them there are no pairs.
+    /// \param distance_threshold  Largest distance between the centres of a pair, pixels. Only its
+    ///     square is used, so the sign is ignored.
+    /// \param size_threshold  Largest difference between the widths of a pair, and between the
+    ///     heights, pixels. If it is negative, there are no pairs.
     DistanceBasedClusterMatcher(float distance_threshold, float size_threshold);
 
     /// Copies the thresholds, the callback and the records of the last pass.
-    /// \param other  What to copy; stays as it is.
+    /// \param other  The matcher to copy.
     DistanceBasedClusterMatcher(const DistanceBasedClusterMatcher& other);
     /// Copies the thresholds, the callback and the records of the last pass.
-    /// \param other  What to copy; stays as it is.
+    /// \param other  The matcher to copy.
     /// \returns this matcher.
     DistanceBasedClusterMatcher& operator=(const DistanceBasedClusterMatcher& other);
 
-    /// Drops the callback and the records.
+    /// Destroys the callback and the records.
     ~DistanceBasedClusterMatcher();
 
     /// Replaces the callback.
-    /// \param callback  Is copied; an empty one removes the callback.
+    /// \param callback  Copied. An empty function removes the callback.
     void setDetectedMatchCallback(const DetectedMatchCallback& callback);
 
-    /// Pairs the clusters of `first` with those of `second`, and calls the callback for each pair.
+    /// Pairs clusters of `first` with clusters of `second`, and calls the callback for each pair.
     ///
-    /// Candidates are all pairs with centres within the distance threshold, the threshold included.
-    /// They are taken by ascending distance between the centres, then by ascending position in
-    /// `first`, then in `second`; one is accepted if both clusters are still free and the sizes
-    /// match. Distances are computed in `float`. A centre that is not a number has no candidates.
+    /// Candidates are all pairs whose centres are at most the distance threshold apart. They are
+    /// considered by ascending distance, then by ascending position in `first`, then in `second`. A
+    /// candidate is accepted if both clusters are still free and the sizes match. Distances are
+    /// computed in `float`. A cluster whose centre is NaN has no candidates.
     ///
-    /// For n clusters and c candidates the pass takes about n log n + c log c time and c memory, as
-    /// long as the centres are within some 10^9 pixels. A threshold as large as the sensor makes
+    /// For n clusters and c candidates, a pass takes about n log n + c log c time and c memory, as
+    /// long as the centres are within about 10^9 pixels. A threshold as large as the sensor makes
     /// every pair a candidate.
     ///
     /// \param first,second  At most 2^31 - 1 clusters each. They may be the same vector; each
-    ///     cluster that matches at all then matches itself. The pass itself changes no cluster.
-    /// \param match_tag  Handed to the callback and kept in the records, for the caller's use.
+    ///     cluster then matches itself, if it matches at all. The pass changes no cluster.
+    /// \param match_tag  Passed to the callback and stored in the records, for the caller's use.
     /// \returns the number of pairs.
-    /// \note What the callback throws comes out at once: the records are those of the pairs before.
-    /// \note Candidates and their order are settled before the callback is called first; sizes are
-    ///     compared when it is the turn of a pair. The callback may change clusters. It must not
-    ///     resize the batches, nor use this matcher other than to read the records.
+    /// \note An exception from the callback propagates at once. The records then hold the pairs
+    /// before.
+    /// \note Candidates and their order are fixed before the first call of the callback; sizes are
+    /// compared when it is a pair's turn. The callback may change clusters. It must not resize the
+    /// batches, and must not use this matcher except to read the records.
     std::size_t matchClusters(std::vector<ClusterGeometry>& first,
                               std::vector<ClusterGeometry>& second, int match_tag = 0);
 
-    /// Gives the pairs of the last pass.
-    /// \returns them in the order in which they were accepted; valid until the next pass.
+    /// Returns the pairs of the last pass.
+    /// \returns pairs in the order in which they were accepted; valid until the next pass.
     const std::vector<PairRecord>& getPairRecords() const;
 
 private:

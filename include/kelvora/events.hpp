@@ -10,11 +10,18 @@
 #include "kelvora/export.hpp"
 
 /// \file
-/// The records in which a caller hands events to the library, and the polarity filter of the
-/// generators.
+/// Event records, and the polarity filter of the generators.
 ///
 /// All records are standard-layout values with public fields, copied and moved field by field.
-/// Times are microseconds; positions are pixels, counted from the top left corner of the sensor.
+/// Times are in microseconds. Positions are in pixels, from the top left corner of the sensor.
+///
+/// \code{.cpp}
+/// const kelvora::Event2D event(120, 45, 1, 5000);
+/// const kelvora::Event2DPeriod<float> flicker{120, 45, 1, 5000, 10000.0F};  // 100 Hz
+/// const auto filter = kelvora::kNameToFilterType.at("POSITIVE_FREE");
+/// const bool is_ignored = event.polarity == kelvora::kFilterTypeToRejectedPolarity[filter];
+/// std::cout << (is_ignored ? "ignored" : "used") << ", period " << flicker.period << " us\n";
+/// \endcode
 
 namespace kelvora {
 
@@ -48,7 +55,7 @@ struct KELVORA_EXPORT Event2DFrequency {
     unsigned short y;              ///< Pixel row.
     bool polarity;                 ///< True: the pixel became brighter.
     unsigned long long timestamp;  ///< Microseconds.
-    float frequency;               ///< Hertz; carried along, never read by the library.
+    float frequency;               ///< Hertz; never read by the library.
 
     /// All fields 0.
     Event2DFrequency();
@@ -73,9 +80,9 @@ struct KELVORA_EXPORT Event2DFrequency {
 /// An aggregate: build it as `Event2DPeriod<int>{x, y, polarity, timestamp, period}`.
 ///
 /// \tparam T  `int`, `unsigned int`, `float`, `double`, `long long` or `unsigned long long`.
-// No member function is declared: a constructor would make it something else than an aggregate, a
-// move assignment would take away its copy constructor, and a copy assignment would make copying it
-// a deprecated operation.
+// No member function is declared. With a constructor this would not be an aggregate; a move
+// assignment would delete the copy constructor; a copy assignment would make the implicit copy
+// constructor deprecated.
 template <typename T>
 struct Event2DPeriod {
     static_assert(
@@ -88,13 +95,13 @@ struct Event2DPeriod {
     unsigned short y;              ///< Pixel row.
     unsigned char polarity;        ///< 1: the pixel became brighter, 0: darker.
     unsigned long long timestamp;  ///< Microseconds.
-    T period;                      ///< Carried along, never read by the library.
+    T period;                      ///< Never read by the library.
 };
 
 /// An edge on an external trigger input.
 ///
-/// \note The constructor takes the value before the id, whereas the record stores the id first and
-/// the value last.
+/// \note The constructor takes the value before the id, but the record stores the id first and the
+/// value last.
 struct KELVORA_EXPORT EventTriggerIn {
     short trigger_id;              ///< Number of the input.
     unsigned long long timestamp;  ///< Microseconds.
@@ -116,11 +123,10 @@ struct KELVORA_EXPORT EventTriggerIn {
     /// \endcond
 };
 
-/// Two counts that an application passes around together; the library itself never reads or writes
-/// them.
+/// Two counts for use by applications. The library never reads or writes them.
 struct KELVORA_EXPORT KvStatisticInfo {
-    unsigned long long first_count;   ///< The one count.
-    unsigned long long second_count;  ///< The other.
+    unsigned long long first_count;   ///< First count.
+    unsigned long long second_count;  ///< Second count.
 
     /// Both counts 0.
     KvStatisticInfo();
@@ -136,20 +142,20 @@ struct KELVORA_EXPORT KvStatisticInfo {
     /// \endcond
 };
 
-/// Which events a generator ignores, by polarity.
+/// The polarity that a generator ignores.
 enum EventFilterType : std::uint32_t {
-    POLARITY_FREE = 0,  ///< None: both polarities are clustered together.
-    POSITIVE_FREE = 1,  ///< Events of polarity 1 are ignored.
-    NEGATIVE_FREE = 2,  ///< Events of polarity 0 are ignored.
+    POLARITY_FREE = 0,  ///< Ignores none; both polarities are clustered together.
+    POSITIVE_FREE = 1,  ///< Ignores events of polarity 1.
+    NEGATIVE_FREE = 2,  ///< Ignores events of polarity 0.
     POLARITY_SEPARATE =
-        3  ///< None, but the grid generator counts the polarities apart; the others refuse it.
+        3  ///< Ignores none; the grid generator counts each polarity, the others refuse it.
 };
 
-/// The polarity that each filter type, used as index, drops. No event carries polarity 2: nothing
-/// is dropped.
+/// The polarity that each filter type ignores, indexed by filter type. 2 stands for none, because no
+/// event has this polarity.
 inline constexpr std::array<std::uint8_t, 4> kFilterTypeToRejectedPolarity = {2, 1, 0, 2};
 
-/// Name of each filter type, spelled as in the code.
+/// Name of each filter type.
 static const std::unordered_map<EventFilterType, std::string> kFilterTypeToName = {
     {POLARITY_FREE, "POLARITY_FREE"},
     {POSITIVE_FREE, "POSITIVE_FREE"},

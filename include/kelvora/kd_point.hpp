@@ -8,8 +8,21 @@
 
 namespace kelvora {
 
-/// A point of fixed dimension: x, y and, in three dimensions, time. A plain value: any number of
-/// threads may read one, and all operations take constant time.
+/// A point in two or three dimensions: x, y and, in three dimensions, time.
+///
+/// \code{.cpp}
+/// kelvora::KDPoint<2, float> sum;
+/// for (const float x : {1.0F, 2.0F, 6.0F}) {
+///     kelvora::KDPoint<2, float> point;
+///     point.coordinates = {x, 0.0F};
+///     sum += point;
+/// }
+/// const auto mean = sum / 3.0F;
+/// std::cout << "mean " << mean.getPoint(0) << ", " << mean.getPoint(1) << '\n';  // 3, 0
+/// \endcode
+///
+/// A plain value: any number of threads may read one at the same time. All operations take constant
+/// time.
 ///
 /// \tparam DIM  2 or 3.
 /// \tparam T  `float` or `double`.
@@ -22,33 +35,33 @@ struct KDPoint {
     /// x, y and, in three dimensions, time, in scaled units.
     std::array<T, DIM> coordinates;
 
-    /// The origin.
+    /// Constructs the origin.
     KDPoint() : KDPoint(T{0}) {}
 
     /// Sets all coordinates to the same number.
-    /// \param value  That number, in scaled units.
+    /// \param value  The number, in scaled units.
     KDPoint(const T& value) { coordinates.fill(value); }
 
-    /// Reads one coordinate; never fails.
+    /// Returns one coordinate.
     /// \param index  0 for x, 1 for y, 2 for time.
-    /// \returns the coordinate, and 0 for an index that does not exist.
+    /// \returns the coordinate, or 0 if there is no such index.
     T getPoint(int index) const {
         return static_cast<unsigned>(index) < DIM ? coordinates[static_cast<unsigned>(index)]
                                                   : T{0};
     }
 
-    /// Adds coordinate by coordinate.
-    /// \param other  What to add.
+    /// Adds another point, coordinate by coordinate.
+    /// \param other  The point to add.
     /// \returns this point.
     KDPoint& operator+=(const KDPoint& other);
 
-    /// Divides coordinate by coordinate.
-    /// \param divisor  Not guarded: 0 gives infinities or NaN.
-    /// \returns the quotient; this point stays as it is.
+    /// Divides every coordinate.
+    /// \param divisor  Not checked: 0 gives infinities or NaN.
+    /// \returns the quotient; this point does not change.
     KDPoint operator/(T divisor);
 
-    /// Measures the Euclidean distance. Differences and their squares are formed in `T`, and summed
-    /// in `double`: a `float` square that overflows makes the distance infinite.
+    /// Returns the Euclidean distance to another point. Differences and squares are computed in `T`
+    /// and summed in `double`: a `float` square that overflows makes the distance infinite.
     /// \param other  The point to measure to.
     /// \returns the distance, in scaled units.
     double euclideanDistance(const KDPoint& other) const;

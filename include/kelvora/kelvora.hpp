@@ -2,7 +2,17 @@
 #pragma once
 
 /// \file
-/// The whole library.
+/// Includes all headers of the library.
+///
+/// \code{.cpp}
+/// const kelvora::GridBasedClusterGeneratorOptions options;
+/// kelvora::GridBasedClusterGenerator generator(640, 480, options);
+/// kelvora::ClusterTracker tracker;
+/// std::vector<kelvora::ClusterGeometry> clusters;
+/// generator.generateClusters(10000, clusters);  // no events yet: no clusters
+/// tracker.update(clusters);
+/// std::cout << tracker.getTracks().size() << " objects\n";
+/// \endcode
 
 #include "kelvora/centroid_based_cluster_generator.hpp"
 #include "kelvora/centroid_clustering.hpp"

@@ -10,37 +10,45 @@
 
 namespace kelvora {
 
-/// Counts the events of a sliding window of time, in a ring of time bins that are forgotten one by
-/// one.
+/// Counts the events in a sliding time window, with a ring of time bins. The oldest bins are cleared
+/// as time advances.
 ///
-/// Time is that of the events; no clock is read. Not thread-safe.
+/// \code{.cpp}
+/// kelvora::SlidingEventCounter counter(1000, 10);  // 10 bins of 100 us
+/// for (const unsigned long long time : {0ULL, 100ULL, 200ULL, 1150ULL}) {
+///     const kelvora::Event2D event(0, 0, 1, time);
+///     counter.addEvent(&event);
+/// }
+/// std::cout << counter.getEventCount() << " events within 1000 us\n";
+/// \endcode
 ///
-/// \note Time advances by the gap between one event and the next, in whole bins. A stream whose
-/// gaps are all shorter than a bin never advances: all its events are counted, however long ago the
-/// first ones were.
+/// Time is taken from the events; no clock is read. Only one thread at a time may use an object.
+///
+/// \note Time advances by the gap between one event and the next, in whole bins. If all gaps of a
+/// stream are shorter than a bin, time never advances: all events are counted, however old they are.
 class KELVORA_EXPORT SlidingEventCounter {
 public:
     /// \param window_length  Microseconds, at least 1.
-    /// \param num_bins  Bins in the window, at least 1. If there are more than microseconds in the
-    ///     window, one bin per microsecond is used. Bins have a whole number of microseconds, so
-    ///     that together they may be somewhat shorter than the window.
+    /// \param num_bins  Bins in the window, at least 1, and at most one per microsecond is used. A
+    ///     bin is a whole number of microseconds long, so all bins together may be slightly shorter
+    ///     than the window.
     /// \throws std::invalid_argument  if one of them is 0.
     SlidingEventCounter(std::size_t window_length, std::size_t num_bins);
 
-    /// Copies the window and what it has counted.
-    /// \param other  What to copy; stays as it is.
+    /// Copies the window and its counts.
+    /// \param other  The counter to copy.
     SlidingEventCounter(const SlidingEventCounter& other);
 
-    /// Copies the window and what it has counted.
-    /// \param other  What to copy; stays as it is.
+    /// Copies the window and its counts.
+    /// \param other  The counter to copy.
     /// \returns this counter.
     SlidingEventCounter& operator=(const SlidingEventCounter& other);
 
-    /// Takes over the window and what it has counted.
+    /// Moves the window and its counts.
     /// \param other  Is left without bins: it may only be destroyed or assigned to.
     SlidingEventCounter(SlidingEventCounter&& other) noexcept;
 
-    /// Takes over the window and what it has counted.
+    /// Moves the window and its counts.
     /// \param other  Is left without bins: it may only be destroyed or assigned to.
     /// \returns this counter.
     SlidingEventCounter& operator=(SlidingEventCounter&& other) noexcept;
@@ -48,37 +56,38 @@ public:
     /// Frees the bins.
     ~SlidingEventCounter();
 
-    /// Counts one event. Constant time, but for the bins that have to be cleared; no allocation.
+    /// Counts one event. Takes constant time, plus the time to clear old bins. Allocates nothing.
     ///
-    /// Bins saturate. An event that is older than the one before counts as one from a distant
-    /// future: it empties the counter and is counted alone.
+    /// Bins saturate. An event older than the previous one counts as one from the distant future: it
+    /// empties the counter and is counted alone.
     ///
     /// \tparam EventT  `Event2D`, `Event2DFrequency`, or `Event2DPeriod` of `int`, `unsigned int`,
     ///     `float`, `double`, `long long` or `unsigned long long`.
-    /// \param event  Of which the timestamp is read, and nothing else.
+    /// \param event  Only the timestamp is read.
     /// \throws std::invalid_argument  if `event` is null; nothing changes.
     template <class EventT>
     void addEvent(const EventT* event);
 
-    /// Counts events by their times: the same as `addEvent` for each of them, in less time.
+    /// Counts several events by their timestamps. Does the same as `addEvent` for each of them, but
+    /// faster.
     ///
-    /// \param timestamps  `count` times in a row, microseconds.
-    /// \param count  Number of times.
+    /// \param timestamps  Array of `count` timestamps, microseconds.
+    /// \param count  Number of timestamps.
     /// \throws std::invalid_argument  if `timestamps` is null, unless `count` is 0; nothing changes.
     void addTimestamps(const unsigned long long* timestamps, std::size_t count);
 
-    /// Counts the events in the window that ends with the last event.
-    /// \returns their number, modulo 2^32.
+    /// Returns the number of events in the window that ends with the last event.
+    /// \returns the number modulo 2^32.
     std::size_t getEventCount() const;
 
-    /// Tells whether `window_length` could be the window: it is not 0, and not smaller than the
-    /// number of bins.
+    /// Checks whether `window_length` would be a valid window: not 0, and not smaller than the number
+    /// of bins.
     /// \param window_length  Microseconds.
-    /// \returns whether it could be.
-    /// \note Changes nothing.
+    /// \returns whether it is valid.
+    /// \note Does not change the window.
     bool setWindowLength(std::size_t window_length);
 
-    /// Forgets all events; the next one starts afresh.
+    /// Forgets all events. The counter is then as after construction.
     void reset();
 
 private:
