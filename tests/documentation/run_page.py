@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: MIT
-"""Runs the snippets of a Markdown page. Each is run, or gives a reason why not.
+"""Runs the snippets of Markdown pages and headers. Each is run, or gives a reason why not.
 
 - ``cpp`` with a main function is a program, compiled with warnings as errors, and run. Without, it
   is the body of a main function, behind the declarations that its mark gives.
 - ``cmake`` contains the lines of a project after ``project``, to build the page's first program,
   main.cpp.
 - ``sh`` runs line by line until one fails, in a directory with a recording, ``recording.raw``, and
-  with the tool on the path. Snippets of a page share the directory, in their order.
+  with the tool on the path. All snippets share the directory, in their order.
 - ``python`` is run by the tests of the Python package.
 """
 
@@ -71,7 +71,7 @@ def write_project(
     project = PROJECT
     names = []
     for number, snippet in enumerate(programs):
-        name = f"snippet_{snippet.line}"
+        name = f"{snippet.page.stem}_{snippet.line}"
         (directory / f"{name}.cpp").write_text(source_of(snippet), encoding="utf-8")
         options = WARNINGS.format(name=name) if snippet.is_program else ""
         project += OWN_LINES.format(name=name, options=options)
@@ -84,9 +84,9 @@ def write_project(
 
 
 def run_programs(
-    directory: pathlib.Path, page: pathlib.Path, snippets: list[Snippet], cmake: list[str]
+    directory: pathlib.Path, pages: str, snippets: list[Snippet], cmake: list[str]
 ) -> None:
-    """Compile the C++ snippets with the page's lines for CMake, and run them."""
+    """Compile the C++ snippets with the pages' lines for CMake, and run them."""
     # Whole programs first: the page's lines are for one.
     programs = sorted((s for s in snippets if s.language == "cpp"), key=lambda s: not s.is_program)
     lines = [snippet for snippet in snippets if snippet.language == "cmake"]
@@ -96,8 +96,8 @@ def run_programs(
         return
     names = write_project(directory, programs, lines)
     build = directory / "build"
-    run([*cmake, "-S", str(directory), "-B", str(build)], str(page))
-    run(["cmake", "--build", str(build), "--parallel", "2"], str(page))
+    run([*cmake, "-S", str(directory), "-B", str(build)], pages)
+    run(["cmake", "--build", str(build), "--parallel", "2"], pages)
     for name, snippet in zip(names, programs):
         run([str(build / name)], snippet.place)
 
@@ -125,9 +125,9 @@ def fate_of(snippet: Snippet) -> str:
 
 
 def main() -> int:
-    """Run the page given on the command line."""
+    """Run the pages given on the command line."""
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("page", type=pathlib.Path)
+    parser.add_argument("pages", type=pathlib.Path, nargs="+")
     parser.add_argument("--directory", type=pathlib.Path, required=True, help="is emptied first")
     parser.add_argument("--tool", type=pathlib.Path, required=True)
     parser.add_argument(
@@ -137,11 +137,12 @@ def main() -> int:
     shutil.rmtree(arguments.directory, ignore_errors=True)
     arguments.directory.mkdir(parents=True)
     try:
-        snippets = snippets_of(arguments.page)
+        snippets = [snippet for page in arguments.pages for snippet in snippets_of(page)]
         for snippet in snippets:
             print(f"{snippet.place}: {snippet.language}, {fate_of(snippet)}")
         to_run = [snippet for snippet in snippets if not snippet.reason]
-        run_programs(arguments.directory, arguments.page, to_run, arguments.cmake)
+        pages = ", ".join(str(page) for page in arguments.pages)
+        run_programs(arguments.directory, pages, to_run, arguments.cmake)
         run_shell(arguments.directory, to_run, arguments.tool)
     except PageError as error:
         print(error, file=sys.stderr)

@@ -1,11 +1,13 @@
 # SPDX-License-Identifier: MIT
-"""Finds the snippets of a Markdown page.
+"""Finds the snippets of a Markdown page or a header.
 
-A snippet is a fenced block that names its language. A comment in the line before it states what is
-special::
+In a page, a snippet is a fenced block that names its language. A comment in the line before it states
+what is special::
 
     <!-- snippet: with DECLARATIONS -->      C++ in front of a snippet that is no whole program
     <!-- snippet: not run: REASON -->        the one way to leave a snippet out
+
+In a header, a snippet is a ``\\code{.cpp}`` block of a Doxygen comment, and always run.
 """
 
 import dataclasses
@@ -17,6 +19,10 @@ RUN = frozenset({"cpp", "cmake", "sh"})
 RUN_ELSEWHERE = frozenset({"python"})  # by python/tests
 NO_CODE = frozenset({"text", "csv", "json"})
 
+_CODE = re.compile(
+    r"^ */// \\code\{\.cpp\}\n(?P<lines>.*?)^ */// \\endcode$", re.MULTILINE | re.DOTALL
+)
+_COMMENT = re.compile(r"^ */// ?", re.MULTILINE)
 _FENCE = re.compile(r"^(?P<indent> *)```(?P<language>\S*)\s*(?P<argument>.*)$")
 _MARK = re.compile(r"^\s*<!-- snippet: (?P<mark>.*?) -->\s*$")
 _NOT_RUN = re.compile(r"not run: (?P<reason>\S.*)")
@@ -86,14 +92,32 @@ def _blocks(page: pathlib.Path) -> Iterator[tuple[int, str, str, str]]:
         raise PageError(f"{page}: ends within a snippet")
 
 
+def _header_snippets(header: pathlib.Path) -> list[Snippet]:
+    text = header.read_text(encoding="utf-8")
+    found = list(_CODE.finditer(text))
+    if len(found) != text.count("\\code"):
+        raise PageError(f"{header}: a \\code block is not C++, or does not end")
+    return [
+        Snippet(
+            header,
+            text.count("\n", 0, match.start()) + 1,
+            "cpp",
+            _COMMENT.sub("", match["lines"]),
+        )
+        for match in found
+    ]
+
+
 def snippets_of(page: pathlib.Path) -> list[Snippet]:
-    """Find the snippets of a page that are code.
+    """Find the snippets of a page or a header that are code.
 
     Raises
     ------
     PageError
         For a block without or of an unknown language, and for a mark that is not understood.
     """
+    if page.suffix == ".hpp":
+        return _header_snippets(page)
     found = []
     for line, language, text, mark in _blocks(page):
         place = f"{page}:{line}"

@@ -9,7 +9,8 @@ import unittest
 
 from snippets import PageError, Snippet, snippets_of
 
-HERE = pathlib.Path(__file__).parent
+HERE = pathlib.Path(__file__).resolve().parent
+HEADERS = sorted((HERE.parents[1] / "include/kelvora").glob("*.hpp"))
 
 
 def fenced(language: str, text: str, mark: str = "") -> str:
@@ -85,6 +86,34 @@ class SnippetsTest(PageTest):
     def test_leaves_text_and_directives_alone(self) -> None:
         page = fenced("text", "x") + fenced("{toctree}", "x") + fenced("{tool-help} a", "x")
         self.assertEqual(self.snippets(page), [])
+
+
+class HeaderTest(PageTest):
+    """What is found in a header."""
+
+    def snippets(self, text: str) -> list[Snippet]:
+        self.page = self.page.with_suffix(".hpp")
+        return super().snippets(text)
+
+    def test_finds_text_and_line_of_code_in_comments(self) -> None:
+        (snippet,) = self.snippets(
+            "/// A class.\n///\n/// \\code{.cpp}\n"
+            "/// if (a) {\n///     f();\n///\n/// }\n/// \\endcode\n"
+        )
+        self.assertEqual(snippet.text, "if (a) {\n    f();\n\n}\n")
+        self.assertEqual((snippet.language, snippet.line), ("cpp", 3))
+
+    def test_refuses_code_of_another_language_or_without_end(self) -> None:
+        for text in ("/// \\code\n/// f();\n/// \\endcode\n", "/// \\code{.cpp}\n/// f();\n"):
+            with self.subTest(text), self.assertRaisesRegex(PageError, "page.hpp: a .code block"):
+                self.snippets(text)
+
+    def test_every_public_header_has_a_short_example(self) -> None:
+        self.assertTrue(HEADERS)
+        for header in HEADERS:
+            with self.subTest(header.name):
+                (snippet,) = snippets_of(header)
+                self.assertIn(snippet.text.count("\n"), range(5, 13))
 
 
 class RunPageTest(PageTest):
