@@ -68,9 +68,20 @@ private:
     std::array<typename Rows::Offset, Rows::kCount> near_to_far;
     T squared_radius;
     std::size_t min_pts;
-    std::vector<std::uint8_t> state;  ///< Of points, in the order of their cells.
-    ConcurrentSets sets;              ///< The first point stands for a cell that has core points.
-    std::vector<std::uint8_t> cell_has_core;  ///< Not bool: threads write neighbouring ones.
+
+    // Threads use these without a lock or atomics, and do not race:
+    // - Each block of cells is handled by one thread per phase, so no two threads write the same
+    //   element. Elements are bytes, not bits: neighbouring ones may be written at the same time.
+    // - While core points are found, each thread writes the elements of its own block only, and no
+    //   thread reads any.
+    // - A `TaskGate` separates the phases: every write of the first happens before the second.
+    // - While neighbours are joined, no thread writes `cell_has_core`. Of `state`, the thread of a
+    //   block writes the points of cells without core points. Threads read only the state of points
+    //   in cells with core points, which no longer changes.
+    std::vector<std::uint8_t> state;  ///< `PointState` of points, in the order of their cells.
+    std::vector<std::uint8_t> cell_has_core;  ///< 1 for cells with core points, else 0.
+
+    ConcurrentSets sets;  ///< Of points. The first point represents a cell that has core points.
 };
 
 extern template class GridSearch<2, float>;

@@ -25,10 +25,12 @@ public:
 
     virtual std::size_t blocks() const = 0;
 
-    /// Finds the core points of a block. Each block is searched once.
+    /// Finds the core points of a block. Called once per block, by different threads at the same
+    /// time.
     virtual void findCorePoints(std::size_t block) = 0;
 
-    /// Joins the core points of a block with their neighbours, when those of all blocks are known.
+    /// Joins the core points of a block with their neighbours. Called once per block, by different
+    /// threads at the same time, after all calls of `findCorePoints` have returned.
     virtual void joinNeighbours(std::size_t block) = 0;
 
     /// Gives each point, in the caller's order, the number of its set, which is below the number of

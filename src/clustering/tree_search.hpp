@@ -41,8 +41,13 @@ private:
 
     T squared_radius;
     std::size_t min_pts;
-    std::vector<std::uint8_t>
-        is_core;          ///< Of each slot. Not bool: threads write neighbouring ones.
+
+    // Threads use this without a lock or atomics, and do not race: while core points are found, the
+    // thread of a block reads and writes the slots of its own leaves only. A `TaskGate` separates the
+    // phases. While neighbours are joined, no thread writes. Elements are bytes, not bits, as
+    // neighbouring ones may be written at the same time.
+    std::vector<std::uint8_t> is_core;  ///< Of slots.
+
     ConcurrentSets sets;  ///< Of slots.
 };
 

@@ -79,10 +79,15 @@ private:
     const Cells& cells;
     T squared_radius;
     std::size_t min_pts;
-    // Of points, in the order of their cells, and of as many more as vectors go beyond the last.
-    std::vector<std::uint8_t> is_core;  ///< Not bool: threads write neighbouring ones.
-    ConcurrentSets sets;
-    std::vector<std::uint8_t> cell_has_core;
+
+    // Threads use these without a lock or atomics, and do not race: while core points are found, the
+    // thread of a block writes its own elements only, and no thread reads any. A `TaskGate` separates
+    // the phases. While neighbours are joined, no thread writes. Elements are bytes, not bits, as
+    // neighbouring ones may be written at the same time.
+    std::vector<std::uint8_t> is_core;  ///< Of points, in the order of their cells, and padding.
+    std::vector<std::uint8_t> cell_has_core;  ///< 1 for cells with core points, else 0.
+
+    ConcurrentSets sets;  ///< Of points.
 };
 
 extern template class WideGridSearch<2, float>;
