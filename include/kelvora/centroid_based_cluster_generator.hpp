@@ -14,8 +14,8 @@
 
 namespace kelvora {
 
-/// Parameters of a `CentroidBasedClusterGenerator`, by name. The defaults are those of the
-/// command-line tool, and suit windows of about 10 ms. The number of clusters has no default.
+/// Parameters of a `CentroidBasedClusterGenerator`, by name. The defaults are the same as in
+/// the command-line tool, and suit windows of about 10 ms. The number of clusters has no default.
 struct CentroidBasedClusterGeneratorOptions {
     float scale_width = 1.0F;   ///< Scaled units per pixel column, larger than 0.
     float scale_height = 1.0F;  ///< Scaled units per pixel row, larger than 0.
@@ -146,8 +146,8 @@ public:
     virtual ~CentroidBasedClusterGenerator();
 
     /// Adds one event, unless the filter ignores it. Takes constant time. With a limited capacity,
-    /// nothing is allocated as long as at most 1.5 times as many events arrive between two calls of
-    /// `generateClusters`.
+    /// nothing is allocated as long as at most 1.5 times as many events arrive between
+    /// two calls of `generateClusters`.
     ///
     /// The position is not checked. An event off the sensor becomes a point like any other: it
     /// counts, belongs to a cluster, moves its centroid and is returned by `getClusterPoints`. Only
@@ -171,9 +171,9 @@ public:
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
     /// \param clusters  Emptied first. Receives one box for each of the k clusters, clipped to the
-    ///     sensor; none if there are fewer than k points. A cluster without points, without area, or
-    ///     off the sensor has the box (0, 0, 0, 0). In three dimensions, start and duration hold the
-    ///     low 32 bits of the microseconds, and 0 for a number that does not fit into 64 bits.
+    ///     sensor; none if there are fewer than k points. A cluster without points, without area,
+    ///     or off the sensor has the box (0, 0, 0, 0). In three dimensions, start and duration hold
+    ///     the low 32 bits of the microseconds, and 0 for a number that does not fit into 64 bits.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Empties the time window, so that the events since the last `generateClusters` are not
@@ -187,8 +187,8 @@ public:
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale);
 
-    /// Appends one matrix per cluster, `CV_32F` or `CV_64F` according to `T`, with one row per point
-    /// and one column per coordinate.
+    /// Appends one matrix per cluster, `CV_32F` or `CV_64F` according to `T`, with one row per
+    /// point and one column per coordinate.
     ///
     /// \param points  Receives a matrix of n rows and `DIM` columns for each cluster of n points.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
@@ -197,12 +197,13 @@ public:
     /// Replaces `points` by a single column of the points of all clusters, cluster by cluster. Each
     /// element has one channel per coordinate.
     ///
-    /// \param points  Becomes a matrix of n rows, one column and `DIM` channels for n points in all.
+    /// \param points  Becomes a matrix of n rows, one column and `DIM` channels for
+    ///     n points in all.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
 
-    /// Replaces `centroids` by the centroids of the last `generateClusters`, in scaled units, in the
-    /// order of the clusters.
+    /// Replaces `centroids` by the centroids of the last `generateClusters`, in scaled units, in
+    /// the order of the clusters.
     /// \param centroids  One per cluster; none if there were fewer than k points.
     void getClusterCentroids(std::vector<KDPoint<DIM, T>>& centroids);
 

@@ -54,9 +54,9 @@ public:
     /// \param k  Number of clusters, at least 1.
     /// \param max_iter  Most iterations, at least 1.
     /// \param tol  Iterations end when the sum of the squared distances of all points to their
-    ///     centroids changes by less than this, squared units of the coordinates, larger than 0. NaN
-    ///     is accepted, and never ends them early. They also continue after an iteration that found
-    ///     a centroid without points.
+    ///     centroids changes by less than this, squared units of the coordinates, larger than 0.
+    ///     NaN is accepted, and never ends them early. They also continue after an iteration that
+    ///     found a centroid without points.
     /// \throws std::runtime_error  for an invalid argument.
     CentroidClustering(std::size_t k, std::size_t max_iter, double tol);
     /// Frees the buffers kept between calls.

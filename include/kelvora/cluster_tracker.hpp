@@ -21,11 +21,11 @@ namespace kelvora {
 /// `DistanceBasedClusterMatcher` associates by distance and size, nearest pairs first.
 ///
 /// - A confirmed track without a cluster takes a free cluster of another size if the two boxes
-///   overlap by 0.6 or more (intersection over union), and no other confirmed track lies there. This
-///   happens when an object enters or leaves the view.
+///   overlap by 0.6 or more (intersection over union), and no other confirmed track lies there.
+///   This happens when an object enters or leaves the view.
 /// - A cluster without a track begins a tentative track, unless it lies largely within the box of a
-///   confirmed track or contains one. Such a cluster is a fragment of an object's outline, or several
-///   objects that merged.
+///   confirmed track (a fragment of the object's outline) or contains one
+///   (several objects that merged).
 /// - A track is confirmed after `min_hits` matches. A tentative track ends when it is not matched.
 /// - A confirmed track that is not matched continues along its line. While the predicted box lies
 ///   largely within a cluster, the object counts as hidden: merged with another object. It may stay
@@ -57,8 +57,8 @@ public:
         int id;       ///< From 1, in the order in which tracks begin; never used again.
         State state;  ///< Tentative or confirmed.
 
-        /// The cluster of the last update. Without one, the predicted box: the usual size around the
-        /// predicted centre.
+        /// The cluster of the last update. Without one, the predicted box: the usual size around
+        /// the predicted centre.
         ClusterGeometry box;
 
         float vx;     ///< Velocity of the centre to the right, pixels per second.
@@ -77,11 +77,11 @@ public:
     static constexpr int kDefaultMaxMissed = 10;           ///< Updates.
     static constexpr int kDefaultMinHits = 3;              ///< Updates.
 
-    /// \param max_distance  Largest distance between the centres of a predicted box and its cluster,
-    ///     pixels, at least 0. A new track has no velocity yet, so this is also how far its object
-    ///     may move between two updates.
-    /// \param max_size_change  Largest difference in width, and in height, between a cluster and the
-    ///     track's usual size, pixels, at least 0.
+    /// \param max_distance  Largest distance between the centres of a predicted box and its
+    ///     cluster, pixels, at least 0. A new track has no velocity yet, so this is also how far
+    ///     its object may move between two updates.
+    /// \param max_size_change  Largest difference in width, and in height, between a cluster and
+    ///     the track's usual size, pixels, at least 0.
     /// \param max_missed  Updates without a cluster that a confirmed track survives, at least 0.
     /// \param min_hits  Updates with a cluster that confirm a track, at least 1.
     /// \throws std::invalid_argument  for an argument below its bound or NaN.
@@ -89,14 +89,14 @@ public:
                             float max_size_change = kDefaultMaxSizeChange,
                             int max_missed = kDefaultMaxMissed, int min_hits = kDefaultMinHits);
 
-    /// Updates the tracks with the clusters of the next window. Takes about n log n time for n tracks
-    /// and clusters that do not overlap. Each track or cluster without a match is compared with all
-    /// others, so that the worst case is n^2.
+    /// Updates the tracks with the clusters of the next window. Takes about n log n time for n
+    /// tracks and clusters that do not overlap. Each track or cluster without a match is compared
+    /// with all others, so that the worst case is n^2.
     ///
-    /// \param clusters  The result of one `generateClusters`. All have the same timestamp, which must
-    ///     not be lower than in the previous update. An empty vector means that no object was seen;
-    ///     predictions then stay where they are. Clusters without area, or whose centre or area is
-    ///     not finite, belong to no track.
+    /// \param clusters  The result of one `generateClusters`. All have the same timestamp, which
+    ///     must not be lower than in the previous update. An empty vector means that no object was
+    ///     seen; predictions then stay where they are. Clusters without area, or whose centre or
+    ///     area is not finite, belong to no track.
     /// \returns the id of the track of each cluster, 0 for none.
     /// \throws std::invalid_argument  if the timestamp is lower than before; nothing changes.
     std::vector<int> update(const std::vector<ClusterGeometry>& clusters);

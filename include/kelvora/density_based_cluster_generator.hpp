@@ -14,8 +14,8 @@
 
 namespace kelvora {
 
-/// Parameters of a `DensityBasedClusterGenerator`, by name. The defaults are those of the
-/// command-line tool, and suit windows of about 10 ms.
+/// Parameters of a `DensityBasedClusterGenerator`, by name. The defaults are the same as in
+/// the command-line tool, and suit windows of about 10 ms.
 struct DensityBasedClusterGeneratorOptions {
     float scale_width = 1.0F;   ///< Scaled units per pixel column, larger than 0.
     float scale_height = 1.0F;  ///< Scaled units per pixel row, larger than 0.
@@ -32,8 +32,8 @@ struct DensityBasedClusterGeneratorOptions {
     int n_jobs = 1;     ///< Threads to cluster with; 0 and -1 let the library choose.
 };
 
-/// Clusters events by density, as points in the image plane or in space and time, with
-/// `DensityClustering`.
+/// Clusters events by density, as points in the image plane or in space
+/// and time, with `DensityClustering`.
 ///
 /// Each event becomes a point: its column, its row and, in three dimensions, its timestamp, each
 /// multiplied by a scale. `generateClusters` clusters the points since the previous call. If there
@@ -141,8 +141,8 @@ public:
     virtual ~DensityBasedClusterGenerator();
 
     /// Adds one event, unless the filter ignores it. Takes constant time. With a limited capacity,
-    /// nothing is allocated as long as at most 1.5 times as many events arrive between two calls of
-    /// `generateClusters`.
+    /// nothing is allocated as long as at most 1.5 times as many events arrive between
+    /// two calls of `generateClusters`.
     ///
     /// The position is not checked. An event off the sensor becomes a point like any other: it
     /// counts, joins clusters and is returned by `getClusterPoints`. Only the boxes of the clusters
@@ -184,18 +184,20 @@ public:
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<std::vector<KDPoint<DIM, T>>>& points, bool restore_scale);
 
-    /// Appends one matrix per cluster, `CV_32F` or `CV_64F` according to `T`, with one row per point
-    /// and one column per coordinate. Takes no lock: do not call it while clusters are generated.
+    /// Appends one matrix per cluster, `CV_32F` or `CV_64F` according to `T`, with one row per
+    /// point and one column per coordinate. Takes no lock: do not call it
+    /// while clusters are generated.
     ///
     /// \param points  Receives a matrix of n rows and `DIM` columns for each cluster of n points.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(std::vector<cv::Mat>& points, bool restore_scale);
 
     /// Replaces `points` by a single column of the points of all clusters, cluster by cluster. Each
-    /// element has one channel per coordinate. Takes no lock: do not call it while clusters are
-    /// generated.
+    /// element has one channel per coordinate. Takes no lock: do not call it
+    /// while clusters are generated.
     ///
-    /// \param points  Becomes a matrix of n rows, one column and `DIM` channels for n points in all.
+    /// \param points  Becomes a matrix of n rows, one column and `DIM` channels for
+    ///     n points in all.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
 

@@ -15,8 +15,8 @@
 namespace kelvora {
 
 /// Groups points by density: DBSCAN, after M. Ester, H.-P. Kriegel, J. Sander, X. Xu: "A
-/// Density-Based Algorithm for Discovering Clusters in Large Spatial Databases with Noise", KDD
-/// 1996.
+/// Density-Based Algorithm for Discovering Clusters in Large Spatial Databases
+/// with Noise", KDD 1996.
 ///
 /// A point with enough neighbours closer than a radius is a core point. Core points that are
 /// neighbours belong to the same cluster. A point that is not core but has a core neighbour is a
@@ -57,8 +57,8 @@ public:
     ///
     /// \param eps  The radius, in the unit of the coordinates. Points at exactly this distance are
     ///     not neighbours.
-    /// \param min_pts  Points that make a neighbourhood dense. With 0 or a negative number there are
-    ///     no clusters.
+    /// \param min_pts  Points that make a neighbourhood dense. With 0 or a negative number there
+    ///     are no clusters.
     DensityClustering(double eps, int min_pts);
     /// Frees the buffers kept between calls.
     ~DensityClustering();
@@ -70,8 +70,9 @@ public:
 
     /// Clusters `points`. With one job, n points with m neighbours on average take about
     /// n log n + n m time, and 100 bytes of memory per point (`float`). With several jobs, time and
-    /// memory hardly depend on m: they take about n log n time and 60 bytes per point. If the points
-    /// are too far apart for the radius, several jobs search a tree, and take as long as one job.
+    /// memory hardly depend on m: they take about n log n time and 60 bytes per point. If the
+    /// points are too far apart for the radius, several jobs search a tree, and take as
+    /// long as one job.
     ///
     /// \param points  Must not change during the call; not used afterwards.
     /// \param clusters  Emptied first. Receives the point indices of each cluster. With one job,

@@ -151,8 +151,8 @@ enum EventFilterType : std::uint32_t {
         3  ///< Ignores none; the grid generator counts each polarity, the others refuse it.
 };
 
-/// The polarity that each filter type ignores, indexed by filter type. 2 stands for none, because no
-/// event has this polarity.
+/// The polarity that each filter type ignores, indexed by filter type. 2 stands for none, because
+/// no event has this polarity.
 inline constexpr std::array<std::uint8_t, 4> kFilterTypeToRejectedPolarity = {2, 1, 0, 2};
 
 /// Name of each filter type.

@@ -12,8 +12,8 @@
 
 namespace kelvora {
 
-/// Parameters of a `GridBasedClusterGenerator`, by name. The defaults are those of the command-line
-/// tool, and suit windows of about 10 ms.
+/// Parameters of a `GridBasedClusterGenerator`, by name. The defaults are the same as in
+/// the command-line tool, and suit windows of about 10 ms.
 struct GridBasedClusterGeneratorOptions {
     int cell_width = 5;   ///< Pixels, at least 1.
     int cell_height = 5;  ///< Pixels, at least 1.
@@ -55,8 +55,8 @@ struct GridBasedClusterGeneratorOptions {
 /// constant per event, and one pass over the grid per `generateClusters`.
 ///
 /// Only one thread at a time may use a generator; debug builds assert this. Different generators
-/// are independent, except for the note at `processEvent`. Generators are neither copyable nor
-/// assignable.
+/// are independent, except for the note at `processEvent`. Generators are
+/// neither copyable nor assignable.
 class KELVORA_EXPORT GridBasedClusterGenerator {
 public:
     /// Constructs a generator from named parameters.
@@ -78,8 +78,8 @@ public:
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` ignores none and counts the
     ///     polarities separately: a cell is active when both counts have reached the threshold. Not
     ///     validated: an unknown value makes the first `processEvent` throw.
-    /// \param count_pixel_once  Count at most one event per pixel between two calls of
-    ///     `generateClusters`.
+    /// \param count_pixel_once  Count at most one event per pixel between
+    ///     two calls of `generateClusters`.
     /// \param activation_threshold  Events that make a cell active; with 0, one event is enough.
     /// \throws std::invalid_argument  if a cell or the sensor has a size below 1.
     /// \note The largest size comes before the smallest.
@@ -96,8 +96,8 @@ public:
     /// \tparam Event  `Event2D`, `Event2DFrequency`, or `Event2DPeriod` of `int`, `unsigned int`,
     ///     `float`, `double`, `long long` or `unsigned long long`.
     /// \param event  Must not be null, and must be on the sensor. Neither is checked in release
-    ///     builds; debug builds assert both. Polarities other than 0 and 1 count as positive, except
-    ///     that a filter that ignores nothing does ignore polarity 2.
+    ///     builds; debug builds assert both. Polarities other than 0 and 1 count as positive,
+    ///     except that a filter that ignores nothing does ignore polarity 2.
     /// \throws std::out_of_range  "invalid unordered_map<K, T> key" if the filter type is not one
     ///     of the four, and no polarity is stored yet for this event type (see the note).
     ///
@@ -109,17 +109,18 @@ public:
     template <class Event>
     void processEvent(const Event* event);
 
-    /// Counts several events. Does the same as `processEvent` for each of them, in about half the
-    /// time.
+    /// Counts several events. Does the same as `processEvent` for each of them, in
+    /// about half the time.
     ///
     /// \param events  Array of `count` events. Null is ignored, whatever `count` is.
     /// \param count  Number of events; 0 does nothing.
-    /// \throws std::out_of_range  like `processEvent` for the first event; no event is counted then.
+    /// \throws std::out_of_range  like `processEvent` for the first event; no
+    ///     event is counted then.
     template <class Event>
     void processEvents(const Event* events, std::size_t count);
 
-    /// Reports the clusters of the events since the previous call, and resets all counts. Takes time
-    /// linear in the number of cells and pixels. Allocates only to enlarge `clusters`.
+    /// Reports the clusters of the events since the previous call, and resets all counts. Takes
+    /// time linear in the number of cells and pixels. Allocates only to enlarge `clusters`.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
     /// \param clusters  Emptied first. Ordered by the first cell of each cluster, rows from top to
@@ -127,8 +128,8 @@ public:
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Sets all counters to 0, in time linear in the number of cells and pixels.
-    /// \note Cells that are already marked active stay marked. The next `generateClusters` reports
-    /// them.
+    /// \note Cells that are already marked active stay marked. The
+    /// next `generateClusters` reports them.
     void reset();
 
     /// Makes `map` a view of the events counted per pixel since the last `generateClusters`.

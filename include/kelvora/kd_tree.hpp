@@ -13,8 +13,8 @@ namespace kelvora {
 
 /// An index over a vector of points that finds the neighbours within a radius, or the nearest k.
 ///
-/// The tree does not copy the points: the vector passed to `build` must exist, unchanged, as long as
-/// the tree is searched.
+/// The tree does not copy the points: the vector passed to `build` must exist, unchanged, as long
+/// as the tree is searched.
 ///
 /// \code{.cpp}
 /// const std::vector<kelvora::KDPoint<2, float>> points = {0, 1, 2, 10};  // each on the diagonal
@@ -26,11 +26,12 @@ namespace kelvora {
 /// std::cout << "nearest: " << indices[0] << ", then " << indices[1] << '\n';  // 3, then 2
 /// \endcode
 ///
-/// After `build`, any number of threads may search at the same time. No other call may run during
-/// `build`.
+/// After `build`, any number of threads may search at the same time. No other call
+/// may run during `build`.
 ///
-/// Points with a coordinate that is not finite have no neighbours, and are not found. Internally the
-/// largest number replaces such coordinates, so only a query at the largest number could find one.
+/// Points with a coordinate that is not finite have no neighbours, and are not found. Internally
+/// the largest number replaces such coordinates, so only a query at the largest
+/// number could find one.
 ///
 /// \tparam DIM  2 or 3.
 /// \tparam T  `float` or `double`.
@@ -63,8 +64,8 @@ public:
     ///
     /// Takes about log n + m time to find m of n points, and m log m more to sort them.
     ///
-    /// \param radius  In the unit of the coordinates. Points at exactly this distance are not
-    ///     found.
+    /// \param radius  In the unit of the coordinates. Points at exactly this
+    ///     distance are not found.
     /// \param results  Emptied first. Receives pairs of point number and squared distance.
     /// \param sorted  Sort by ascending distance. Otherwise results are in the order in which the
     ///     tree is walked.
@@ -77,8 +78,8 @@ public:
     /// Finds the `k` points closest to `query`, in about k log n time.
     ///
     /// \param k  Number of points to find.
-    /// \param indices,dists  Resized to `k`. Receive the numbers and squared distances of the points
-    ///     found, by ascending distance, then zeros.
+    /// \param indices,dists  Resized to `k`. Receive the numbers and squared distances of the
+    ///     points found, by ascending distance, then zeros.
     /// \param query  Any point; it need not be indexed.
     /// \returns the number of points found: fewer than `k` if there are not enough at a finite
     ///     squared distance, and 0 before the first `build`.

@@ -10,8 +10,8 @@
 
 namespace kelvora {
 
-/// Counts the events in a sliding time window, with a ring of time bins. The oldest bins are cleared
-/// as time advances.
+/// Counts the events in a sliding time window, with a ring of time bins. The oldest bins are
+/// cleared as time advances.
 ///
 /// \code{.cpp}
 /// kelvora::SlidingEventCounter counter(1000, 10);  // 10 bins of 100 us
@@ -25,7 +25,8 @@ namespace kelvora {
 /// Time is taken from the events; no clock is read. Only one thread at a time may use an object.
 ///
 /// \note Time advances by the gap between one event and the next, in whole bins. If all gaps of a
-/// stream are shorter than a bin, time never advances: all events are counted, however old they are.
+/// stream are shorter than a bin, time never advances: all events are counted,
+/// however old they are.
 class KELVORA_EXPORT SlidingEventCounter {
 public:
     /// \param window_length  Microseconds, at least 1.
@@ -58,8 +59,8 @@ public:
 
     /// Counts one event. Takes constant time, plus the time to clear old bins. Allocates nothing.
     ///
-    /// Bins saturate. An event older than the previous one counts as one from the distant future: it
-    /// empties the counter and is counted alone.
+    /// Bins saturate. An event older than the previous one counts as one from the distant future:
+    /// it empties the counter and is counted alone.
     ///
     /// \tparam EventT  `Event2D`, `Event2DFrequency`, or `Event2DPeriod` of `int`, `unsigned int`,
     ///     `float`, `double`, `long long` or `unsigned long long`.
@@ -68,20 +69,21 @@ public:
     template <class EventT>
     void addEvent(const EventT* event);
 
-    /// Counts several events by their timestamps. Does the same as `addEvent` for each of them, but
-    /// faster.
+    /// Counts several events by their timestamps. Does the same as `addEvent` for each
+    /// of them, but faster.
     ///
     /// \param timestamps  Array of `count` timestamps, microseconds.
     /// \param count  Number of timestamps.
-    /// \throws std::invalid_argument  if `timestamps` is null, unless `count` is 0; nothing changes.
+    /// \throws std::invalid_argument  if `timestamps` is null, unless `count`
+    ///     is 0; nothing changes.
     void addTimestamps(const unsigned long long* timestamps, std::size_t count);
 
     /// Returns the number of events in the window that ends with the last event.
     /// \returns the number modulo 2^32.
     std::size_t getEventCount() const;
 
-    /// Checks whether `window_length` would be a valid window: not 0, and not smaller than the number
-    /// of bins.
+    /// Checks whether `window_length` would be a valid window: not 0, and not smaller than the
+    /// number of bins.
     /// \param window_length  Microseconds.
     /// \returns whether it is valid.
     /// \note Does not change the window.

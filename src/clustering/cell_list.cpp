@@ -11,7 +11,7 @@ namespace kelvora {
 
 namespace {
 
-/// More cells on an axis than this would be numbered too coarsely.
+/// With more cells on an axis than this, cell numbers would be too coarse.
 constexpr double kMostCells = 2147483648.0;
 
 template <int DIM, typename T>
@@ -24,7 +24,7 @@ unsigned bitsFor(double numbers) {
     return static_cast<unsigned>(std::ilogb(std::max(numbers, 1.0))) + 1;
 }
 
-/// Whether squares of that size are computed with the precision of the type.
+/// Whether squares of this size have the full precision of the type.
 template <typename T>
 bool isOrdinarySquare(T square) {
     constexpr T kSmallest = std::numeric_limits<T>::min() * T{1 << 24};
@@ -80,7 +80,7 @@ typename CellList<DIM, T>::Extent CellList<DIM, T>::measure(const std::vector<Po
     return extent;
 }
 
-/// Returns whether the number of a cell and that of a point fit into one.
+/// Returns whether a cell number and a point number fit into one 64-bit integer.
 template <int DIM, typename T>
 bool CellList<DIM, T>::placeCells(const Extent& extent, double cells_per_unit, int reach) {
     double all_cells = 1;
@@ -124,7 +124,7 @@ template <int DIM, typename T>
 void CellList<DIM, T>::listCells() {
     number.clear();
     begin.clear();
-    std::uint64_t last = 0;  // no cell's number
+    std::uint64_t last = 0;  // not the number of any cell
     for (std::size_t k = 0; k < packed.size(); ++k) {
         const std::uint64_t cell = packed[k] >> index_bits;
         if (cell != last) {

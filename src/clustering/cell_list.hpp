@@ -16,30 +16,33 @@ struct CellRange {
     std::size_t end;
 };
 
-/// Points in the cells of a grid. Only cells with points exist, as a list in the order of their rows:
-/// neighbours of a cell are found by walking along the list at the same time in each row around it
-/// (`RowCursors`), without a hash table, and without an array over the whole extent, which can be
-/// long in time. Rows lie along the first axis, and their cells' points are next to each other.
+/// Points in the cells of a grid.
+///
+/// Only cells with points are stored, in a list ordered by rows. `RowCursors` finds the neighbours
+/// of a cell by walking along the list in all rows around the cell at once. This needs neither a
+/// hash table nor an array over the whole extent, which can be long in time. Rows lie along the
+/// first axis, and the points of a row are contiguous.
 template <int DIM, typename T>
 class CellList {
 public:
     using Point = KDPoint<DIM, T>;
 
-    /// Vectors of coordinates may be read up to here behind the last point.
+    /// Elements after the last point that vectors of coordinates may read.
     static constexpr std::size_t kPadding = 3;
 
-    /// Finds the cells of those of `points` that are finite. Returns false if they lie so far apart for
-    /// this radius, or the radius is so extreme, that cells cannot be numbered, or that rounding of
-    /// cell numbers and squared distances is more than a millionth of the radius.
+    /// Finds the cells of all finite points. Returns false if the cells cannot be numbered, or if
+    /// rounding of cell numbers and squared distances exceeds a millionth of the radius. This
+    /// happens if the points are too far apart for the radius, or the radius is extreme.
     ///
-    /// \param cells_per_radius  How long the radius is in cells.
-    /// \param reach  Empty cells to leave around the points, so that rows do not run into each other.
+    /// \param cells_per_radius  Length of the radius in cells.
+    /// \param reach  Empty cells to leave around the points, so that
+    ///     neighbouring rows stay separate.
     bool findCells(const std::vector<Point>& points, T radius, double cells_per_radius, int reach);
 
-    /// Copies the points in the order of their cells, which have been found.
+    /// Copies the points in the order of their cells. Call `findCells` first.
     void collectPoints(const std::vector<Point>& points);
 
-    /// How many others are in the cell of a point, on average.
+    /// Returns how many other points share a cell with a point, on average.
     double crowding() const;
 
     std::size_t cells() const { return number.size(); }
@@ -55,16 +58,16 @@ public:
         return result;
     }
 
-    std::vector<std::uint64_t> number;  ///< Of each cell, ascending.
+    std::vector<std::uint64_t> number;  ///< Number of each cell, ascending.
     std::vector<std::uint32_t> begin;   ///< First point of each cell, and the end of the last.
     std::array<std::uint64_t, DIM> cells_on_axis;
 
-    std::vector<std::uint32_t> order;  ///< The caller's number of each point.
-    /// Not a number in the padding.
+    std::vector<std::uint32_t> order;  ///< Index of each point in the caller's vector.
+    /// By axis; NaN in the padding.
     std::array<std::vector<T>, DIM> coordinates;
 
 private:
-    /// Where the cells lie.
+    /// The range of the coordinates.
     struct Extent;
 
     static Extent measure(const std::vector<Point>& points);
@@ -73,8 +76,9 @@ private:
                       int reach);
     void listCells();
 
-    std::vector<std::uint64_t> packed;  ///< Number of a point's cell, and below it the point's own.
-    std::vector<std::uint64_t> packed_before;  ///< The same before a step of the sorting.
+    std::vector<std::uint64_t>
+        packed;  ///< Cell number in the high bits, point index in the low bits.
+    std::vector<std::uint64_t> packed_before;  ///< Second buffer for sorting.
     unsigned index_bits;
     unsigned cell_bits;
 };

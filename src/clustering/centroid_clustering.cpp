@@ -15,14 +15,14 @@ namespace kelvora {
 
 namespace {
 
-/// One of the indices below `count`, each as likely as the others and new in each run of a program.
+/// Draws an index below `count`, uniformly and differently in each run of a program.
 std::size_t drawIndex(std::size_t count) {
     std::random_device seed;
     std::mt19937 generator(seed());
     return std::uniform_int_distribution<std::size_t>(0, count - 1)(generator);
 }
 
-/// A box, as minima and maxima, that any point widens.
+/// Minima and maxima of no points: any point widens this box.
 template <int DIM, typename T>
 std::vector<T> emptyBox() {
     std::vector<T> box(DIM, std::numeric_limits<T>::max());
@@ -58,7 +58,7 @@ void CentroidClustering<DIM, T>::generateClusters(const std::vector<Point>& poin
 
 template <int DIM, typename T>
 void CentroidClustering<DIM, T>::getCentroids(std::vector<Point>& out) const {
-    // Not room for k: it may have been raised beyond all memory since.
+    // Do not reserve k elements: k may have been set to more than fits in memory.
     out.assign(centroids.begin(), centroids.end());
 }
 
@@ -95,7 +95,7 @@ void CentroidClustering<DIM, T>::generateClustersPrivate(
     reportClusters(points, clusters, cluster_boxes);
 }
 
-/// Chooses k points as centroids: one at random, then always the one furthest from those chosen.
+/// Chooses k points as centroids: a random one, then repeatedly the one furthest from all chosen.
 template <int DIM, typename T>
 void CentroidClustering<DIM, T>::furthestPointSample(const std::vector<Point>& points,
                                                      std::vector<Point>& chosen) {
@@ -124,8 +124,8 @@ void CentroidClustering<DIM, T>::iterate(const std::vector<Point>& points) {
     }
 }
 
-/// Labels each point with its nearest centroid, and adds up the points of each. Returns the sum of
-/// the squared distances.
+/// Labels each point with its nearest centroid, and sums the points of each centroid. Returns the
+/// sum of the squared distances.
 template <int DIM, typename T>
 double CentroidClustering<DIM, T>::assignPoints(const std::vector<Point>& points,
                                                 NearestCentroid<DIM, T>& nearest,
@@ -156,7 +156,7 @@ double CentroidClustering<DIM, T>::assignPoints(const std::vector<Point>& points
     return total;
 }
 
-/// Moves each centroid to the mean of its points. Returns whether each had some.
+/// Moves each centroid to the mean of its points. Returns whether every centroid had points.
 template <int DIM, typename T>
 bool CentroidClustering<DIM, T>::moveCentroids(const std::vector<Point>& points,
                                                std::vector<Point>& sums) {
@@ -172,8 +172,8 @@ bool CentroidClustering<DIM, T>::moveCentroids(const std::vector<Point>& points,
     return none_was_empty;
 }
 
-/// The point that lies furthest from its own centroid, some of which may have moved already; the
-/// first of several.
+/// Returns the point furthest from its own centroid, and the first of several. Some centroids may
+/// have moved already.
 template <int DIM, typename T>
 const KDPoint<DIM, T>& CentroidClustering<DIM, T>::furthestFromCentroid(
     const std::vector<Point>& points) const {

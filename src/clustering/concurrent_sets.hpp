@@ -9,18 +9,18 @@
 
 namespace kelvora {
 
-/// A partition of the numbers 0 to n - 1 into sets, which any number of threads may join at the same
-/// time (union-find without locks, after R. J. Anderson, H. Woll: "Wait-free Parallel Algorithms for
-/// the Union-Find Problem", STOC 1991). The smallest number of a set stands for it, so that results
-/// do not depend on which thread comes first.
+/// A partition of the numbers 0 to n - 1 into sets. Any number of threads may join sets at the same
+/// time: this is a lock-free union-find (R. J. Anderson, H. Woll: "Wait-free Parallel Algorithms
+/// for the Union-Find Problem", STOC 1991). The smallest number of a set represents it, so that
+/// results do not depend on the order of the threads.
 ///
-/// Joining while searching for neighbours makes it needless to keep them.
+/// Neighbours are joined as soon as they are found, so they need not be stored.
 class ConcurrentSets {
 public:
-    /// Makes each number a set of its own. Not while other threads use the object.
+    /// Puts each number into its own set. No other thread may use the object meanwhile.
     void reset(std::size_t n) {
         if (n > capacity) {
-            parent.reset();  // not both at once
+            parent.reset();  // free the old array first, to never hold both
             capacity = 0;
             parent = std::make_unique<std::atomic<std::uint32_t>[]>(n);
             capacity = n;
@@ -30,8 +30,8 @@ public:
         }
     }
 
-    /// The number that stands for the set of `x`. Halves the path on its way: losing such a
-    /// shortcut to another thread does no harm.
+    /// Returns the number that represents the set of `x`. Halves the path on the way. If another
+    /// thread overwrites such a shortcut, only speed is lost.
     std::uint32_t find(std::uint32_t x) {
         while (true) {
             std::uint32_t above = parent[x].load(std::memory_order_relaxed);
@@ -46,12 +46,13 @@ public:
         }
     }
 
-    /// Whether `x` is seen to be in the set of `first`, without a search: never if it is not, and
-    /// mostly if it is and `first` stands for the set.
+    /// Quick check whether `x` is in the set of `first`. Never true if it is not. Mostly true if it
+    /// is and `first` represents the set.
     bool isKnownIn(std::uint32_t x, std::uint32_t first) const {
         return parent[x].load(std::memory_order_relaxed) == first;
     }
 
+    /// Joins the sets of `x` and `y`.
     void join(std::uint32_t x, std::uint32_t y) {
         while (true) {
             x = find(x);
@@ -70,8 +71,8 @@ public:
     }
 
 private:
-    // Parents are smaller than their children, which no thread changes: there are no cycles, and
-    // relaxed order is enough.
+    // A parent is always smaller than its child, or equal for the representative. Every thread
+    // keeps this rule, so there are no cycles, and relaxed order is enough.
     std::unique_ptr<std::atomic<std::uint32_t>[]> parent;
     std::size_t capacity = 0;
 };

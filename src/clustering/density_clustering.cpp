@@ -19,21 +19,21 @@ namespace kelvora {
 
 namespace {
 
-/// Larger than any number of blocks, and far from the end of the numbers.
+/// Larger than any number of blocks, but small enough to be incremented safely.
 constexpr std::size_t kNothingLeft = std::numeric_limits<std::size_t>::max() / 2;
 
-/// Fewer blocks than these are joined by one worker sooner than the others would wake up.
+/// With fewer blocks, a single worker joins them before the others would wake up.
 constexpr std::size_t kBlocksToShare = 32;
 
-/// One of so many points is looked at to see how dense they are.
+/// One in so many points is sampled to estimate the density.
 constexpr std::size_t kSampleStep = 8;
 
 }  // namespace
 
-/// What finds neighbours. Kept from call to call for its memory.
+/// The searches for neighbours. Kept between calls to reuse their memory.
 template <int DIM, typename T>
 struct DensityClustering<DIM, T>::Engines {
-    const std::vector<Point>* points = nullptr;  ///< Those of the call.
+    const std::vector<Point>* points = nullptr;  ///< Points of the current call.
 
     // One job.
     OrderedExpansion<DIM, T> expansion;
@@ -46,7 +46,7 @@ struct DensityClustering<DIM, T>::Engines {
     GridSearch<DIM, T> grid{cells};
     WideGridSearch<DIM, T> wide_grid{cells};
     TreeSearch<DIM, T> tree;
-    ParallelSearch* search = nullptr;  ///< One of the three.
+    ParallelSearch* search = nullptr;  ///< One of the three searches.
     TaskGate core_points_found;
     std::vector<std::uint32_t> set_of;
 
@@ -90,7 +90,7 @@ void DensityClustering<DIM, T>::generateClustersPrivate(
     engines->expansion.run(points, static_cast<T>(eps), requiredPoints(), clusters, boxes);
 }
 
-/// The points that make a neighbourhood dense. None is, without a positive number to compare with.
+/// Returns how many points make a neighbourhood dense. Without a positive `min_pts`, none is dense.
 template <int DIM, typename T>
 std::size_t DensityClustering<DIM, T>::requiredPoints() const {
     return min_pts > 0 ? static_cast<std::size_t>(min_pts)
@@ -115,9 +115,10 @@ void DensityClustering<DIM, T>::generateClustersMultiThreadPrivate(
     reportSets(points, engines->set_of, clusters, boxes);
 }
 
-/// Finds wide cells, and returns whether they hold so few points that small ones would not pay.
+/// Finds wide cells, and returns whether they hold so few points that small cells would not be
+/// faster.
 ///
-/// \param step  `some` is one of so many points, so that cells hold as many fewer.
+/// \param step  `some` holds one in so many points.
 template <int DIM, typename T>
 bool DensityClustering<DIM, T>::Engines::findsSparseCells(const std::vector<Point>& some,
                                                           std::size_t step, T radius) {
@@ -125,7 +126,8 @@ bool DensityClustering<DIM, T>::Engines::findsSparseCells(const std::vector<Poin
            cells.crowding() * static_cast<double>(step) < wide_grid.kMostCrowding;
 }
 
-/// Looks at a sample first: cells of dense points, which are clustered fastest, need not be found twice.
+/// Looks at a sample first. Dense points are clustered fastest, so that finding their cells twice
+/// would take a large share of the time.
 template <int DIM, typename T>
 void DensityClustering<DIM, T>::Engines::chooseSearch(T radius, std::size_t required_points) {
     sample.clear();
@@ -147,8 +149,8 @@ void DensityClustering<DIM, T>::Engines::chooseSearch(T radius, std::size_t requ
     }
 }
 
-/// Runs `thouroughSearch` on that many threads. Whatever goes wrong, in a thread or in starting
-/// one, leaves from here, when no thread runs any more.
+/// Runs `thouroughSearch` on `n_jobs` threads. If a thread fails, or cannot be started, throws the
+/// first exception after all threads have ended.
 template <int DIM, typename T>
 void DensityClustering<DIM, T>::runWorkers(unsigned char n_jobs) {
     FirstFailure failure;
@@ -181,8 +183,8 @@ void DensityClustering<DIM, T>::runWorkers(unsigned char n_jobs) {
     failure.rethrow();
 }
 
-/// What each worker does: with the others, it finds the core points of all blocks, and joins the
-/// neighbours of all blocks when all core points are known.
+/// The work of one thread. All threads together find the core points of all blocks, then join the
+/// neighbours of all blocks.
 template <int DIM, typename T>
 void DensityClustering<DIM, T>::thouroughSearch() {
     ParallelSearch& search = *engines->search;

@@ -52,7 +52,8 @@ typename FlatTree<DIM, T>::Bounds FlatTree<DIM, T>::boundsOf(Range range) {
     return bounds;
 }
 
-/// Adds a node and all below it. Returns their depth, and the exact bounds of the points.
+/// Adds a node and its subtree. Returns the depth of the subtree, and sets `bounds` to the exact
+/// bounds of its points.
 template <int DIM, typename T>
 std::size_t FlatTree<DIM, T>::addNode(Range range, Bounds& bounds) {
     const std::size_t place = nodes.size();
@@ -81,8 +82,9 @@ std::size_t FlatTree<DIM, T>::addNode(Range range, Bounds& bounds) {
     return 1 + std::max(first_depth, second_depth);
 }
 
-/// Cuts the longest side of the bounds in the middle, or where the points on that side end. Of sides
-/// as long as that, more or less, it is the one along which the points are spread most.
+/// Cuts the longest side of the bounds in the middle, or at the nearest point if all points lie on
+/// one side. If several sides are about equally long, cuts the one with the
+/// largest spread of points.
 template <int DIM, typename T>
 typename FlatTree<DIM, T>::Cut FlatTree<DIM, T>::chooseCut(Range range, const Bounds& bounds) {
     constexpr T kAsLong = 1 - static_cast<T>(0.00001);
@@ -116,9 +118,9 @@ typename FlatTree<DIM, T>::Cut FlatTree<DIM, T>::chooseCut(Range range, const Bo
     return cut;
 }
 
-/// Puts entries below the cut first, then those on it, then those above, each time by exchanging the
-/// outermost two that are wrong. Returns the end of the first child: as close to half of the entries
-/// as those on the cut permit.
+/// Sorts entries into below, on and above the cut, in this order, by swapping the outermost two
+/// that are on the wrong side. Returns the end of the first child: as close to half of the entries
+/// as possible, where entries on the cut may go to either child.
 template <int DIM, typename T>
 typename FlatTree<DIM, T>::Entry* FlatTree<DIM, T>::divide(Range range, const Cut& cut) {
     const auto partition = [&](Entry* begin, auto belongsInFront) {

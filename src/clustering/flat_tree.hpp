@@ -10,32 +10,32 @@
 
 namespace kelvora {
 
-/// The tree that nanoflann would build, node by node and point by point, in arrays for searches
-/// around its own points: nodes of 16 bytes in place of 48, and the coordinates of a leaf's points
-/// next to each other instead of wherever the caller keeps them, axis by axis, so that several are
-/// compared at a time.
+/// The tree that nanoflann would build, node by node and point by point, stored in arrays for
+/// searches around its own points. Nodes have 16 bytes instead of 48. The coordinates of a leaf's
+/// points are contiguous, axis by axis, so that several points are compared at a time.
 ///
-/// Leaves are numbered in the order of the tree, and points known by their slot, which says their
-/// leaf and their lane in it: neighbours have close slots, and a leaf's neighbours are a few bits.
+/// Leaves are numbered in the order of the tree. A point is identified by its slot: its leaf, and
+/// its lane in the leaf. Neighbours have close slots, and the neighbours in a leaf are a few bits.
 ///
-/// A search in it takes about half the time of nanoflann's, which finds the same points in the same
-/// order, and building it half the time of building nanoflann's and copying it.
+/// A search takes about half the time of nanoflann's, and finds the same points in the same order.
+/// Building takes half the time of building nanoflann's tree and copying it.
 template <int DIM, typename T>
 class FlatTree {
 public:
     using Point = KDPoint<DIM, T>;
 
-    /// Axis of nodes that are leaves.
+    /// The axis of a leaf.
     static constexpr std::uint8_t kLeaf = DIM;
-    /// Points that a leaf can hold, and lanes it has, which are compared together.
+    /// Most points in a leaf.
     static constexpr std::size_t kLeafMaxSize = 10;
+    /// Lanes in a leaf, which are compared together. Some are unused.
     static constexpr std::size_t kLanes = 12;
     static constexpr unsigned kLaneBits = 4;
 
     struct Node {
         T low;                ///< End of the first child's points on the axis.
         T high;               ///< Start of the second child's.
-        std::uint32_t other;  ///< The second child, the first one being next; or the leaf's number.
+        std::uint32_t other;  ///< The second child, or the leaf number. The first child is next.
         std::uint8_t axis;
     };
 
@@ -45,8 +45,8 @@ public:
     static std::size_t leafOf(std::uint32_t slot) { return slot >> kLaneBits; }
     static unsigned laneOf(std::uint32_t slot) { return slot & ((1U << kLaneBits) - 1); }
 
-    /// Takes in `points`. Those that are not finite stand at the largest number, as in `KDTree`, but
-    /// are never found.
+    /// Builds the tree of `points`. As in `KDTree`, the largest number replaces coordinates that
+    /// are not finite; but such points are never found.
     void build(const std::vector<Point>& points);
 
     std::size_t leaves() const { return finite_lanes.size(); }
@@ -65,12 +65,12 @@ public:
         return (finite_lanes[leafOf(slot)] >> laneOf(slot) & 1U) != 0;
     }
 
-    std::vector<Node> nodes;  ///< The root first; none without points.
-    std::vector<T> lanes;     ///< Not a number where there is no point, or none that is finite.
-    std::vector<std::uint32_t> order;         ///< The caller's number of the point in each slot.
+    std::vector<Node> nodes;           ///< The root first; none without points.
+    std::vector<T> lanes;              ///< NaN in lanes without a finite point.
+    std::vector<std::uint32_t> order;  ///< Index of each slot's point in the caller's vector.
     std::vector<std::uint16_t> finite_lanes;  ///< One bit for each finite point of a leaf.
     std::size_t points = 0;
-    std::size_t depth = 0;  ///< Nodes on the longest way from root to leaf.
+    std::size_t depth = 0;  ///< Nodes on the longest path from root to leaf.
 
 private:
     /// A point while the tree is built.

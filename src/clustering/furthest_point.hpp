@@ -10,12 +10,12 @@
 
 namespace kelvora {
 
-/// Finds the point that lies furthest from all centroids, while these become more.
+/// Finds the point furthest from all centroids, while centroids are added.
 ///
-/// Distances are compared as `float`, whatever `T` is: of those that are equal then, the first point
-/// is the furthest. But the root and the narrowing keep the order of squared distances, and so they
-/// are taken of the few squared distances only that are larger than all before. That makes seeding
-/// 3 times as fast as with a root for each distance.
+/// Distances are compared as `float`, whatever `T` is; of equal ones, the first point counts as
+/// furthest. Square root and narrowing keep the order of squared distances. So they are computed
+/// only for the few squared distances that are larger than all before, which makes seeding 3 times
+/// as fast as a square root for each distance.
 template <int DIM, typename T>
 class FurthestPoint {
 public:
@@ -37,12 +37,12 @@ public:
     void addCentroid(const Point& centroid) {
         for (std::size_t i = 0; i < squared_distances.size(); ++i) {
             const double squared = squaredDistance(i, centroid);
-            // Distances that are not a number stay so.
+            // Written so that NaN stays NaN.
             squared_distances[i] = squared < squared_distances[i] ? squared : squared_distances[i];
         }
     }
 
-    /// Number of the point, 0 if all coincide with centroids.
+    /// Returns the index of the furthest point, 0 if all points coincide with centroids.
     std::size_t index() const {
         std::size_t furthest = 0;
         float largest = 0.0F;
@@ -61,7 +61,7 @@ public:
     }
 
 private:
-    /// As `KDPoint::euclideanDistance` computes it, before the root.
+    /// The same as in `KDPoint::euclideanDistance`, before the square root.
     double squaredDistance(std::size_t i, const Point& centroid) const {
         double sum = 0.0;
         for (std::size_t axis = 0; axis < DIM; ++axis) {
@@ -72,8 +72,9 @@ private:
         return sum;
     }
 
-    std::array<std::vector<T>, DIM> coordinates;  ///< By axis: several points are done at once.
-    std::vector<double> squared_distances;        ///< To the nearest centroid.
+    std::array<std::vector<T>, DIM>
+        coordinates;  ///< By axis, so that several points are computed at once.
+    std::vector<double> squared_distances;  ///< To the nearest centroid.
 };
 
 }  // namespace kelvora

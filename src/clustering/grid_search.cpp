@@ -12,9 +12,9 @@ namespace kelvora {
 namespace {
 
 constexpr std::size_t kCellsPerBlock = 128;
-/// Points that are compared before looking whether they are enough.
+/// Points to compare before checking whether there are enough neighbours.
 constexpr std::size_t kBatch = 64;
-/// Pairs of points in two cells that are worth a look at the box around one of them.
+/// With more pairs of points in two cells, computing the box around one cell saves time.
 constexpr std::size_t kManyPairs = 256;
 
 }  // namespace
@@ -91,7 +91,7 @@ bool GridSearch<DIM, T>::markCorePoints(Range points,
     return found;
 }
 
-/// Counts until there are enough; the point itself is among those counted.
+/// Counts until there are enough neighbours. The point itself is counted too.
 template <int DIM, typename T>
 bool GridSearch<DIM, T>::isCore(std::size_t point,
                                 const std::array<Range, Rows::kCount>& around) const {
@@ -110,7 +110,7 @@ bool GridSearch<DIM, T>::isCore(std::size_t point,
 
 template <int DIM, typename T>
 std::size_t GridSearch<DIM, T>::countNear(const std::array<T, DIM>& center, Range points) const {
-    // As wide as the coordinates, for the compiler to count several at a time.
+    // As wide as the coordinates, so that the compiler can count several at a time.
     std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t> count = 0;
     for (std::size_t k = points.begin; k < points.end; ++k) {
         count += squaredDistance<DIM>(center, cells.coordinatesOf(k)) < squared_radius ? 1U : 0U;
@@ -141,7 +141,7 @@ bool GridSearch<DIM, T>::isNearCorePoint(std::size_t point, Range points) const 
     return false;
 }
 
-/// Whether a point and one of the others are close, one of them being a core point.
+/// Whether any of `points` is close to any of `others`, and one of the two is a core point.
 template <int DIM, typename T>
 bool GridSearch<DIM, T>::areLinked(Range points, Range others) const {
     if ((points.end - points.begin) * (others.end - others.begin) > kManyPairs) {
@@ -155,7 +155,7 @@ bool GridSearch<DIM, T>::areLinked(Range points, Range others) const {
     return false;
 }
 
-/// The same, but compares only points that are close to the box around the others.
+/// The same, but compares only points close to the box around the others.
 template <int DIM, typename T>
 bool GridSearch<DIM, T>::areLinkedLargeCells(Range points, Range others) const {
     std::array<T, DIM> low = cells.coordinatesOf(others.begin);
@@ -173,7 +173,8 @@ bool GridSearch<DIM, T>::areLinkedLargeCells(Range points, Range others) const {
         for (std::size_t axis = 0; axis < DIM; ++axis) {
             closest[axis] = std::min(std::max(center[axis], low[axis]), high[axis]);
         }
-        // Rounding keeps the order of differences, squares and sums: no other point is closer.
+        // Rounding keeps the order of differences, squares and sums, so no point in
+        // the box is closer.
         if (squaredDistance<DIM>(center, closest) < squared_radius &&
             (state[point] == kCore ? isNearAny(point, others) : isNearCorePoint(point, others))) {
             return true;
@@ -193,8 +194,8 @@ void GridSearch<DIM, T>::joinNeighbours(std::size_t block) {
             }
             continue;
         }
-        // Only with cells before it, near ones first. They have been joined among each other, as a
-        // rule: most of those farther away are in the set of this one by then.
+        // Join only with cells before this one, near ones first. Those cells are mostly joined
+        // already, so that most farther cells are in the set of this one by then.
         for (std::size_t row = 0; row < kRowsBefore; ++row) {
             const Range others = cursors.cellsInReach(cell, row);
             for (std::size_t other = std::min(others.end, cell); other-- > others.begin;) {
@@ -204,7 +205,7 @@ void GridSearch<DIM, T>::joinNeighbours(std::size_t block) {
     }
 }
 
-/// Joins two cells if core points make all their points one set.
+/// Joins all points of two cells if a core point of one is close to a point of the other.
 template <int DIM, typename T>
 void GridSearch<DIM, T>::joinCells(std::size_t cell, std::size_t other) {
     if (cell_has_core[other] == 0) {
@@ -217,7 +218,7 @@ void GridSearch<DIM, T>::joinCells(std::size_t cell, std::size_t other) {
     }
 }
 
-/// Joins the points of a cell without core points with the cells of core points they are close to.
+/// Joins each point of a cell without core points with other cells that have a close core point.
 template <int DIM, typename T>
 void GridSearch<DIM, T>::joinBorderPoints(std::size_t cell, Range others) {
     for (std::size_t other = others.begin; other < others.end; ++other) {

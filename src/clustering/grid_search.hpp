@@ -13,28 +13,29 @@
 
 namespace kelvora {
 
-/// Finds and joins neighbours with a grid of cells so small that all points of a cell are neighbours
-/// of each other. A cell with enough points has core points only, none of which needs a search, and
-/// two cells are joined as soon as one pair of their points is close: the denser the points, the
-/// fewer of them are looked at.
+/// Finds and joins neighbours with a grid of cells so small that all points in a cell are
+/// neighbours. If a cell has enough points, all of them are core points, without a search. Two
+/// cells are joined as soon as one pair of their points is close. So the denser the points, the
+/// fewer are compared.
 ///
-/// Where points are dense, this takes 0.3 to 5 % of the time of searches in a tree that keep all
-/// neighbours, with two jobs and 50,000 points, and a search in `FlatTree` takes 7 to 40 times as
-/// long. Where they are sparse, most cells hold but one point, and `WideGridSearch` is faster. See
-/// benchmarks/README.md.
+/// With dense points, two jobs and 50,000 points, this takes 0.3 to 5 % of the time of tree
+/// searches that store all neighbours; a search in `FlatTree` takes 7 to 40 times as long as this.
+/// With sparse points, most cells hold only one point, and `WideGridSearch`
+/// is faster. See benchmarks/README.md.
 template <int DIM, typename T>
 class GridSearch : public ParallelSearch {
 public:
-    /// How long the radius is in cells: a little more than the diagonal, so that neither rounding of
-    /// cell numbers nor that of squared distances takes two points of a cell apart.
+    /// Length of the radius in cells. A little more than the diagonal of a cell, so that all points
+    /// in a cell are neighbours despite rounding of cell numbers and squared distances.
     static constexpr double kCellsPerRadius =
         (DIM == 2 ? 1.4142135623730951 : 1.7320508075688772) / 0.999;
-    /// Cells that a neighbour can be away on each axis: sides are longer than half the radius.
+    /// Largest distance of a neighbour on each axis, in cells. Sides are longer
+    /// than half the radius.
     static constexpr int kReach = 2;
 
     explicit GridSearch(const CellList<DIM, T>& cells_);
 
-    /// Takes in the points that have been collected in the cells.
+    /// Prepares for the points collected in the cells.
     void reset(T radius, std::size_t min_pts);
 
     std::size_t blocks() const override;
@@ -64,7 +65,8 @@ private:
     void joinBorderPoints(std::size_t cell, Range others);
 
     const CellList<DIM, T>& cells;
-    /// The row of a cell itself, those before it from near to far, and those behind.
+    /// The row of the cell itself, then the rows before it from near to far, then
+    /// the rows after it.
     std::array<typename Rows::Offset, Rows::kCount> near_to_far;
     T squared_radius;
     std::size_t min_pts;

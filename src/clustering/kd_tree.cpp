@@ -19,9 +19,9 @@ bool isFinite(const KDPoint<DIM, T>& point) {
 
 }  // namespace
 
-/// The caller's points, as nanoflann wants to see them.
+/// Presents the caller's points to nanoflann.
 template <int DIM, typename T>
-// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): an established name.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): a fixed name.
 class KDTree<DIM, T>::__KDPointAdaptor {
 public:
     explicit __KDPointAdaptor(const std::vector<Point>& points_) : points(&points_) {}
@@ -30,9 +30,9 @@ public:
 
     std::size_t kdtree_get_point_count() const { return points->size(); }
 
-    /// NaN and infinities would make nanoflann split without end. The largest number instead puts
-    /// such points so far away from all others that their squared distance overflows, and they are
-    /// no one's neighbour.
+    /// NaN and infinities would make nanoflann split endlessly. The largest number replaces them:
+    /// it puts such points so far away that squared distances overflow, and they are not neighbours
+    /// of any point.
     T kdtree_get_pt(std::size_t i, std::size_t axis) const {
         const T value = (*points)[i].coordinates[axis];
         return std::isfinite(value) ? value : std::numeric_limits<T>::max();
@@ -63,8 +63,8 @@ KDTree<DIM, T>::~KDTree() = default;
 
 template <int DIM, typename T>
 bool KDTree<DIM, T>::build(const std::vector<Point>& points_, int n_thread_build) {
-    // The old index refers to the old adaptor: it must not be searched if making the new ones
-    // fails.
+    // The old index refers to the old adaptor. It must not be searched if building
+    // the new ones fails.
     built = false;
     adaptor.reset();
     points.clear();

@@ -18,16 +18,16 @@ namespace kelvora {
 
 /// Finds the centroid nearest to each point of a set.
 ///
-/// The box around the points is halved again and again, always across its longest side. Each part
-/// keeps the centroids that are the nearest of some place in it, mostly one to three, which is all
-/// that a point needs to be compared with. Parts inherit from the larger part they lie in, and those
-/// with few points are not halved further, so that the lists cost next to nothing. An iteration
-/// takes a tenth to three tenths of the time that a search tree needs.
+/// The box around the points is halved repeatedly, always across its longest side. Each part keeps
+/// the centroids that are nearest to any position in the part, mostly one to three. A point is
+/// compared only with these. Parts inherit candidates from the larger part around them, and parts
+/// with few points are not halved further, so that the lists cost almost nothing. An iteration
+/// takes 10 to 30 % of the time of a search tree.
 ///
-/// Squared distances are those of the tree to the last bit. Where several centroids are equally near
-/// the order of the tree's walk decides, and the tree has to be asked. It is also asked where a part
-/// keeps very many centroids, as it does if a point far away from all others makes the parts too
-/// large: an iteration takes about as long as with the tree alone then.
+/// Squared distances are equal to the tree's to the last bit. If several centroids are equally
+/// near, the tree must be searched, because the order of its walk decides. The tree is also
+/// searched if a part keeps very many centroids. This happens if a single point far from all others
+/// makes the parts too large; an iteration then takes about as long as with the tree alone.
 template <int DIM, typename T>
 class NearestCentroid {
 public:
@@ -36,30 +36,30 @@ public:
     struct Result {
         std::size_t index;
         T squared_distance;
-        bool is_tied;  ///< The tree has to be asked: the others do not count.
+        bool is_tied;  ///< The tree must be searched; the other fields are not valid.
     };
 
-    /// If some points are not finite, or so far away that squared distances might overflow, all are
-    /// said to be tied: it is then left to the tree.
+    /// If any point is not finite, or so far away that squared distances might overflow, all
+    /// results are tied, and the tree does all the work.
     ///
-    /// \param k  Number of centroids there will be.
+    /// \param k  Number of centroids.
     NearestCentroid(const std::vector<Point>& points, std::size_t k);
 
     void setCentroids(const std::vector<Point>& centroids_);
 
-    /// \param i  Number of the point.
+    /// \param i  Index of the point.
     Result find(const Point& point, std::size_t i) const;
 
 private:
     /// A part of the box around the points.
     struct Part {
-        std::array<double, DIM> low;  ///< From the corner of the box.
+        std::array<double, DIM> low;  ///< Relative to the corner of the box.
         std::array<double, DIM> side;
         std::size_t first_cell;
         std::size_t cell_count;
     };
 
-    /// Candidates that lie one after the other; none if they are too many to be compared.
+    /// Consecutive candidates; empty if there are too many to compare.
     struct List {
         std::uint32_t begin;
         std::uint32_t end;
@@ -74,14 +74,17 @@ private:
                                             std::size_t end) const;
     std::array<double, DIM> offsetFromCentre(const Part& part, const Point& centroid) const;
 
-    // Coordinates are taken from here, which keeps them exact where the box is far from the origin.
+    // Coordinates are relative to this corner, to keep them exact if the box is
+    // far from the origin.
     std::array<double, DIM> corner;
     Part whole;
     std::vector<std::size_t> halvings;  ///< Axis of each.
     std::vector<std::uint32_t> cell_of_point;
-    std::vector<std::uint32_t> points_before;  ///< In the cells before each, and behind the last.
+    std::vector<std::uint32_t>
+        points_before;  ///< Points in all cells before each cell, and before the end.
     const Point* centroids = nullptr;
-    std::vector<std::uint32_t> inherited;   ///< Lists of the part in hand and those around it.
+    std::vector<std::uint32_t>
+        inherited;  ///< Lists of the current part and of the parts around it.
     std::vector<std::uint32_t> candidates;  ///< Lists of all cells.
     std::vector<List> list_of_cell;
 };
@@ -96,10 +99,10 @@ NearestCentroid<DIM, T>::NearestCentroid(const std::vector<Point>& points, std::
     }
 }
 
-/// Finds the box around the points. Returns whether they can be sorted into cells.
+/// Finds the box around the points. Returns whether the points can be sorted into cells.
 template <int DIM, typename T>
 bool NearestCentroid<DIM, T>::measure(const std::vector<Point>& points) {
-    // Squares of these, and sums of many of them, are finite.
+    // The squares of such numbers, and sums of many of them, are finite.
     constexpr T kFarthest = std::is_same_v<T, float> ? static_cast<T>(1e15) : static_cast<T>(1e100);
     std::array<T, DIM> lowest = points.front().coordinates;
     std::array<T, DIM> highest = lowest;
@@ -135,11 +138,11 @@ void NearestCentroid<DIM, T>::chooseHalvings(std::size_t cell_count) {
     list_of_cell.resize(whole.cell_count);
 }
 
-/// Finds the cell of each point. Each halving gives a digit of a cell's number, the first the
-/// highest.
+/// Finds the cell of each point. Each halving is one bit of the cell number, the first halving the
+/// highest bit.
 template <int DIM, typename T>
 void NearestCentroid<DIM, T>::locate(const std::vector<Point>& points) {
-    std::array<std::vector<std::uint32_t>, DIM> digits;  // of each slice across an axis
+    std::array<std::vector<std::uint32_t>, DIM> digits;  // of each slice along an axis
     std::array<double, DIM> slices_per_unit;
     for (std::size_t axis = 0; axis < DIM; ++axis) {
         digits[axis] = {0};
@@ -154,7 +157,7 @@ void NearestCentroid<DIM, T>::locate(const std::vector<Point>& points) {
             }
         }
         const auto slices = static_cast<double>(digits[axis].size());
-        // Finite also where a side is so short that it divides to infinity, which times 0 is no number.
+        // Kept finite: for a very short side the quotient is infinite, and times 0 would be NaN.
         slices_per_unit[axis] =
             whole.side[axis] > 0.0
                 ? std::min(slices / whole.side[axis], std::numeric_limits<double>::max())
@@ -189,12 +192,13 @@ void NearestCentroid<DIM, T>::setCentroids(const std::vector<Point>& centroids_)
     split(0, whole, 0);
 }
 
-/// Finds the candidates of all cells in a part of the box, which inherits those from `begin` on.
+/// Finds the candidates of all cells in a part of the box. The part inherits the candidates from
+/// `begin` on.
 template <int DIM, typename T>
 void NearestCentroid<DIM, T>::split(std::size_t halving, const Part& part, std::size_t begin) {
-    // For so few points, shorter lists do not pay.
+    // For so few points, shorter lists do not save time.
     constexpr std::size_t kFewPoints = 32;
-    // A search in the tree takes no longer than to compare a point with as many as these.
+    // With more candidates, searching the tree is faster.
     constexpr std::size_t kMostCandidates = 64;
     const std::size_t end = inherited.size();
     const std::size_t point_count =
@@ -222,21 +226,21 @@ void NearestCentroid<DIM, T>::split(std::size_t halving, const Part& part, std::
     }
 }
 
-/// Appends those of the inherited centroids from `begin` to `end` that may be nearest somewhere in a
-/// part: those that the one nearest to its centre does not beat everywhere.
+/// Appends the inherited centroids from `begin` to `end` that may be nearest somewhere in a part:
+/// all that the centroid nearest to its centre does not beat everywhere.
 ///
-/// What one is nearer than another, in squared distances, is linear in the place, and largest in a
-/// corner (D. Pelleg, A. Moore: "Accelerating Exact k-means Algorithms with Geometric Reasoning", KDD
-/// 1999).
+/// The difference of the squared distances to two centroids is linear in the position, and largest
+/// in a corner (D. Pelleg, A. Moore: "Accelerating Exact k-means Algorithms with Geometric
+/// Reasoning", KDD 1999).
 template <int DIM, typename T>
 void NearestCentroid<DIM, T>::keepNearest(const Part& part, std::size_t begin, std::size_t end) {
-    // Far more than the rounding of distances, and of the cells of points, may amount to.
+    // Much larger than the rounding errors of distances and cells.
     constexpr double kMargin = 1e-4;
     constexpr auto kLeast = static_cast<double>(std::numeric_limits<T>::min());
     const auto winner = nearestToCentre(part, begin, end);
     for (std::size_t i = begin; i < end; ++i) {
         const auto rival = offsetFromCentre(part, centroids[inherited[i]]);
-        double lead = kLeast;  // of the rival, in the corner that is best for it
+        double lead = kLeast;  // of the rival, in its best corner
         for (std::size_t axis = 0; axis < DIM; ++axis) {
             const double reach = part.side[axis] / 2 * (1.0 + kMargin);
             const double squares = winner[axis] * winner[axis] + rival[axis] * rival[axis];
@@ -250,7 +254,7 @@ void NearestCentroid<DIM, T>::keepNearest(const Part& part, std::size_t begin, s
     }
 }
 
-/// Returns the offset from a part's centre of the inherited centroid that is nearest to it.
+/// Finds the inherited centroid nearest to a part's centre. Returns its offset from the centre.
 template <int DIM, typename T>
 std::array<double, DIM> NearestCentroid<DIM, T>::nearestToCentre(const Part& part,
                                                                  std::size_t begin,
@@ -297,7 +301,7 @@ typename NearestCentroid<DIM, T>::Result NearestCentroid<DIM, T>::find(const Poi
             const T difference = point.coordinates[axis] - centroid.coordinates[axis];
             squared_distance += difference * difference;
         }
-        // Selected rather than branched upon: which one is nearest, no processor can guess.
+        // No branches: the nearest centroid is hard to predict.
         const bool is_nearer = squared_distance < result.squared_distance;
         result.is_tied =
             !is_nearer && (result.is_tied || squared_distance == result.squared_distance);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t kNoSlot = std::numeric_limits<std::uint32_t>::max();
 
-/// Number of bits, below the 16th, that are set. Instructions for it are not to be had everywhere.
+/// Number of bits set among the lowest 16. Not every processor has an instruction for it.
 unsigned countBits(unsigned bits) {
     bits -= bits >> 1U & 0x5555U;
     bits = (bits & 0x3333U) + (bits >> 2U & 0x3333U);
@@ -27,7 +27,7 @@ unsigned highestBit(unsigned bits) {
     return 31U - static_cast<unsigned>(__builtin_clz(bits));
 }
 
-/// All but the lowest `count` of the bits that are set.
+/// Clears the lowest `count` of the bits that are set.
 unsigned withoutLowest(unsigned bits, std::size_t count) {
     for (; count > 0; --count) {
         bits &= bits - 1;
@@ -58,7 +58,8 @@ void OrderedExpansion<DIM, T>::run(const std::vector<Point>& points, T radius, s
     reset();
     Walk walk(tree, radius * radius);
     for (const std::uint32_t slot : slot_of) {
-        // A point that is not core stays unvisited: a later cluster may take it in as border point.
+        // A point that is not core stays unvisited: it may become a border point
+        // of a later cluster.
         const bool is_unvisited =
             slot != kNoSlot && (unvisited[Tree::leafOf(slot)] >> Tree::laneOf(slot) & 1U) != 0;
         if (is_unvisited && findNeighbours(slot, walk, min_pts)) {
@@ -87,7 +88,7 @@ void OrderedExpansion<DIM, T>::reset() {
     seeds.reset(leaves << Tree::kLaneBits, tree.points);
 }
 
-/// Returns whether a point is core; then its neighbours are listed.
+/// Returns whether a point is core. If so, lists its neighbours.
 template <int DIM, typename T>
 bool OrderedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, std::size_t min_pts) {
     std::uint16_t& core_lanes = may_be_core[Tree::leafOf(slot)];
@@ -109,7 +110,7 @@ bool OrderedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, st
     return true;
 }
 
-/// Collects the cluster of a core point whose neighbours are listed.
+/// Collects the cluster of a core point. Its neighbours are already listed.
 template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::expand(std::uint32_t seed, Walk& walk, std::size_t min_pts,
                                       std::vector<std::size_t>& members) {
@@ -138,9 +139,9 @@ void OrderedExpansion<DIM, T>::pushUnvisited() {
     }
 }
 
-/// Pushes the unvisited neighbours in the order in which `std::partition` would put them first: each
-/// gap that a visited one leaves in front is filled with the last unvisited one from behind. Their
-/// order decides that of the cluster's members.
+/// Pushes the unvisited neighbours in the order in which `std::partition` would put them first: it
+/// replaces each visited neighbour in front by the last unvisited one from behind. This order
+/// decides the order of the cluster's members.
 template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::partitionAndPushUnvisited() {
     std::size_t in_front = countUnvisited();
@@ -178,7 +179,7 @@ std::size_t OrderedExpansion<DIM, T>::countUnvisited() const {
     return count;
 }
 
-/// Keeps the unvisited ones, in the order from the last to the first.
+/// Collects the unvisited neighbours among `lanes`, from the last to the first.
 template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::collectFromBehind(std::size_t leaf, unsigned lanes) {
     unsigned left = lanes & unvisited[leaf];
@@ -189,7 +190,7 @@ void OrderedExpansion<DIM, T>::collectFromBehind(std::size_t leaf, unsigned lane
     }
 }
 
-/// Pushes neighbours, and those from behind in place of visited ones.
+/// Pushes the neighbours among `lanes`. Visited ones are replaced by neighbours from behind.
 template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::pushFilled(std::size_t leaf, unsigned lanes) {
     const unsigned unvisited_lanes = unvisited[leaf];

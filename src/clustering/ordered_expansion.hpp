@@ -12,23 +12,23 @@
 
 namespace kelvora {
 
-/// The density clustering with one job: clusters grow point by point, in an order that callers know.
-/// It follows from the walk through nanoflann's tree, and from how the standard library partitions a
-/// list of neighbours.
+/// The density clustering with one job. Clusters grow point by point, in a defined order: it
+/// follows from the walk through nanoflann's tree, and from how `std::partition` orders
+/// a list of neighbours.
 ///
-/// Neighbours are kept leaf by leaf, with a bit for each point, and so is which points have been
-/// visited. The time is 40 to 55 % of that of searches in nanoflann's own tree with lists of its
-/// results: see benchmarks/README.md.
+/// Neighbours and visited points are stored leaf by leaf, with one bit per point. This takes 40 to
+/// 55 % of the time of searches in nanoflann's tree with lists of its results: see
+/// benchmarks/README.md.
 template <int DIM, typename T>
 class OrderedExpansion {
 public:
     using Point = KDPoint<DIM, T>;
 
-    /// Appends the clusters of `points`, which `tree` holds, and their boxes.
+    /// Appends the clusters of `points` and their boxes. `tree` must hold these points.
     void run(const std::vector<Point>& points, T radius, std::size_t min_pts,
              std::vector<std::vector<std::size_t>>& clusters, std::vector<std::vector<T>>& boxes);
 
-    /// Built of the points before `run`.
+    /// The tree of the points. Build it before `run`.
     FlatTree<DIM, T> tree;
 
 private:
@@ -46,9 +46,9 @@ private:
     void pushFilled(std::size_t leaf, unsigned lanes);
 
     std::vector<std::uint16_t> unvisited;  ///< One bit for each point of a leaf.
-    /// The same for points that may be core: it need not be asked again whether others are.
+    /// One bit for each point of a leaf: cleared if the point is known not to be core.
     std::vector<std::uint16_t> may_be_core;
-    std::vector<std::uint32_t> slot_of;   ///< Of the caller's points.
+    std::vector<std::uint32_t> slot_of;   ///< Slot of each of the caller's points.
     std::vector<LanesOfLeaf> neighbours;  ///< The first `leaf_count` are in use.
     std::size_t leaf_count = 0;
     std::size_t neighbour_count = 0;

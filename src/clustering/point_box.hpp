@@ -7,12 +7,12 @@
 #include "kelvora/kd_point.hpp"
 
 /// \file
-/// Boxes around points: first the minimum on each axis, then the maximum, and for the caller the
-/// extent instead.
+/// Boxes around points: first the minimum on each axis, then the maximum. Callers get the extent
+/// instead of the maximum.
 
 namespace kelvora {
 
-/// Widens a box, kept as minima and maxima, to a point.
+/// Widens a box of minima and maxima to include a point.
 template <int DIM, typename T>
 void widenBox(std::vector<T>& box, const KDPoint<DIM, T>& point) {
     for (std::size_t axis = 0; axis < DIM; ++axis) {

@@ -9,11 +9,12 @@
 
 namespace kelvora {
 
-/// Sorts numbers by some of their bits, equal ones staying in their order. Linear time: a million
-/// numbers take a fifth of what std::sort takes.
+/// Sorts numbers by some of their bits; stable, in linear time. A million numbers take a fifth of
+/// the time of std::sort.
 ///
-/// \param first_bit,bits  The bits that count. The numbers must be in order by those below.
-/// \param other  Room for a copy.
+/// \param first_bit,bits  The bits to sort by. The numbers must already be sorted
+///     by the bits below.
+/// \param other  Working memory.
 inline void sortByBits(std::vector<std::uint64_t>& numbers, std::vector<std::uint64_t>& other,
                        unsigned first_bit, unsigned bits) {
     constexpr unsigned kDigitBits = 11;

@@ -13,16 +13,16 @@ namespace kelvora {
 
 /// The rows of cells within reach of a cell.
 ///
-/// \tparam REACH  Cells that a neighbour can be away on each axis.
+/// \tparam REACH  Largest distance of a neighbour on each axis, in cells.
 template <int DIM, int REACH>
 struct CellRows {
     static constexpr std::size_t kWidth = 2 * REACH + 1;
     static constexpr std::size_t kCount = DIM == 2 ? kWidth : kWidth * kWidth;
 
-    /// How far away a row is on the axes other than the first.
+    /// Distance of a row on the axes other than the first, in cells.
     using Offset = std::array<int, 2>;
 
-    /// In the order of the list of cells.
+    /// All rows, in the order of the list of cells.
     static constexpr std::array<Offset, kCount> offsets() {
         std::array<Offset, kCount> result{};
         std::size_t count = 0;
@@ -35,8 +35,8 @@ struct CellRows {
     }
 };
 
-/// Follows cells, which come in ascending order, through the list, and in each row those within
-/// reach.
+/// Walks through the list of cells in ascending order, and finds the cells within
+/// reach in each row.
 template <int DIM, typename T, int REACH>
 class RowCursors {
 public:
@@ -47,7 +47,7 @@ public:
                std::size_t first_cell)
         : number(cells.number) {
         for (std::size_t row = 0; row < Rows::kCount; ++row) {
-            // Negative ones wrap around, and back when they are added.
+            // Negative distances wrap around, and wrap back when they are added.
             std::int64_t rows = offsets[row][0];
             if (DIM == 3) {
                 rows += offsets[row][1] * static_cast<std::int64_t>(cells.cells_on_axis[1]);
@@ -75,7 +75,7 @@ public:
 
 private:
     const std::vector<std::uint64_t>& number;
-    /// From a cell to the first in reach.
+    /// From a cell to the first one within reach, for each row.
     std::array<std::uint64_t, Rows::kCount> distances;
     std::array<std::size_t, Rows::kCount> cursor;
 };

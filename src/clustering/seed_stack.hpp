@@ -7,21 +7,21 @@
 
 namespace kelvora {
 
-/// A stack of numbers below n, each of which it holds at most once: pushing one again moves it to the
-/// top. Taken from the top, numbers come in the same order as from a stack that keeps all copies and
-/// whose reader skips those it has seen. But such a stack grows with the number of all neighbours of
-/// all points, to gigabytes in dense data, and this one does not grow.
+/// A stack of numbers below n that holds each number at most once: pushing a number again moves it
+/// to the top. Numbers are popped in the same order as from a stack that keeps all copies and skips
+/// the ones seen before. Such a stack would grow with the neighbours of all points, to gigabytes in
+/// dense data; this one has a fixed size.
 ///
-/// Pushing again leaves the old entry where it is, to be skipped: an entry counts if it is the last
-/// one of its number. When the room is used up, entries that do not count are dropped, which takes
-/// constant time per push. A list linked in both directions would take out the old entry at once, and
-/// have four places to write to instead of two.
+/// Pushing a number again leaves the old entry in place: only the latest entry of a number is
+/// valid. When the stack is full, invalid entries are removed, which takes constant time per push
+/// on average. A doubly linked list would remove the old entry at once, but write to four places
+/// instead of two.
 class SeedStack {
 public:
-    /// The most numbers it holds.
+    /// Most numbers that it can hold.
     static constexpr std::size_t kMostHeld = std::size_t{1} << 30;
 
-    /// Empties the stack and makes room for numbers below n, so many at most at a time.
+    /// Empties the stack, and makes room for at most `most_held` different numbers below `n`.
     void reset(std::size_t n, std::size_t most_held) {
         entries.resize(kRoomPerNumber * most_held);
         last_entry.resize(n);
@@ -43,7 +43,7 @@ public:
         last_entry[i] = count++;
     }
 
-    /// Not from an empty stack, and only after `empty` was asked.
+    /// Must be called directly after `empty` has returned false.
     std::uint32_t pop() { return entries[--count]; }
 
 private:
@@ -62,7 +62,7 @@ private:
     }
 
     std::vector<std::uint32_t> entries;
-    std::vector<std::uint32_t> last_entry;  ///< Of each number; of no meaning if it is not in.
+    std::vector<std::uint32_t> last_entry;  ///< Of each number; undefined if it is not held.
     std::uint32_t count = 0;
 };
 

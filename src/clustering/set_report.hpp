@@ -13,8 +13,8 @@
 #include "kelvora/kd_point.hpp"
 
 /// \file
-/// What the parallel pass reports: the points of each set and the box around them, in one walk over
-/// the points however many sets there are.
+/// Reports the points of each set and the box around them, in one pass over the points for any
+/// number of sets.
 
 namespace kelvora {
 
@@ -24,8 +24,8 @@ class SetBox {
 public:
     SetBox() { values.fill(std::numeric_limits<T>::max()); }
 
-    /// The first point leaves the maxima at 0, not at its own coordinates: results have always been
-    /// so, and callers rely on them.
+    /// The first point sets the maxima to 0, not to its own coordinates: this is part of the
+    /// interface, see `DensityClustering`.
     void add(const KDPoint<DIM, T>& point) {
         const bool is_first = values[0] == std::numeric_limits<T>::max();
         for (std::size_t axis = 0; axis < DIM; ++axis) {
@@ -37,7 +37,7 @@ public:
         }
     }
 
-    /// Minima and extents.
+    /// Returns minima and extents.
     std::vector<T> report() const {
         std::vector<T> box(values.begin(), values.end());
         for (std::size_t axis = 0; axis < DIM; ++axis) {
@@ -50,10 +50,10 @@ private:
     std::array<T, std::size_t{2} * DIM> values;
 };
 
-/// Writes the set of each point. Only core points and their neighbours were joined: those that are
-/// alone are noise.
+/// Writes the set of each point. Only core points and their neighbours were joined, so points alone
+/// in their set are noise.
 ///
-/// \param order  The point that each number of `sets` stands for.
+/// \param order  The point that each number in `sets` represents.
 inline void writeJoinedSets(ConcurrentSets& sets, const std::vector<std::uint32_t>& order,
                             std::vector<std::uint32_t>& set_of) {
     std::fill(set_of.begin(), set_of.end(), kNoSet);
@@ -85,7 +85,7 @@ inline std::vector<std::size_t> renumberSets(std::vector<std::uint32_t>& set_of)
     return sizes;
 }
 
-/// Reports each set, in the order of their first points. `set_of` is used up.
+/// Reports the sets in the order of their first points. Overwrites `set_of`.
 template <int DIM, typename T>
 void reportSets(const std::vector<KDPoint<DIM, T>>& points, std::vector<std::uint32_t>& set_of,
                 std::vector<std::vector<std::size_t>>& clusters,

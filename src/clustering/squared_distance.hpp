@@ -6,7 +6,7 @@
 
 namespace kelvora {
 
-/// The squared distance as nanoflann computes it: results depend on each of its roundings.
+/// The squared distance, computed exactly like in nanoflann: results depend on every rounding.
 template <int DIM, typename T>
 T squaredDistance(const std::array<T, DIM>& a, const std::array<T, DIM>& b) {
     T sum = 0;

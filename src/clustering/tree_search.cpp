@@ -49,7 +49,7 @@ void TreeSearch<DIM, T>::findCorePoints(std::size_t block) {
             is_core[slot] = is_core[slot - 1];
             return;
         }
-        std::size_t count = 0;  // the point itself among them
+        std::size_t count = 0;  // including the point itself
         walk.neighboursOf(slot, [&](const LanesOfLeaf& near) {
             count += near.count;
             return count <= min_pts;

@@ -12,14 +12,14 @@
 
 namespace kelvora {
 
-/// Finds neighbours with a tree and joins them as they are found, so that none are kept. For points
-/// and radii that a grid cannot serve: a point far away from the others, or a radius that is tiny for
-/// them, would take more cells than can be numbered. Wherever there can be a grid, it is faster, at
-/// least where cells of the right size are chosen: with sparse points, 1.5 to 3.5 times.
+/// Finds neighbours with a tree, and joins them at once, so that none are stored. For points and
+/// radii that do not fit a grid: if a point is far from the others, or the radius is tiny compared
+/// with their distances, there would be too many cells to number. Otherwise a grid with the right
+/// cell size is faster, 1.5 to 3.5 times with sparse points.
 template <int DIM, typename T>
 class TreeSearch : public ParallelSearch {
 public:
-    /// Takes in the points of `tree`.
+    /// Prepares for the points of `tree`.
     void reset(T radius, std::size_t min_pts);
 
     std::size_t blocks() const override;
@@ -27,15 +27,15 @@ public:
     void joinNeighbours(std::size_t block) override;
     void writeSets(std::vector<std::uint32_t>& set_of) override;
 
-    /// Built before `reset`.
+    /// The tree of the points. Build it before `reset`.
     FlatTree<DIM, T> tree;
 
 private:
     using Tree = FlatTree<DIM, T>;
     using Walk = TreeWalk<DIM, T>;
 
-    /// Calls `onPoint(slot, is_like_the_one_before)` for each point of a block that is finite. Points
-    /// at the same place have the same neighbours, and are next to each other more often than not.
+    /// Calls `onPoint(slot, is_like_the_one_before)` for each finite point of a block. Points at
+    /// the same position have the same neighbours, and are mostly next to each other.
     template <class OnPoint>
     void forPointsOf(std::size_t block, OnPoint onPoint) const;
 
@@ -43,8 +43,8 @@ private:
     std::size_t min_pts;
 
     // Threads use this without a lock or atomics, and do not race: while core points are found, the
-    // thread of a block reads and writes the slots of its own leaves only. A `TaskGate` separates the
-    // phases. While neighbours are joined, no thread writes. Elements are bytes, not bits, as
+    // thread of a block reads and writes the slots of its own leaves only. A `TaskGate` separates
+    // the phases. While neighbours are joined, no thread writes. Elements are bytes, not bits, as
     // neighbouring ones may be written at the same time.
     std::vector<std::uint8_t> is_core;  ///< Of slots.
 

@@ -12,14 +12,15 @@
 
 namespace kelvora {
 
-/// Some points of a leaf: how many, and a bit for the lane of each.
+/// Some points of a leaf: their number, and a bit for the lane of each.
 struct LanesOfLeaf {
     std::uint32_t leaf;
     std::uint16_t lanes;
     std::uint16_t count;
 };
 
-/// The bit of each lane, and above all bits, a one: their sum has the number of lanes, too.
+/// A code for each lane: its bit, and a 1 above all lane bits. The sum of several codes holds both
+/// their bits and their number.
 template <typename Integer, std::size_t lanes, unsigned count_shift>
 constexpr std::array<Integer, lanes> laneCodes() {
     std::array<Integer, lanes> codes{};
@@ -29,9 +30,8 @@ constexpr std::array<Integer, lanes> laneCodes() {
     return codes;
 }
 
-/// Walks to the leaves of a tree that a radius reaches, nearer ones first: in nanoflann's order, and
-/// with its arithmetic, so that rounding takes the walk past the same leaves. Each thread needs a
-/// walk of its own.
+/// Visits the leaves of a tree within a radius, nearer ones first. Order and arithmetic are
+/// nanoflann's, so that rounding leads to the same leaves. Each thread needs its own walk.
 template <int DIM, typename T>
 class TreeWalk {
 public:
@@ -40,14 +40,14 @@ public:
         branch_sides.fill(std::vector<T>(tree_.depth));
     }
 
-    /// Calls `onLeaf(near)` with the points of each leaf that are closer than the radius, which may
-    /// be none, until it returns false.
+    /// Calls `onLeaf(near)` for each leaf with the points closer than the radius, possibly none,
+    /// until it returns false.
     template <class OnLeaf>
     void neighboursOf(std::uint32_t slot, OnLeaf onLeaf) {
         const std::array<T, DIM> center = tree.coordinatesAt(slot);
         std::uint32_t number = 0;
         T squared_distance = 0;
-        std::array<T, DIM> squared_sides{};  // what each axis adds to the distance
+        std::array<T, DIM> squared_sides{};  // the share of each axis in the distance
         std::size_t waiting = 0;
         while (true) {
             const Node* node = &tree.nodes[number];
@@ -58,11 +58,11 @@ public:
                 const bool is_first_nearer = beyond_low + beyond_high < 0;
                 const T difference = is_first_nearer ? beyond_high : beyond_low;
                 const T squared_side = difference * difference;
-                // In this order: both roundings count.
+                // In this order: both roundings matter.
                 const T farther = squared_distance + squared_side - squared_sides[node->axis];
                 const std::uint32_t first = number + 1;
                 number = is_first_nearer ? first : node->other;
-                // Also false if it is not a number.
+                // Also false for NaN.
                 if (farther <= squared_radius) {
                     branches[waiting] = {is_first_nearer ? node->other : first, farther};
                     for (std::size_t axis = 0; axis < DIM; ++axis) {
@@ -90,24 +90,25 @@ private:
     static constexpr std::size_t kLanes = FlatTree<DIM, T>::kLanes;
     static constexpr unsigned kCountBits = 16;
 
-    // Left to itself, the compiler unrolls the loops over lanes before it sees that they are vectors.
+    // Explicit vectors: the compiler would unroll the loops over lanes before
+    // it could vectorize them.
     using Integer = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
     static constexpr std::size_t kVectorBytes = 16;
     static constexpr std::size_t kWidth = kVectorBytes / sizeof(T);
-    // NOLINTNEXTLINE(modernize-use-using): vectors of a template's type are not to be had otherwise.
+    // NOLINTNEXTLINE(modernize-use-using): a vector of a dependent type needs typedef.
     typedef T Values __attribute__((vector_size(kVectorBytes)));
     // NOLINTNEXTLINE(modernize-use-using)
     typedef Integer Integers __attribute__((vector_size(kVectorBytes)));
 
     static constexpr auto kLaneCodes = laneCodes<Integer, kLanes, kCountBits>();
 
-    /// A node that is still to be walked, and how far from the centre its points are at least.
+    /// A node still to be visited, and the least distance of its points from the centre.
     struct Branch {
         std::uint32_t node;
         T squared_distance;
     };
 
-    /// Squares are added as in `squaredDistance`, for several lanes at a time.
+    /// Squares are summed as in `squaredDistance`, for several lanes at a time.
     LanesOfLeaf nearPoints(const std::array<T, DIM>& center, std::uint32_t leaf) const {
         const T* const lanes = tree.lanesOf(leaf);
         Integers near = {};
@@ -133,9 +134,9 @@ private:
 
     const FlatTree<DIM, T>& tree;
     T squared_radius;
-    std::vector<Branch> branches;  ///< The next one last.
-    // Of each branch, what the axes add to the distance. Apart: numbers that are written one by one
-    // should be read one by one.
+    std::vector<Branch> branches;  ///< The next one to visit is the last.
+    // The share of each axis in the distance of each branch. One array per axis: numbers that are
+    // written one by one should be read one by one.
     std::array<std::vector<T>, DIM> branch_sides;
 };
 

@@ -60,9 +60,9 @@ void WideGridSearch<DIM, T>::findCorePoints(std::size_t block) {
 
 template <int DIM, typename T>
 bool WideGridSearch<DIM, T>::isCore(std::size_t point, const Around& around) const {
-    Integers near = {};  // of each lane; the point itself among them
+    Integers near = {};  // count in each lane; includes the point itself
     compareAll(point, around, [&](std::size_t /*first*/, const Integers& is_near) {
-        near -= is_near;  // -1 where it is
+        near -= is_near;  // is_near is -1 for true
     });
     std::size_t count = 0;
     for (std::size_t lane = 0; lane < kWidth; ++lane) {
@@ -71,8 +71,8 @@ bool WideGridSearch<DIM, T>::isCore(std::size_t point, const Around& around) con
     return count > min_pts;
 }
 
-/// Each point is joined with those before it only, in the order of their cells: those behind look for
-/// it themselves.
+/// Joins each point only with points before it, in the order of their cells. Points after it are
+/// joined with it when it is their turn.
 template <int DIM, typename T>
 void WideGridSearch<DIM, T>::joinNeighbours(std::size_t block) {
     const CellRange range = cellsOfBlock(block);
@@ -101,13 +101,13 @@ bool WideGridSearch<DIM, T>::hasCore(CellRange range) const {
     return found != 0;
 }
 
-/// Joins a point with near ones in its own row and in those before it, where either is a core point.
+/// Joins a point with near points in its own row and in the rows before, if either is a core point.
 template <int DIM, typename T>
 void WideGridSearch<DIM, T>::joinWithNear(std::uint32_t point, const PointsBefore& before) {
     std::uint32_t set = sets.find(point);
     const unsigned joins_all = is_core[point];
     compareAll(point, before, [&](std::size_t first, const Integers& is_near) {
-        // Most are in the set by then: that is seen without a branch for each.
+        // Most are in the set already. This is checked without a branch for each.
         unsigned others = 0;
         for (unsigned lane = 0; lane < kWidth; ++lane) {
             const auto other = static_cast<std::uint32_t>(first + lane);
@@ -123,8 +123,8 @@ void WideGridSearch<DIM, T>::joinWithNear(std::uint32_t point, const PointsBefor
     });
 }
 
-/// Tells of `kWidth` consecutive points which ones are near: with all bits, or none. Squares are added
-/// as in `squaredDistance`.
+/// Returns which of `kWidth` consecutive points are near: all bits are set if so, else none.
+/// Squares are summed as in `squaredDistance`.
 template <int DIM, typename T>
 typename WideGridSearch<DIM, T>::Integers WideGridSearch<DIM, T>::compare(
     const std::array<T, DIM>& center, std::size_t first) const {
@@ -138,9 +138,9 @@ typename WideGridSearch<DIM, T>::Integers WideGridSearch<DIM, T>::compare(
     return reinterpret_cast<Integers>(sums < squared_radius);
 }
 
-/// Calls `onVector(first, is_near)` for the points of some rows, `kWidth` at a time. The last of a row
-/// may come with some behind it: these are not near, or belong to the next row, which goes on after
-/// them, or are not numbers.
+/// Calls `onVector(first, is_near)` for the points of some rows, `kWidth` at a time. The last
+/// vector of a row may include points after the row. They are not near, or are NaN, or belong to
+/// the next row, which then continues after them.
 template <int DIM, typename T>
 template <class Ranges, class OnVector>
 void WideGridSearch<DIM, T>::compareAll(std::size_t point, const Ranges& rows,

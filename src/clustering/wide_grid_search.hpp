@@ -14,33 +14,34 @@
 
 namespace kelvora {
 
-/// Finds and joins neighbours with a grid of cells as wide as the radius, for sparse points. Neighbours
-/// are in the cells next to each other then: in 3 rows of 3 cells in the plane, and in 9 rows in
-/// space, where the small cells of `GridSearch` need 5 of 5 and 25, most of them with one point or
-/// none. Points of a cell need not be neighbours, so that each point is compared with all of those
-/// around it, several at a time.
+/// Finds and joins neighbours with a grid of cells as wide as the radius, for sparse points.
+/// Neighbours are then in adjacent cells: 3 rows of 3 cells in the plane, and 9 rows in space. The
+/// small cells of `GridSearch` need 5 rows of 5 cells, and 25 rows, and most of these cells hold
+/// one point or none. Points in a cell need not be neighbours, so each point is compared with all
+/// points around it, several at a time.
 ///
-/// The time is about 70 ns for each point and 0.8 ns for each of the others in the cells around it. In
-/// recordings with most objects far apart, it is 35 to 60 % of that of `GridSearch`; in dense scenes,
-/// 2 to 25 times as long. With more than `kMostCrowding` others in the cell of a point, `GridSearch` is
-/// faster; with fewer, a point has no more than 27 times as many around it. See benchmarks/README.md.
+/// This takes about 70 ns per point, and 0.8 ns for each other point in the cells around it. In
+/// recordings with most objects far apart, it takes 35 to 60 % of the time of `GridSearch`; in
+/// dense scenes, 2 to 25 times as long. `GridSearch` is faster if a point shares its cell with more
+/// than `kMostCrowding` others. With fewer, at most 27 times as many are around
+/// a point. See benchmarks/README.md.
 template <int DIM, typename T>
 class WideGridSearch : public ParallelSearch {
 public:
     using Cells = CellList<DIM, T>;
 
-    /// How long the radius is in cells: a little less than one, so that rounding takes no neighbour
-    /// farther away than the next cell.
+    /// Length of the radius in cells. A little less than one, so that every neighbour is in an
+    /// adjacent cell despite rounding.
     static constexpr double kCellsPerRadius = 0.999;
-    /// Cells that a neighbour can be away on each axis.
+    /// Largest distance of a neighbour on each axis, in cells.
     static constexpr int kReach = 1;
-    /// `CellList::crowding` above which the small cells of `GridSearch` are faster. Measured: it is
-    /// slower at up to 9, and faster from 17 on.
+    /// `CellList::crowding` above which `GridSearch` is faster. In measurements it is slower up to
+    /// 9, and faster from 17.
     static constexpr double kMostCrowding = 13;
 
     explicit WideGridSearch(const Cells& cells_) : cells(cells_) {}
 
-    /// Takes in the points that have been collected in the cells.
+    /// Prepares for the points collected in the cells.
     void reset(T radius, std::size_t min_pts);
 
     std::size_t blocks() const override;
@@ -52,9 +53,9 @@ private:
     using Rows = CellRows<DIM, kReach>;
     using Cursors = RowCursors<DIM, T, kReach>;
     static constexpr auto kRowOffsets = Rows::offsets();
-    /// The points in each row around a cell.
+    /// Points in each row around a cell.
     using Around = std::array<CellRange, Rows::kCount>;
-    /// Those in the rows before it, and in its own.
+    /// The row of a cell itself and the rows before it.
     static constexpr std::size_t kRowsBefore = Rows::kCount / 2 + 1;
     using PointsBefore = std::array<CellRange, kRowsBefore>;
 
@@ -63,7 +64,7 @@ private:
     static constexpr std::size_t kVectorBytes = 16;
     static constexpr std::size_t kWidth = kVectorBytes / sizeof(T);
     static_assert(kWidth <= Cells::kPadding + 1);
-    // NOLINTNEXTLINE(modernize-use-using): vectors of a template's type are not to be had otherwise.
+    // NOLINTNEXTLINE(modernize-use-using): a vector of a dependent type needs typedef.
     typedef T Values __attribute__((vector_size(kVectorBytes)));
     // NOLINTNEXTLINE(modernize-use-using)
     typedef Integer Integers __attribute__((vector_size(kVectorBytes)));
@@ -80,10 +81,10 @@ private:
     T squared_radius;
     std::size_t min_pts;
 
-    // Threads use these without a lock or atomics, and do not race: while core points are found, the
-    // thread of a block writes its own elements only, and no thread reads any. A `TaskGate` separates
-    // the phases. While neighbours are joined, no thread writes. Elements are bytes, not bits, as
-    // neighbouring ones may be written at the same time.
+    // Threads use these without a lock or atomics, and do not race: while core points are found,
+    // the thread of a block writes its own elements only, and no thread reads any. A `TaskGate`
+    // separates the phases. While neighbours are joined, no thread writes. Elements are bytes, not
+    // bits, as neighbouring ones may be written at the same time.
     std::vector<std::uint8_t> is_core;  ///< Of points, in the order of their cells, and padding.
     std::vector<std::uint8_t> cell_has_core;  ///< 1 for cells with core points, else 0.
 

@@ -21,7 +21,7 @@ std::size_t effectiveBins(std::size_t window_length, std::size_t num_bins) {
 
 std::size_t binLength(std::size_t window_length, std::size_t bins) {
     const double length = static_cast<double>(window_length) / static_cast<double>(bins);
-    // The largest windows round up to 2^64, which no 64-bit integer holds.
+    // The largest windows round up to 2^64, which does not fit into 64 bits.
     constexpr double kTooLong = 18446744073709551616.0;
     if (length >= kTooLong) {
         return std::numeric_limits<std::size_t>::max();
@@ -54,7 +54,7 @@ void SlidingEventCounter::addTimestamp(std::uint64_t timestamp) {
     if (first_event) {
         first_event = false;
     } else {
-        // Wraps for an event that is older than the last one.
+        // Wraps for an event older than the last one.
         const std::uint64_t elapsed = timestamp - last_timestamp;
         if (elapsed >= bin_length) {
             advance(elapsed);
@@ -75,7 +75,7 @@ void SlidingEventCounter::addTimestamps(const unsigned long long* timestamps, st
     while (i < count) {
         addTimestamp(timestamps[i]);
         ++i;
-        // All events up to the next gap that is as long as a bin go to the same bin.
+        // All events before the next gap of at least a bin go into the same bin.
         const std::size_t run_begin = i;
         while (i < count && timestamps[i] - timestamps[i - 1] < bin_length) {
             ++i;
@@ -85,7 +85,7 @@ void SlidingEventCounter::addTimestamps(const unsigned long long* timestamps, st
     }
 }
 
-/// Counts events in the current bin, as many as it can hold.
+/// Adds events to the current bin, as many as it can hold.
 void SlidingEventCounter::countInBin(std::size_t events) {
     std::uint32_t& bin = bins[current_bin];
     const std::size_t room = std::numeric_limits<std::uint32_t>::max() - bin;
@@ -115,7 +115,7 @@ std::size_t SlidingEventCounter::getEventCount() const {
     return event_count;
 }
 
-// Not const, as it is to be called like a setter.
+// Not const: part of the interface.
 // NOLINTNEXTLINE(readability-make-member-function-const)
 bool SlidingEventCounter::setWindowLength(std::size_t window_length_) {
     return window_length_ != 0 && window_length_ >= bins.size();

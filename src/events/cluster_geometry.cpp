@@ -5,15 +5,15 @@ namespace kelvora {
 
 namespace {
 
-// Narrowing to 32 bits is part of the interface: it keeps the low half of a 64-bit time.
+// Keeping only the low 32 bits of a 64-bit time is part of the interface.
 int lowBits(unsigned long long value) {
     return static_cast<int>(static_cast<unsigned int>(value));
 }
 
 }  // namespace
 
-// The box is left out on purpose: generators and callers that fill vectors of records pay nothing
-// for it. Defaulted in the class, the constructor would zero the box for `{}`.
+// The box is not initialised, to save time for generators and callers that fill vectors of records.
+// If the constructor were defaulted in the class, `{}` would zero the box.
 // NOLINTNEXTLINE(modernize-use-equals-default)
 ClusterGeometry::ClusterGeometry() {}
 

@@ -7,7 +7,7 @@
 
 namespace kelvora {
 
-/// The polarity whose events `filter_type` ignores; 2, which no event carries, if it ignores none.
+/// The polarity that `filter_type` ignores; 2, which no event has, if it ignores none.
 /// \throws std::out_of_range  "invalid unordered_map<K, T> key" if `filter_type` is not one of the
 /// enumerators.
 std::uint8_t rejectedPolarity(EventFilterType filter_type);

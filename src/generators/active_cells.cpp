@@ -38,8 +38,9 @@ void ActiveCells::takeRegions(std::vector<CellRegion>& regions) {
 
 /// Appends the runs of a row.
 ///
-/// Takes the edges of the runs, where a cell differs from the one before it, rather than the cells:
-/// the first edge begins a run, the second ends it, and so on. The padding ends the last one.
+/// Looks for the edges of runs, where a cell differs from the one before it, instead of single
+/// cells: the first edge begins a run, the second ends it, and so on. The padding
+/// ends the last run.
 void ActiveCells::findRuns(std::size_t row) {
     const std::uint64_t* const bits = &words[row * words_per_row];
     const std::size_t last = words_per_row - 1;
@@ -60,8 +61,8 @@ void ActiveCells::findRuns(std::size_t row) {
     }
 }
 
-/// Joins the runs from `row_begin` on with those of the row above, [above, row_begin), that they
-/// share a column with.
+/// Joins the runs from `row_begin` on with the runs of the row above, [above, row_begin), where
+/// they share a column.
 void ActiveCells::joinRuns(std::size_t above, std::size_t row_begin) {
     std::size_t upper = above;
     std::size_t lower = row_begin;
@@ -73,8 +74,8 @@ void ActiveCells::joinRuns(std::size_t above, std::size_t row_begin) {
         if (a.begin < b.end && b.begin < a.end) {
             const std::uint32_t first = findRoot(static_cast<std::uint32_t>(upper));
             const std::uint32_t second = findRoot(static_cast<std::uint32_t>(lower));
-            // The earlier run becomes the root: a region's root is then the run that holds its
-            // first cell.
+            // The earlier run becomes the root, so that a region's root is the run
+            // with its first cell.
             runs[std::max(first, second)].parent = std::min(first, second);
         }
         upper += upper_ends_first ? 1 : 0;

@@ -17,9 +17,8 @@ struct CellRegion {
 
 /// The active cells of a grid, one bit each, and the connected regions that they form.
 ///
-/// Rows are padded to whole words with at least one cell to spare, and there is one row more than
-/// the grid has, so that a block at the edge is marked without a test; what lies beyond the grid is
-/// ignored.
+/// Rows are padded to whole words with at least one extra cell, and there is one extra row. So a
+/// block at the edge is marked without a check. Cells beyond the grid are ignored.
 class ActiveCells {
 public:
     /// An empty grid.
@@ -30,17 +29,17 @@ public:
 
     /// Marks the 2 x 2 block whose top left cell is (`row`, `col`).
     ///
-    /// The block reaches to the right and downward only, so that cells which touch at a corner are
-    /// joined, at the price of regions that are up to one cell too wide and too high.
+    /// The block extends only to the right and downward. This joins cells that touch at a corner,
+    /// but makes regions up to one cell too wide and too high.
     void markBlock(std::size_t row, std::size_t col) noexcept;
 
     /// Finds the bounding rectangles of all 4-connected regions, in the order of their first cells
     /// (rows from top to bottom, columns from left to right), and clears all cells.
     ///
-    /// Labels runs of cells rather than cells, as in L. He, Y. Chao, K. Suzuki: "A run-based
-    /// two-scan labeling algorithm", IEEE Transactions on Image Processing 17(5), 2008. Time grows
-    /// with the size of the grid in words and the number of runs: that is 7 % (blobs) to 21 % (cells
-    /// at random) of the time of a walk from cell to cell with a stack. See benchmarks/README.md.
+    /// Labels runs of cells instead of single cells, as in L. He, Y. Chao, K. Suzuki: "A run-based
+    /// two-scan labeling algorithm", IEEE Transactions on Image Processing 17(5), 2008. Takes time
+    /// linear in the size of the grid in words and the number of runs: 7 % (blobs) to 21 % (random
+    /// cells) of the time of a walk from cell to cell with a stack. See benchmarks/README.md.
     ///
     /// \param regions  Emptied first.
     void takeRegions(std::vector<CellRegion>& regions);
@@ -66,8 +65,8 @@ private:
     std::size_t cols = 0;
     std::size_t words_per_row = 0;
     std::vector<std::uint64_t> words;
-    std::vector<std::uint32_t> edges;  ///< Scratch, kept for its storage.
-    std::vector<Run> runs;             ///< Scratch, kept for its storage.
+    std::vector<std::uint32_t> edges;  ///< Kept to reuse its memory.
+    std::vector<Run> runs;             ///< Kept to reuse its memory.
 };
 
 }  // namespace kelvora

@@ -10,16 +10,16 @@
 
 namespace kelvora {
 
-/// The whole part of a number, and 0 for one that no unsigned 64-bit integer can hold: negative,
-/// too large or not a number.
+/// The integer part of a number, or 0 if it does not fit into an unsigned 64-bit integer: if it is
+/// negative, too large or NaN.
 template <typename T>
 unsigned long long toUnsigned(T value) {
     constexpr auto kTooLarge = static_cast<T>(18446744073709551616.0);
     return T{0} <= value && value < kTooLarge ? static_cast<unsigned long long>(value) : 0;
 }
 
-/// A cluster's box of scaled minima and extents as geometry: in pixels, clipped to the sensor, and
-/// with its extent in time in three dimensions.
+/// Converts a box of scaled minima and extents to a geometry in pixels, clipped to the sensor. In
+/// three dimensions, it also has an extent in time.
 template <int DIM, typename T>
 ClusterGeometry boxToGeometry(const std::vector<T>& box, const PointScales& scales,
                               int sensor_width, int sensor_height, std::size_t timestamp) {

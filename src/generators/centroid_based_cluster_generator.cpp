@@ -97,11 +97,11 @@ CentroidBasedClusterGenerator<DIM, T>::Impl::Impl(
       max_capacity(max_capacity_),
       clustering(k_clusters, max_iter, tol) {
     requireOnePolarityCount(filter_type, kClassName);
-    // Not among the initialisers: the check above comes first.
+    // Assigned here, because the check above must come first.
     // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer)
     rejected_polarity = rejectedPolarity(filter_type);
     requireSensorScalesAndCapacity(sensor_width, sensor_height, scales, max_capacity, kClassName);
-    // The clustering has refused these already: a second line of defence.
+    // `clustering` has refused these values already; checked again in case it no longer does.
     require(k_clusters > 0, kClassName, ": k_clusters should be larger than 0");
     require(max_iter > 0, kClassName, ": max_iter should be larger than 0");
     require(!(0.0 >= tol), kClassName, ": tol should be larger than 0");

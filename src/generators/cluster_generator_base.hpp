@@ -9,9 +9,8 @@
 
 namespace kelvora {
 
-/// What the implementations of all generators have in common: the sensor, and the two operations
-/// that work on what was accumulated. Intake is not among them, since it is a template over the
-/// event type.
+/// Base of all generator implementations: the sensor size, and the two operations on the
+/// accumulated events. Adding events is not virtual, because it is a template over the event type.
 class ClusterGeneratorBase {
 public:
     ClusterGeneratorBase(int sensor_width_, int sensor_height_)
@@ -28,10 +27,9 @@ public:
     virtual void reset() = 0;
 
 protected:
-    std::int32_t sensor_width;   ///< Pixels.
-    std::int32_t sensor_height;  ///< Pixels.
-    std::uint64_t base_counter =
-        0;  ///< Free for the implementations to use; the grid generator does not.
+    std::int32_t sensor_width;       ///< Pixels.
+    std::int32_t sensor_height;      ///< Pixels.
+    std::uint64_t base_counter = 0;  ///< Unused, kept for compatibility.
 };
 
 }  // namespace kelvora

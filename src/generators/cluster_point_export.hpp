@@ -10,13 +10,13 @@
 #include "kelvora/kd_point.hpp"
 
 /// \file
-/// Handing the member points of clusters to the caller, in several shapes.
+/// Returns the points of clusters to the caller, in several formats.
 ///
-/// Members whose points are gone, as after a reset, are left out.
+/// Members without a point, as after a reset, are left out.
 
 namespace kelvora {
 
-/// The points of one cluster, divided by `scales` where that is not null.
+/// The points of one cluster, divided by `scales` unless it is null.
 template <int DIM, typename T>
 std::vector<KDPoint<DIM, T>> memberPoints(const std::vector<std::size_t>& members,
                                           const std::vector<KDPoint<DIM, T>>& points,
@@ -36,7 +36,7 @@ std::vector<KDPoint<DIM, T>> memberPoints(const std::vector<std::size_t>& member
     return result;
 }
 
-/// A matrix with one row per point, that owns its data.
+/// A matrix with one row per point. It owns its data.
 ///
 /// \param channels  1: DIM columns of single numbers. DIM: one column of points.
 template <int DIM, typename T>

@@ -27,7 +27,7 @@ constexpr std::size_t kCounterBins = 100;
 constexpr std::size_t kPointsPerJob = 2000;
 const char* const kClassName = "DensityBasedClusterGenerator";
 
-/// Number of threads for `n` points. Only the low 8 bits count, also of large numbers.
+/// Number of threads for `n` points. Only the low 8 bits of the number are used.
 unsigned char jobsFor(int n_jobs, std::size_t n) {
     static const unsigned hardware_threads = std::thread::hardware_concurrency();
     if (n_jobs == 0) {
@@ -115,7 +115,7 @@ DensityBasedClusterGenerator<DIM, T>::Impl::Impl(int sensor_width_, int sensor_h
       n_jobs(n_jobs_),
       clustering(eps, min_pts) {
     requireOnePolarityCount(filter_type, kClassName);
-    // Not among the initialisers: the check above comes first.
+    // Assigned here, because the check above must come first.
     // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer)
     rejected_polarity = rejectedPolarity(filter_type);
     requireSensorScalesAndCapacity(sensor_width, sensor_height, scales, max_capacity, kClassName);
@@ -145,7 +145,7 @@ void DensityBasedClusterGenerator<DIM, T>::Impl::generateClusters(
     {
         const MutexLock lock(points_mutex);
         exchangePoints(working_points, incoming_points, *event_counter, max_capacity);
-        // They refer to the points that are gone now, and would be left so if clustering fails.
+        // They refer to the previous points, and would stay like that if clustering fails.
         clusters.clear();
         boxes.clear();
         clustering.generateClustersMultiThread(working_points, clusters, boxes,

@@ -16,22 +16,22 @@ namespace kelvora {
 
 namespace {
 
-/// Stands for no polarity that a filter type rejects.
+/// No decision yet on the rejected polarity.
 constexpr std::uint8_t kUndecided = 255;
 
 constexpr std::uint8_t kNone = 0;
 constexpr std::uint8_t kOne = 1;
 constexpr std::uint8_t kMost = 255;
 
-/// Where the counters of a cell lie: one per cell, or one per polarity side by side.
+/// The counters of cells: one per cell, or one per polarity side by side.
 ///
-/// The choice is made once per generator and expressed in a number: with one counter, the positive
-/// one is the negative one, `positive_offset` 0 away. So counting needs neither an indirect call
-/// nor a branch on the polarity, which is wrongly predicted every other time.
+/// The choice is made once per generator, and stored as an offset. With one counter, the positive
+/// counter is the same as the negative one, at `positive_offset` 0. So counting needs neither an
+/// indirect call nor a branch on the polarity, which is mispredicted half of the time.
 struct CellCounters {
     std::uint16_t* counts = nullptr;
     std::size_t cols = 0;
-    std::size_t positive_offset = 0;  ///< 1 if the polarities are counted apart, else 0.
+    std::size_t positive_offset = 0;  ///< 1 if the polarities are counted separately, else 0.
 
     std::uint16_t* of(std::size_t row, std::size_t col) const {
         return counts + ((row * cols + col) << positive_offset);
@@ -43,19 +43,19 @@ struct AddToCell {
     CellCounters counters;
     std::uint16_t arrival = 1;  ///< The activation threshold, but at least 1.
 
-    /// Returns whether this event made the counter arrive at the threshold.
+    /// Returns whether this event made the counter reach the threshold.
     bool operator()(std::size_t row, std::size_t col, bool positive, unsigned events) const {
         std::uint16_t& count =
             counters.of(row, col)[counters.positive_offset & std::size_t{positive}];
         const unsigned counted = count + events;
         count = static_cast<std::uint16_t>(counted);
-        // Without an event the left side has all bits set, and no counter arrives there. Nor does
-        // one that wraps to 0.
+        // Without an event all bits of the left side are set, which no threshold equals. Nor does a
+        // threshold equal a counter that has wrapped to 0.
         return (counted | (events - 1)) == arrival;
     }
 };
 
-/// Tells whether all counters of the cell (row, col) have reached the threshold.
+/// Returns whether all counters of the cell (row, col) have reached the threshold.
 struct IsCellActive {
     CellCounters counters;
     std::uint16_t activation_threshold = 0;
@@ -67,7 +67,7 @@ struct IsCellActive {
     }
 };
 
-/// Counts the events of pixels, which stop at a largest number.
+/// Counts the events of pixels, up to a largest count.
 struct AddToPixel {
     std::uint8_t* counts = nullptr;
     std::size_t width = 0;
@@ -75,23 +75,23 @@ struct AddToPixel {
     std::uint8_t repeated =
         1;  ///< 1 if the cell counts all events of a pixel, 0 if only the first.
 
-    /// Returns the number of events that the cell has to count: 0 or 1.
+    /// Returns the number of events that the cell must count: 0 or 1.
     unsigned operator()(std::size_t x, std::size_t y) const {
         std::uint8_t& count = counts[y * width + x];
-        // No branches, as whether a pixel has events already is hard to predict.
+        // No branches, because it is hard to predict whether a pixel already has events.
         const unsigned counted = count < largest_count ? 1 : 0;
         count = static_cast<std::uint8_t>(count + counted);
         return counted | repeated;
     }
 };
 
-/// Number of cells of `cell_size` that cover `sensor_size` pixels; not positive if one of the sizes
+/// Number of cells of `cell_size` that cover `sensor_size` pixels. Not positive if one of the sizes
 /// is not.
 int cellCount(int sensor_size, int cell_size) {
     if (cell_size < 1) {
         return 0;
     }
-    // In 64 bits, as the sum may exceed an int.
+    // In 64 bits, because the sum may exceed an int.
     return static_cast<int>((std::int64_t{sensor_size} + cell_size - 1) / cell_size);
 }
 
@@ -99,7 +99,7 @@ std::size_t product(int a, int b) {
     return static_cast<std::size_t>(a) * static_cast<std::size_t>(b);
 }
 
-/// The cell of each pixel along one axis, so that intake does not divide.
+/// The cell of each pixel along one axis, so that adding an event needs no division.
 std::vector<std::uint16_t> cellOfPixel(int sensor_size, int cell_size) {
     std::vector<std::uint16_t> cells(static_cast<std::size_t>(sensor_size));
     for (int pixel = 0; pixel < sensor_size; ++pixel) {
@@ -164,7 +164,8 @@ private:
     IsCellActive is_cell_active;
     AddToCell add_to_cell;
     AddToPixel add_to_pixel;
-    std::vector<CellRegion> regions;  ///< Scratch of `generateClusters`, kept for its storage.
+    std::vector<CellRegion>
+        regions;  ///< Used by `generateClusters` only; kept to reuse its memory.
 
 public:
     ExclusiveUse exclusive_use;  ///< Held by every call.
@@ -202,16 +203,15 @@ GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int
 }
 
 /// Deliberately one value per event type for the whole process: see the note in the header.
-/// Initialising it from `filter_type` would cost every event a fifth of its time, for the registers
-/// that the call needs.
+/// Initialising it from `filter_type` would cost a fifth of the time of every event, because of the
+/// registers that the call needs.
 template <class Event>
 std::atomic<std::uint8_t>& GridBasedClusterGenerator::Impl::rejectedPolarityOf() {
     static std::atomic<std::uint8_t> rejected_polarity{kUndecided};
     return rejected_polarity;
 }
 
-/// Decides on the rejected polarity for all events of this type, unless another thread has just
-/// done so.
+/// Sets the rejected polarity for all events of this type, unless another thread has just done so.
 template <class Event>
 void GridBasedClusterGenerator::Impl::decideOnRejectedPolarity() {
     std::uint8_t undecided = kUndecided;
@@ -231,8 +231,8 @@ void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
     assert(event.x < sensor_width && event.y < sensor_height);
     const std::size_t row = row_to_cell[event.y];
     const std::size_t col = column_to_cell[event.x];
-    // A cell can become active only when a counter arrives at the threshold: rarely, so that this
-    // branch is well predicted. One that stays active needs no second mark, since marks are cleared
+    // A cell becomes active only when a counter reaches the threshold. This is rare, so the branch
+    // is well predicted. A cell that stays active needs no second mark, because marks are cleared
     // only together with the counters.
     if (add_to_cell(row, col, polarity != 0, add_to_pixel(event.x, event.y)) &&
         is_cell_active(row, col)) {
@@ -282,10 +282,10 @@ void GridBasedClusterGenerator::Impl::processBatch(const Event* event, const Eve
 
 /// Counts events up to the first that makes its cell active.
 ///
-/// Nothing is called in between, so that all that events need stays in registers. The modes are
-/// known to the compiler, which leaves out what they do not need.
+/// Calls no other function, so that everything stays in registers. The compiler knows the mode, and
+/// leaves out unneeded work.
 ///
-/// \returns that event, which is counted too, or `end`.
+/// \returns this event, which is counted too, or `end`.
 template <class Event, bool kIsSeparate, bool kIsPixelOnce>
 const Event* GridBasedClusterGenerator::Impl::countUntilActivation(const Event* event,
                                                                    const Event* end) const {
@@ -317,7 +317,8 @@ void GridBasedClusterGenerator::Impl::generateClusters(std::size_t timestamp,
                                                        std::vector<ClusterGeometry>& clusters) {
     clusters.clear();
     active_cells.takeRegions(regions);
-    // Before the results are stored, which may fail: marks must not be gone with the counters kept.
+    // Before the results are stored, which may fail: otherwise the marks would be cleared, but not
+    // the counters.
     reset();
     for (const CellRegion& region : regions) {
         reportRegion(region, timestamp, clusters);
@@ -330,7 +331,7 @@ void GridBasedClusterGenerator::Impl::reportRegion(const CellRegion& region, std
                                                    std::vector<ClusterGeometry>& clusters) const {
     const int x = region.min_col * cell_width;
     const int y = region.min_row * cell_height;
-    // In 64 bits, as the last cell may reach beyond the largest int.
+    // In 64 bits, because the last cell may extend beyond the largest int.
     const std::int64_t width = std::int64_t{region.cols_spanned} * cell_width;
     const std::int64_t height = std::int64_t{region.rows_spanned} * cell_height;
     const auto [smallest, largest] = std::minmax(width, height);

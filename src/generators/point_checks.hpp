@@ -8,12 +8,12 @@
 #include "kelvora/events.hpp"
 
 /// \file
-/// The arguments that all generators check that work on points. Messages begin with the name of the
-/// class.
+/// Argument checks shared by the density and the centroid generator. Messages begin with the class
+/// name.
 
 namespace kelvora {
 
-/// \throws std::runtime_error  with the message, the class's name before it, if the condition fails.
+/// \throws std::runtime_error  with the class name and the message, if the condition is false.
 inline void require(bool condition, const std::string& class_name, const std::string& message) {
     if (!condition) {
         throw std::runtime_error(class_name + message);

@@ -16,11 +16,12 @@
 #include "kelvora/sliding_event_counter.hpp"
 
 /// \file
-/// What the generators that work on points do with events and points before they cluster them.
+/// Turns events into points and buffers them, for the density and the centroid generator.
 
 namespace kelvora {
 
-/// An event as point. Time is absolute: a `float` has lost the microseconds after 17 seconds.
+/// Converts an event to a point. Times are absolute: as `float`, they lose single microseconds
+/// after 17 seconds.
 template <int DIM, typename T, class EventT>
 KDPoint<DIM, T> toPoint(const EventT& event, const PointScales& scales) {
     KDPoint<DIM, T> point;
@@ -32,8 +33,8 @@ KDPoint<DIM, T> toPoint(const EventT& event, const PointScales& scales) {
     return point;
 }
 
-/// Takes an event, unless it is null or of the rejected polarity: counts it, and appends its point.
-// Flattened, since calls would take as long as what they do.
+/// Counts an event and appends its point, unless it is null or has the rejected polarity.
+// Flattened, because the calls would take as long as their work.
 template <int DIM, typename T, class EventT>
 [[gnu::flatten]] void takeEvent(const EventT* event, std::uint8_t rejected_polarity,
                                 const PointScales& scales, SlidingEventCounter& counter,
@@ -45,7 +46,8 @@ template <int DIM, typename T, class EventT>
     incoming_points.push_back(toPoint<DIM, T>(*event, scales));
 }
 
-/// Takes up to `kMost` events of one batch; their points must fit `incoming_points` as it is.
+/// Takes at most `kMost` events of one batch. Their points must fit into
+/// the capacity of `incoming_points`.
 template <std::size_t kMost, int DIM, typename T, class EventT>
 void takeSomeEvents(const EventT* events, std::size_t count, std::uint8_t rejected_polarity,
                     const PointScales& scales, SlidingEventCounter& counter,
@@ -56,7 +58,8 @@ void takeSomeEvents(const EventT* events, std::size_t count, std::uint8_t reject
     for (std::size_t i = 0; i < count; ++i) {
         timestamps[taken] = events[i].timestamp;
         points[taken] = toPoint<DIM, T>(events[i], scales);
-        // Rejected events are overwritten by the next: no branch, as polarities are hard to predict.
+        // The next event overwrites a rejected one. No branch, because polarities
+        // are hard to predict.
         taken += static_cast<std::uint8_t>(events[i].polarity) != rejected_polarity ? 1 : 0;
     }
     counter.addTimestamps(timestamps.data(), taken);
@@ -64,7 +67,7 @@ void takeSomeEvents(const EventT* events, std::size_t count, std::uint8_t reject
     incoming_points.insert(incoming_points.end(), points.begin(), end);
 }
 
-/// Takes a batch of events: what `takeEvent` does with each of them. A null batch is ignored.
+/// Does the same as `takeEvent` for each event of a batch. A null batch is ignored.
 template <int DIM, typename T, class EventT>
 void takeEvents(const EventT* events, std::size_t count, std::uint8_t rejected_polarity,
                 const PointScales& scales, SlidingEventCounter& counter,
@@ -79,15 +82,15 @@ void takeEvents(const EventT* events, std::size_t count, std::uint8_t rejected_p
                                   incoming_points);
             done += some;
         } else {
-            // Makes room, if the event is not rejected. Should that fail, the events before are
-            // taken, as if they had come one by one.
+            // Allocates, if the event is not rejected. If that fails, the events before are taken,
+            // as if they had been passed one by one.
             takeEvent(events + done, rejected_polarity, scales, counter, incoming_points);
             ++done;
         }
     }
 }
 
-/// Keeps the last `count` points, if there are more, and moves them to the front.
+/// Keeps only the last `count` points, moved to the front.
 template <int DIM, typename T>
 void keepNewest(std::vector<KDPoint<DIM, T>>& points, unsigned long long count) {
     if (points.size() > count) {
@@ -96,8 +99,8 @@ void keepNewest(std::vector<KDPoint<DIM, T>>& points, unsigned long long count) 
     }
 }
 
-/// Makes the incoming points the working ones, as many of the newest as the counter and the capacity
-/// allow.
+/// Makes the incoming points the working points. Keeps as many of the newest as the counter and the
+/// capacity allow.
 template <int DIM, typename T>
 void exchangePoints(std::vector<KDPoint<DIM, T>>& working_points,
                     std::vector<KDPoint<DIM, T>>& incoming_points,
@@ -107,16 +110,16 @@ void exchangePoints(std::vector<KDPoint<DIM, T>>& working_points,
     keepNewest(working_points, std::min<unsigned long long>(counter.getEventCount(), max_capacity));
 }
 
-/// Number of points to reserve for batches of up to `max_capacity`: half as many again, so that a
-/// caller who generates clusters somewhat late causes no reallocation.
+/// Number of points to reserve for `max_capacity`: 1.5 times as many, so that nothing is
+/// reallocated if clusters are generated a little late.
 inline unsigned long long reserveSize(unsigned long long max_capacity) {
     constexpr unsigned long long kLargest = 0xAAAAAAAAAAAAAAA8;
     return max_capacity <= kLargest ? max_capacity + max_capacity / 2 + 1
                                     : std::numeric_limits<unsigned long long>::max();
 }
 
-/// Reserves both buffers, unless `max_capacity` is the largest number, which stands for no bound.
-/// \throws std::runtime_error  that names the class if there is no such memory.
+/// Reserves both buffers, unless `max_capacity` is the largest number, which means no limit.
+/// \throws std::runtime_error  with the class name, if there is not enough memory.
 template <int DIM, typename T>
 void reservePoints(std::vector<KDPoint<DIM, T>>& incoming_points,
                    std::vector<KDPoint<DIM, T>>& working_points, unsigned long long max_capacity,

@@ -11,13 +11,13 @@ namespace kelvora {
 
 namespace {
 
-// Enough to even out the jitter of boxes, and few enough to follow an object that turns.
+// Enough to smooth the jitter of boxes, and few enough to follow an object that turns.
 constexpr std::size_t kMostSightings = 10;
 
-// Share of the smaller of two boxes from which on they are taken to show the same object.
+// If two boxes share at least this part of the smaller one, they count as the same object.
 constexpr float kLargeShare = 0.5F;
 
-// Intersection over union from which on a cluster is that of a track whatever its size.
+// With at least this intersection over union, a cluster belongs to a track whatever its size.
 constexpr float kSameBox = 0.6F;
 
 int requireAtLeast(int lowest, int value, const char* message) {
@@ -34,8 +34,8 @@ float requireNotNegative(float value, const char* message) {
     return value;
 }
 
-/// Whether a box can be followed: it is somewhere, and has an area. Generators report clusters
-/// without one at the origin. Neither area nor centre must exceed what a float holds.
+/// Whether a box can be tracked: its centre and area are finite, and it is not empty. Generators
+/// report clusters without area at the origin.
 bool isVisible(const ClusterGeometry& cluster) {
     const cv::Point_<float> centre = cluster.getCenter();
     return std::isfinite(centre.x) && std::isfinite(centre.y) && std::isfinite(cluster.getArea()) &&
@@ -130,7 +130,7 @@ void ClusterTracker::reset() {
     last_timestamp = 0;
 }
 
-/// Moves the boxes of all tracks along their lines, from where they were sighted last.
+/// Moves the boxes of all tracks along their lines, starting at the last sighting.
 void ClusterTracker::predictTargets() {
     for (Target& target : targets) {
         Track& track = target.track;
@@ -170,9 +170,9 @@ void ClusterTracker::matchTargets(std::vector<ClusterGeometry> clusters) {
     }
 }
 
-/// Gives confirmed tracks that are left over a cluster at about the same place, but of another size:
-/// the visible part of an object grows and shrinks at the edge of the view. Overlaps are so large
-/// that two tracks cannot want the same one, other than if their objects merged in it.
+/// Gives each confirmed track without a cluster one at about the same position, but of another
+/// size: the visible part of an object grows and shrinks at the edge of the view. The required
+/// overlap is so large that two tracks match the same cluster only if their objects have merged.
 void ClusterTracker::matchByOverlap(const std::vector<ClusterGeometry>& clusters) {
     const std::vector<int> ids = idsOfClusters(clusters.size());
     for (Target& target : targets) {
@@ -229,8 +229,8 @@ void ClusterTracker::sight(Target& target, const ClusterGeometry& cluster,
     }
 }
 
-/// Decides which of the tracks without a cluster are hidden. What was seen only briefly stays so
-/// only briefly: it may have been a part of what seems to hide it.
+/// Decides which tracks without a cluster are hidden. An object that was seen only briefly is
+/// hidden only briefly: it may have been a part of the object that seems to hide it.
 void ClusterTracker::missTargets(const std::vector<ClusterGeometry>& clusters) {
     for (Target& target : targets) {
         Track& track = target.track;
@@ -265,7 +265,7 @@ void ClusterTracker::beginTargets(const std::vector<ClusterGeometry>& clusters) 
     targets.insert(targets.end(), begun.begin(), begun.end());
 }
 
-/// Whether a cluster is largely a part of what a confirmed track shows, or contains it.
+/// Whether a cluster lies largely within the box of a confirmed track, or contains one.
 bool ClusterTracker::showsConfirmed(const ClusterGeometry& cluster) const {
     return std::any_of(targets.begin(), targets.end(), [&](const Target& target) {
         return target.track.state == State::Confirmed &&

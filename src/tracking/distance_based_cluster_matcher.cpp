@@ -49,8 +49,8 @@ class RowsOfCentres {
 public:
     RowsOfCentres(const std::vector<Centre>& centres, double reach_);
 
-    /// Calls `visit(index, centre)` for all centres that are within reach of a finite `centre` on
-    /// either axis, and for some others.
+    /// Calls `visit(index, centre)` for all centres within reach of a finite `centre` on both axes,
+    /// and for some others.
     template <class Visit>
     void visitAround(const Centre& centre, Visit visit) const;
 
@@ -68,12 +68,12 @@ private:
     std::vector<Entry> entries;
 };
 
-// Rows lower than a pixel would gain nothing, and need larger numbers.
+// Rows lower than a pixel would save no time, and need larger row numbers.
 RowsOfCentres::RowsOfCentres(const std::vector<Centre>& centres, double reach_)
     : reach(reach_), row_height(std::max(reach_, 1.0)) {
     entries.reserve(centres.size());
     for (std::size_t i = 0; i < centres.size(); ++i) {
-        // Others are at no finite distance from anything.
+        // The others are not at a finite distance from any centre.
         if (isFinite(centres[i])) {
             entries.push_back({rowOf(centres[i].y), centres[i], static_cast<std::int32_t>(i)});
         }
@@ -83,14 +83,15 @@ RowsOfCentres::RowsOfCentres(const std::vector<Centre>& centres, double reach_)
     });
 }
 
-// All that lies far out shares the outermost rows: slower to search, but still in order.
+// All centres far out share the outermost rows. These are slower to search, but still sorted.
 int RowsOfCentres::rowOf(double y) const {
     constexpr double kOutermost = 1 << 30;
     return static_cast<int>(std::clamp(std::floor(y / row_height), -kOutermost, kOutermost));
 }
 
-// Rounding keeps order. So whatever is not left of `centre.x - reach` in exact numbers is not left
-// of it after rounding, and the same holds for the right end and for the rows: none is missed.
+// Rounding keeps the order of numbers. A centre that is not left of `centre.x - reach` in exact
+// numbers is not left of it after rounding. The same holds for the right end and the rows, so no
+// centre is missed.
 template <class Visit>
 void RowsOfCentres::visitAround(const Centre& centre, Visit visit) const {
     const double left = centre.x - reach;
@@ -146,10 +147,10 @@ void CandidateSearch::compareAll() {
     }
 }
 
-// The sum of two squares is rounded to no less than either of them: both are within the limit, and
-// both coordinates differ by the root of the limit at most, but for the rounding of the difference
-// and of its square. The latter two amount to less than one in a million, or to 3e-23 where the
-// square is too small for its full precision.
+// The rounded sum of two squares is not less than either square. So both squares are within the
+// limit, and both coordinates differ by at most the square root of the limit, plus the rounding of
+// the difference and of its square. This rounding is less than a millionth, or 3e-23 if the square
+// is too small for its full precision.
 void CandidateSearch::compareNeighbours() {
     const double reach = std::sqrt(double{limit}) * (1 + 1e-6) + 1e-22;
     const RowsOfCentres rows(second, reach);

@@ -55,8 +55,8 @@ TYPED_TEST(LiteralPasses, FindTheSameInLargerSets) {
     this->compareMany(20, 3000);
 }
 
-/// Points all over a space that is long in its last axis, and some in ten clumps, each denser than the
-/// next.
+/// Points all over a space that is long in its last axis, and some in ten clumps, each denser than
+/// the next.
 template <class Kind>
 DensityCase<Kind> sparseCase(Random& random, double points_per_cube) {
     constexpr std::size_t kCount = 4000;
