@@ -7,12 +7,21 @@
 log_dir=build/logs
 stage_times=()
 
+# Sets processor_seconds to the processor time of all commands so far, which a busy machine does not change much.
+# Not in a subshell, which has its own times.
+measure_processor_time() {
+    times >"$log_dir/times"
+    processor_seconds=$(awk -F'[ms ]' 'NR == 2 { printf "%.0f", $1 * 60 + $2 + $4 * 60 + $5 }' "$log_dir/times")
+}
+
 # stage NAME TITLE COMMAND [ARGUMENT]...: runs the command with its output in $log_dir/NAME.log.
 # If it fails, shows the end of that file, without the tests that passed, and ends the script.
 stage() {
-    local log=$log_dir/$1.log begin=$SECONDS
+    local log=$log_dir/$1.log begin=$SECONDS processor_begin
     printf '== %s\n' "$2"
     mkdir -p "$log_dir"
+    measure_processor_time
+    processor_begin=$processor_seconds
     if ! "${@:3}" >"$log" 2>&1; then
         grep -vE '^ +Start +[0-9]+: |^ *[0-9]+/[0-9]+ Test .*( Passed |\*\*\*Skipped )|\(Skipped\)$' "$log" |
             tail -n 80 || true
@@ -20,7 +29,9 @@ stage() {
         exit 1
     fi
     report_tests "$log"
-    stage_times+=("$(printf '%-20s %5d s   %s' "$1" $((SECONDS - begin)) "$2")")
+    measure_processor_time
+    stage_times+=("$(printf '%-18s %6d s %6d s   %s' "$1" $((SECONDS - begin)) \
+        $((processor_seconds - processor_begin)) "$2")")
     printf '   done in %d s\n' $((SECONDS - begin))
 }
 
@@ -34,7 +45,7 @@ report_tests() {
 
 # The time of each stage so far, a line each.
 report_times() {
-    printf '\n'
+    printf '\n%-18s %8s %8s\n' stage time 'CPU time'
     printf '%s\n' "${stage_times[@]}"
 }
 
