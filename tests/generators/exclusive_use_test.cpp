@@ -37,10 +37,11 @@ void* operator new(std::size_t size) {
     }
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept {
+// Not inlined: where GCC inlines only these, it warns of memory from `new` that goes to `free`.
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);  // NOLINT(cppcoreguidelines-no-malloc): as above
 }
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);  // NOLINT(cppcoreguidelines-no-malloc): as above
 }
 
