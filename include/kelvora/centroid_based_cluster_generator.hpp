@@ -69,8 +69,8 @@ struct CentroidBasedClusterGeneratorOptions {
 /// `generateClusters` once per window. An event older than the previous one empties the counter,
 /// even without a time limit: the events before it are then not clustered.
 ///
-/// Reading points takes time linear in their number, and reading centroids and sizes takes time
-/// linear in the number of clusters. Every other call except clustering takes constant time.
+/// Reading points or labels takes time linear in their number, and reading centroids and sizes takes
+/// time linear in the number of clusters. Every other call except clustering takes constant time.
 ///
 /// \tparam DIM  2: the image plane. 3: space and time.
 /// \tparam T  `float` or `double`.
@@ -201,6 +201,20 @@ public:
     ///     n points in all.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
+
+    /// Replaces `labels` by the cluster of each event that was taken between the last
+    /// `generateClusters` and the one before: its index in the reported clusters, or -1.
+    ///
+    /// There is one label per event, in order of arrival. Events that the filter ignores are not
+    /// taken and have no label. The label is -1 for events that were
+    /// left out because of the capacity or the time window. All labels are -1 if clustering
+    /// failed, or if there were fewer than k points. `reset` changes no label of the last
+    /// `generateClusters`. Events taken since then have no label yet.
+    ///
+    /// Takes time linear in the number of events.
+    ///
+    /// \param labels  Receives one label per event; none before the first `generateClusters`.
+    void getClusterLabels(std::vector<int>& labels);
 
     /// Replaces `centroids` by the centroids of the last `generateClusters`, in scaled units, in
     /// the order of the clusters.

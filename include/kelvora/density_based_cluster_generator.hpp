@@ -55,9 +55,10 @@ struct DensityBasedClusterGeneratorOptions {
 /// \endcode
 ///
 /// Feed events and generate clusters from one thread, or make sure that these calls do not overlap.
-/// `reset` and `getClusterPoints` into nested vectors may be called from any thread at any time:
-/// they wait for a mutex while points are clustered. No other call takes it. Debug builds assert
-/// that feeding and generating do not overlap. Generators are neither copyable nor assignable.
+/// `reset`, `getClusterLabels` and `getClusterPoints` into nested vectors may be called from any
+/// thread at any time: they wait for a mutex while points are clustered. No other call takes it.
+/// Debug builds assert that feeding and generating do not overlap. Generators are neither copyable
+/// nor assignable.
 ///
 /// \note Timestamps are used as they are, not relative to a start. As `float`, times beyond 17
 /// seconds lose single microseconds, and times since 1970 lose whole minutes. Subtract a start time
@@ -67,8 +68,8 @@ struct DensityBasedClusterGeneratorOptions {
 /// `generateClusters` once per window. An event older than the previous one empties the counter,
 /// even without a time limit: the events before it are then not clustered.
 ///
-/// Reading points takes time linear in their number. Every other call except clustering takes
-/// constant time.
+/// Reading points or labels takes time linear in their number. Every other call except clustering
+/// takes constant time.
 ///
 /// \tparam DIM  2: the image plane. 3: space and time.
 /// \tparam T  `float` or `double`.
@@ -200,6 +201,19 @@ public:
     ///     n points in all.
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
+
+    /// Replaces `labels` by the cluster of each event that was taken between the last
+    /// `generateClusters` and the one before: its index in the reported clusters, or -1.
+    ///
+    /// There is one label per event, in order of arrival. Events that the filter ignores are not
+    /// taken and have no label. The label is -1 for noise, and for events that were
+    /// left out because of the capacity or the time window. All labels are -1 if clustering
+    /// failed, and after `reset`. Events taken since then have no label yet.
+    ///
+    /// Takes time linear in the number of events.
+    ///
+    /// \param labels  Receives one label per event; none before the first `generateClusters`.
+    void getClusterLabels(std::vector<int>& labels);
 
     /// Sets how many points are clustered at most. Reserves nothing.
     /// \param max_capacity  Points, at least 1; the largest number means no limit.

@@ -12,6 +12,7 @@
 #include "generators/point_checks.hpp"
 #include "generators/point_intake.hpp"
 #include "generators/point_scales.hpp"
+#include "generators/reported_events.hpp"
 #include "kelvora/centroid_clustering.hpp"
 #include "kelvora/sliding_event_counter.hpp"
 #include "mutex.hpp"
@@ -52,6 +53,11 @@ public:
         exportPoints(clusters, working_points, restore_scale ? &scales : nullptr, points);
     }
 
+    void getClusterLabels(std::vector<int>& labels) {
+        const MutexLock lock(points_mutex);
+        reported_events.label(clusters, labels);
+    }
+
     void getClusterCentroids(std::vector<Point>& centroids);
 
     void getClusterSizes(std::vector<unsigned long long>& sizes);
@@ -73,6 +79,8 @@ private:
     Mutex points_mutex;
     /// Points of the last call, which `clusters` refers to.
     std::vector<Point> working_points KELVORA_GUARDED_BY(points_mutex);
+    /// Events of the last call, of which `working_points` are the newest.
+    ReportedEvents reported_events KELVORA_GUARDED_BY(points_mutex);
     /// Points since. Not guarded: `processEvent` takes no lock, and must not overlap with
     /// `generateClusters`.
     std::vector<Point> incoming_points;
@@ -127,6 +135,7 @@ void CentroidBasedClusterGenerator<DIM, T>::Impl::generateClusters(
     std::size_t timestamp, std::vector<ClusterGeometry>& out) {
     {
         const MutexLock lock(points_mutex);
+        reported_events.replace(incoming_points.size());
         exchangePoints(working_points, incoming_points, *event_counter, max_capacity);
     }
     clusterWithoutLock();
@@ -138,6 +147,7 @@ void CentroidBasedClusterGenerator<DIM, T>::Impl::generateClusters(
 template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::Impl::clusterWithoutLock() {
     clustering.generateClustersPrivate(working_points, clusters, cluster_boxes);
+    reported_events.setClustered(working_points.size());
 }
 
 template <int DIM, typename T>
@@ -260,6 +270,11 @@ void CentroidBasedClusterGenerator<DIM, T>::getClusterPoints(std::vector<cv::Mat
 template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::getClusterPoints(cv::Mat& points, bool restore_scale) {
     impl->getClusterPoints(points, restore_scale);
+}
+
+template <int DIM, typename T>
+void CentroidBasedClusterGenerator<DIM, T>::getClusterLabels(std::vector<int>& labels) {
+    impl->getClusterLabels(labels);
 }
 
 template <int DIM, typename T>

@@ -14,6 +14,7 @@
 #include "generators/point_checks.hpp"
 #include "generators/point_intake.hpp"
 #include "generators/point_scales.hpp"
+#include "generators/reported_events.hpp"
 #include "kelvora/density_clustering.hpp"
 #include "kelvora/sliding_event_counter.hpp"
 #include "mutex.hpp"
@@ -72,6 +73,11 @@ public:
         exportPoints(clusters, working_points, restore_scale ? &scales : nullptr, matrices);
     }
 
+    void getClusterLabels(std::vector<int>& labels) {
+        const MutexLock lock(points_mutex);
+        reported_events.label(clusters, labels);
+    }
+
     bool setMaxCapacity(unsigned long long max_capacity_);
 
     bool setMaxTimeLength(unsigned long long max_time_length_);
@@ -87,6 +93,8 @@ private:
     Mutex points_mutex;
     /// Points of the last call, which `clusters` refers to.
     std::vector<Point> working_points KELVORA_GUARDED_BY(points_mutex);
+    /// Events of the last call, of which `working_points` are the newest.
+    ReportedEvents reported_events KELVORA_GUARDED_BY(points_mutex);
     /// Points since. Not guarded: `processEvent` takes no lock, and must not overlap with
     /// `generateClusters`.
     std::vector<Point> incoming_points;
@@ -144,12 +152,14 @@ void DensityBasedClusterGenerator<DIM, T>::Impl::generateClusters(
     std::size_t timestamp, std::vector<ClusterGeometry>& out) {
     {
         const MutexLock lock(points_mutex);
+        reported_events.replace(incoming_points.size());
         exchangePoints(working_points, incoming_points, *event_counter, max_capacity);
         // They refer to the previous points, and would stay like that if clustering fails.
         clusters.clear();
         boxes.clear();
         clustering.generateClustersMultiThread(working_points, clusters, boxes,
                                                jobsFor(n_jobs, working_points.size()));
+        reported_events.setClustered(working_points.size());
     }
     boxesToGeometries<DIM>(boxes, scales, sensor_width, sensor_height, timestamp, out);
 }
@@ -158,6 +168,7 @@ template <int DIM, typename T>
 void DensityBasedClusterGenerator<DIM, T>::Impl::reset() {
     const MutexLock lock(points_mutex);
     working_points.clear();
+    reported_events.setClustered(0);
 }
 
 template <int DIM, typename T>
@@ -257,6 +268,11 @@ void DensityBasedClusterGenerator<DIM, T>::getClusterPoints(std::vector<cv::Mat>
 template <int DIM, typename T>
 void DensityBasedClusterGenerator<DIM, T>::getClusterPoints(cv::Mat& points, bool restore_scale) {
     impl->getClusterPoints(points, restore_scale);
+}
+
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::getClusterLabels(std::vector<int>& labels) {
+    impl->getClusterLabels(labels);
 }
 
 template <int DIM, typename T>
