@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "kelvora/events.hpp"
-#include "recording/event_reader.hpp"
-#include "recording/event_writer.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/event_writer.hpp"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "recording/event_reader.hpp"
+#include "kelvora/recording/event_reader.hpp"
 
 namespace kelvora::benchmarks {
 

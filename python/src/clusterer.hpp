@@ -18,7 +18,7 @@
 #include "event_intake.hpp"
 #include "kelvora/cluster_geometry.hpp"
 #include "kelvora/events.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 namespace kelvora::python {
 

@@ -25,8 +25,8 @@
 #include "command_line/window_clusterer.hpp"
 #include "command_line/window_reader.hpp"
 #include "errors.hpp"
-#include "recording/event_reader.hpp"
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::python {
 

@@ -3,7 +3,7 @@
 
 #include <pybind11/pybind11.h>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::python {
 

@@ -12,7 +12,7 @@
 #include "event_columns.hpp"
 #include "event_loader.hpp"
 #include "kelvora/events.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 namespace kelvora::python {
 

@@ -7,7 +7,7 @@
 
 #include "event_columns.hpp"
 #include "kelvora/events.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 namespace kelvora::python {
 

@@ -11,7 +11,7 @@
 #include "clusterer.hpp"
 #include "kelvora/cluster_geometry.hpp"
 #include "kelvora/kd_point.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 /// \file
 /// Shared parts of the methods that cluster points.

@@ -19,9 +19,9 @@
 #include "clusterer.hpp"
 #include "errors.hpp"
 #include "event_records.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "recording/event_cleaner.hpp"
-#include "recording/event_reader.hpp"
-#include "recording/recording_error.hpp"
 
 namespace kelvora::python {
 

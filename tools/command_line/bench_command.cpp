@@ -13,9 +13,9 @@
 #include "command_line/point_options.hpp"
 #include "command_line/progress_line.hpp"
 #include "command_line/window_reader.hpp"
-#include "recording/event_reader.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "recording/output_file.hpp"
-#include "recording/recording_error.hpp"
 #include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {

@@ -9,8 +9,8 @@
 
 #include "command_line/duration_histogram.hpp"
 #include "command_line/quantities.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 #include "recording/format.hpp"
-#include "recording/sensor_size.hpp"
 
 namespace kelvora::tool {
 

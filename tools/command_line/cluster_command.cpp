@@ -12,7 +12,7 @@
 #include "command_line/progress_line.hpp"
 #include "command_line/window_pipeline.hpp"
 #include "command_line/window_reader.hpp"
-#include "recording/event_reader.hpp"
+#include "kelvora/recording/event_reader.hpp"
 
 namespace kelvora::tool {
 

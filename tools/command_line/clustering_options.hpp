@@ -12,7 +12,7 @@
 #include "command_line/recording_options.hpp"
 #include "command_line/track_options.hpp"
 #include "command_line/window_options.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 namespace kelvora::tool {
 

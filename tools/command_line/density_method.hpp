@@ -6,7 +6,7 @@
 
 #include "command_line/clustering_method.hpp"
 #include "command_line/point_options.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 namespace kelvora::tool {
 

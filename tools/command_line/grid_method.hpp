@@ -6,7 +6,7 @@
 #include "command_line/clustering_method.hpp"
 #include "command_line/polarity.hpp"
 #include "kelvora/grid_based_cluster_generator.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 namespace kelvora::tool {
 

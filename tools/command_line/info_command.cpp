@@ -10,8 +10,8 @@
 
 #include "command_line/interrupt.hpp"
 #include "command_line/progress_line.hpp"
-#include "recording/event_reader.hpp"
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "recording/recording_statistics.hpp"
 
 namespace kelvora::tool {

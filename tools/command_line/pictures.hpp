@@ -11,7 +11,7 @@
 #include "command_line/clustering_method.hpp"
 #include "drawing/contact_sheet.hpp"
 #include "drawing/frame_renderer.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 #include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string>
 
+#include "kelvora/recording/sensor_size.hpp"
+#include "kelvora/recording/text_layout.hpp"
 #include "recording/format.hpp"
-#include "recording/sensor_size.hpp"
-#include "recording/text_layout.hpp"
 
 /// \file
 /// Parsing of values on the command line.

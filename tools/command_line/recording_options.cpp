@@ -4,7 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "command_line/quantities.hpp"
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::tool {
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "recording/event_reader.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 namespace kelvora::tool {
 

@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "kelvora/recording/recording_error.hpp"
 #include "recording/output_file.hpp"
-#include "recording/recording_error.hpp"
 #include "scoring/box_table.hpp"
 #include "scoring/frame.hpp"
 

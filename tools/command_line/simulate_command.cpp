@@ -9,7 +9,7 @@
 
 #include "command_line/interrupt.hpp"
 #include "command_line/progress_line.hpp"
-#include "recording/event_writer.hpp"
+#include "kelvora/recording/event_writer.hpp"
 #include "recording/output_file.hpp"
 #include "simulation/event_simulator.hpp"
 #include "simulation/ground_truth.hpp"

@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "command_line/quantities.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 #include "recording/format.hpp"
-#include "recording/sensor_size.hpp"
 #include "simulation/scene_options.hpp"
 
 namespace kelvora::tool {

@@ -8,7 +8,7 @@
 #include "command_line/density_method.hpp"
 #include "command_line/grid_method.hpp"
 #include "kelvora/cluster_geometry.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 #include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {

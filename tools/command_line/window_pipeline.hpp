@@ -14,7 +14,7 @@
 #include "command_line/track_options.hpp"
 #include "command_line/track_writer.hpp"
 #include "command_line/window_clusterer.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 #include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {

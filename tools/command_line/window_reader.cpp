@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::tool {
 

@@ -9,9 +9,9 @@
 #include "command_line/time_range.hpp"
 #include "command_line/window_options.hpp"
 #include "kelvora/events.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 #include "recording/event_cleaner.hpp"
-#include "recording/event_reader.hpp"
-#include "recording/sensor_size.hpp"
 #include "recording/window_slicer.hpp"
 
 namespace kelvora::tool {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "kelvora/events.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 namespace kelvora::recording {
 

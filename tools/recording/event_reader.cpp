@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: MIT
-#include "recording/event_reader.hpp"
+#include "kelvora/recording/event_reader.hpp"
 
 #include <cstring>
 #include <exception>
 #include <functional>
 #include <string>
 
-#include "recording/event_decoder.hpp"
-#include "recording/evt2_decoder.hpp"
-#include "recording/evt3_decoder.hpp"
-#include "recording/evt_header.hpp"
+#include "kelvora/recording/recording_error.hpp"
+#include "recording/coding/event_decoder.hpp"
 #include "recording/format_detection.hpp"
+#include "recording/formats/evt/evt2_decoder.hpp"
+#include "recording/formats/evt/evt3_decoder.hpp"
+#include "recording/formats/evt/evt_header.hpp"
+#include "recording/formats/records/records_decoder.hpp"
+#include "recording/formats/text/text_decoder.hpp"
+#include "recording/formats/text/text_header.hpp"
 #include "recording/input_file.hpp"
-#include "recording/recording_error.hpp"
-#include "recording/records_decoder.hpp"
-#include "recording/text_decoder.hpp"
-#include "recording/text_header.hpp"
 
 namespace kelvora::recording {
 namespace {

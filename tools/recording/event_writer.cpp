@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include "recording/event_writer.hpp"
+#include "kelvora/recording/event_writer.hpp"
 
 #include <fmt/format.h>
 
 #include <string>
 
-#include "recording/event_encoder.hpp"
-#include "recording/evt2_encoder.hpp"
-#include "recording/evt3_encoder.hpp"
+#include "kelvora/recording/recording_error.hpp"
+#include "recording/coding/event_encoder.hpp"
+#include "recording/formats/evt/evt2_encoder.hpp"
+#include "recording/formats/evt/evt3_encoder.hpp"
+#include "recording/formats/records/records_encoder.hpp"
+#include "recording/formats/text/text_encoder.hpp"
 #include "recording/output_file.hpp"
-#include "recording/recording_error.hpp"
-#include "recording/records_encoder.hpp"
-#include "recording/text_encoder.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -6,7 +6,7 @@
 #include <cctype>
 #include <utility>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -4,9 +4,9 @@
 #include <array>
 #include <string_view>
 
-#include "recording/recording_error.hpp"
-#include "recording/records_decoder.hpp"
-#include "recording/text_header.hpp"
+#include "kelvora/recording/recording_error.hpp"
+#include "recording/formats/records/records_decoder.hpp"
+#include "recording/formats/text/text_header.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "recording/bytes.hpp"
-#include "recording/evt_header.hpp"
+#include "recording/coding/bytes.hpp"
 #include "recording/format.hpp"
+#include "recording/formats/evt/evt_header.hpp"
 
 namespace kelvora::recording {
 

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::recording {
 namespace {

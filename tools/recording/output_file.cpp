@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::recording {
 namespace {

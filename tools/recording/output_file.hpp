@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "recording/bytes.hpp"
+#include "recording/coding/bytes.hpp"
 
 namespace kelvora::recording {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/text_layout.hpp"
+#include "kelvora/recording/text_layout.hpp"
 
 #include <algorithm>
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::scoring {
 namespace {

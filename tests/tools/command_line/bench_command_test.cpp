@@ -12,7 +12,7 @@
 #include <sstream>
 #include <string>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::tool {
 namespace {

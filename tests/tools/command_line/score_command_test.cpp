@@ -10,7 +10,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "tools/scoring/table_file.hpp"
 
 namespace kelvora::tool {

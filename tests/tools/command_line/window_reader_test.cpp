@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "support/temporary_directory.hpp"
 
 namespace kelvora::tool {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/decimal_time.hpp"
+#include "recording/formats/text/decimal_time.hpp"
 
 #include <gtest/gtest.h>
 

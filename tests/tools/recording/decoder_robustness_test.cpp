@@ -7,14 +7,14 @@
 #include <memory>
 #include <random>
 
-#include "recording/evt2_decoder.hpp"
-#include "recording/evt2_encoder.hpp"
-#include "recording/evt3_decoder.hpp"
-#include "recording/evt3_encoder.hpp"
-#include "recording/records_decoder.hpp"
-#include "recording/records_encoder.hpp"
-#include "recording/text_decoder.hpp"
-#include "recording/text_encoder.hpp"
+#include "recording/formats/evt/evt2_decoder.hpp"
+#include "recording/formats/evt/evt2_encoder.hpp"
+#include "recording/formats/evt/evt3_decoder.hpp"
+#include "recording/formats/evt/evt3_encoder.hpp"
+#include "recording/formats/records/records_decoder.hpp"
+#include "recording/formats/records/records_encoder.hpp"
+#include "recording/formats/text/text_decoder.hpp"
+#include "recording/formats/text/text_encoder.hpp"
 #include "recording_support.hpp"
 #include "support/temporary_directory.hpp"
 

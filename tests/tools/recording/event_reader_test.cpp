@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/event_reader.hpp"
+#include "kelvora/recording/event_reader.hpp"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -8,8 +8,8 @@
 #include <fstream>
 #include <thread>
 
-#include "recording/evt_header.hpp"
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
+#include "recording/formats/evt/evt_header.hpp"
 #include "recording_support.hpp"
 #include "support/temporary_directory.hpp"
 

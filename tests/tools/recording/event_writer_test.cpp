@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "recording/event_writer.hpp"
+#include "kelvora/recording/event_writer.hpp"
 
 #include <gmock/gmock.h>
 
 #include <fstream>
 #include <sstream>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "recording_support.hpp"
 #include "support/temporary_directory.hpp"
 

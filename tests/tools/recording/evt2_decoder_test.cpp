@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt2_decoder.hpp"
+#include "recording/formats/evt/evt2_decoder.hpp"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt3_encoder.hpp"
+#include "recording/formats/evt/evt3_encoder.hpp"
 
 #include <gtest/gtest.h>
 

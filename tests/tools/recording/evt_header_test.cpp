@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt_header.hpp"
+#include "recording/formats/evt/evt_header.hpp"
 
 #include <gtest/gtest.h>
 

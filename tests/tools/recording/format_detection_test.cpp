@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "recording_support.hpp"
 
 namespace kelvora::recording {

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::recording {
 namespace {

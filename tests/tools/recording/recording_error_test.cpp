@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 #include <gtest/gtest.h>
 

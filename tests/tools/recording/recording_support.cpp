@@ -4,7 +4,7 @@
 #include <random>
 #include <tuple>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora {
 

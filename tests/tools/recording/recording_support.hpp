@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "kelvora/events.hpp"
-#include "recording/bytes.hpp"
-#include "recording/event_decoder.hpp"
-#include "recording/event_reader.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "recording/coding/bytes.hpp"
+#include "recording/coding/event_decoder.hpp"
 
 namespace kelvora {
 

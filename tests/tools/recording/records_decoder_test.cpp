@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/records_decoder.hpp"
+#include "recording/formats/records/records_decoder.hpp"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 
 #include <gtest/gtest.h>
 

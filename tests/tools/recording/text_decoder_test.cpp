@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "recording/text_decoder.hpp"
+#include "recording/formats/text/text_decoder.hpp"
 
 #include <gmock/gmock.h>
 
-#include "recording/text_fields.hpp"
+#include "recording/formats/text/text_fields.hpp"
 #include "recording_support.hpp"
 
 namespace kelvora::recording {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "recording/text_header.hpp"
+#include "recording/formats/text/text_header.hpp"
 
 #include <gmock/gmock.h>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "tools/scoring/table_file.hpp"
 
 namespace kelvora::scoring {

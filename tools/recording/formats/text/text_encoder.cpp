@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/text_encoder.hpp"
+#include "recording/formats/text/text_encoder.hpp"
 
 #include <fmt/compile.h>
 #include <fmt/format.h>

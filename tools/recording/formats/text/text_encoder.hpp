@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "recording/event_encoder.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
+#include "recording/coding/event_encoder.hpp"
 
 namespace kelvora::recording {
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "recording/records_decoder.hpp"
+#include "recording/formats/records/records_decoder.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <utility>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::recording {
 namespace {

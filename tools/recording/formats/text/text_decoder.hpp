@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "recording/event_decoder.hpp"
-#include "recording/text_layout.hpp"
+#include "kelvora/recording/text_layout.hpp"
+#include "recording/coding/event_decoder.hpp"
 
 namespace kelvora::recording {
 

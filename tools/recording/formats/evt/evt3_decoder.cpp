@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt3_decoder.hpp"
+#include "recording/formats/evt/evt3_decoder.hpp"
 
 #include <utility>
 
-#include "recording/evt3_word.hpp"
-#include "recording/evt_header.hpp"
+#include "recording/formats/evt/evt3_word.hpp"
+#include "recording/formats/evt/evt_header.hpp"
 
 namespace kelvora::recording {
 namespace {

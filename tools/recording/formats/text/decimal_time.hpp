@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "recording/text_layout.hpp"
+#include "kelvora/recording/text_layout.hpp"
 
 namespace kelvora::recording {
 

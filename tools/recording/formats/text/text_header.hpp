@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "recording/bytes.hpp"
-#include "recording/sensor_size.hpp"
-#include "recording/text_layout.hpp"
+#include "kelvora/recording/sensor_size.hpp"
+#include "kelvora/recording/text_layout.hpp"
+#include "recording/coding/bytes.hpp"
 
 namespace kelvora::recording {
 

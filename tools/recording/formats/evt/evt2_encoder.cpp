@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt2_encoder.hpp"
+#include "recording/formats/evt/evt2_encoder.hpp"
 
 #include <algorithm>
 
-#include "recording/bytes.hpp"
-#include "recording/evt2_word.hpp"
-#include "recording/evt_header.hpp"
+#include "recording/coding/bytes.hpp"
+#include "recording/formats/evt/evt2_word.hpp"
+#include "recording/formats/evt/evt_header.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "recording/bytes.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
+#include "recording/coding/bytes.hpp"
 
 namespace kelvora::recording {
 

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "recording/event_encoder.hpp"
-#include "recording/evt_event_check.hpp"
-#include "recording/sensor_size.hpp"
+#include "kelvora/recording/sensor_size.hpp"
+#include "recording/coding/event_encoder.hpp"
+#include "recording/formats/evt/evt_event_check.hpp"
 
 namespace kelvora::recording {
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt3_encoder.hpp"
+#include "recording/formats/evt/evt3_encoder.hpp"
 
 #include <algorithm>
 #include <iterator>
 
-#include "recording/bytes.hpp"
-#include "recording/evt3_word.hpp"
-#include "recording/evt_header.hpp"
+#include "recording/coding/bytes.hpp"
+#include "recording/formats/evt/evt3_word.hpp"
+#include "recording/formats/evt/evt_header.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt_event_check.hpp"
+#include "recording/formats/evt/evt_event_check.hpp"
 
 #include <fmt/format.h>
 
 #include <utility>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::recording {
 namespace {

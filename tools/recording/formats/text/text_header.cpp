@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/text_header.hpp"
+#include "recording/formats/text/text_header.hpp"
 
 #include <fmt/format.h>
 
@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "recording/recording_error.hpp"
-#include "recording/text_fields.hpp"
+#include "kelvora/recording/recording_error.hpp"
+#include "recording/formats/text/text_fields.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "recording/records_encoder.hpp"
+#include "recording/formats/records/records_encoder.hpp"
 
 #include <cstdint>
 
-#include "recording/bytes.hpp"
+#include "recording/coding/bytes.hpp"
 
 namespace kelvora::recording {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "recording/event_encoder.hpp"
+#include "recording/coding/event_encoder.hpp"
 
 namespace kelvora::recording {
 

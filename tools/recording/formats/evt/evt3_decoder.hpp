@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "recording/event_decoder.hpp"
-#include "recording/evt_time_high.hpp"
+#include "recording/coding/event_decoder.hpp"
+#include "recording/formats/evt/evt_time_high.hpp"
 
 namespace kelvora::recording {
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt_header.hpp"
+#include "recording/formats/evt/evt_header.hpp"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <string_view>
 
-#include "recording/recording_error.hpp"
+#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "kelvora/events.hpp"
+#include "kelvora/recording/sensor_size.hpp"
+#include "kelvora/recording/text_layout.hpp"
 #include "recording/format.hpp"
-#include "recording/sensor_size.hpp"
-#include "recording/text_layout.hpp"
 
 namespace kelvora::recording {
 

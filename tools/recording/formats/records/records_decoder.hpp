@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "recording/event_decoder.hpp"
+#include "recording/coding/event_decoder.hpp"
 
 namespace kelvora::recording {
 

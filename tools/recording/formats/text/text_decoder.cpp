@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "recording/text_decoder.hpp"
+#include "recording/formats/text/text_decoder.hpp"
 
 #include <fmt/format.h>
 
@@ -9,9 +9,9 @@
 #include <string_view>
 #include <utility>
 
-#include "recording/decimal_time.hpp"
-#include "recording/recording_error.hpp"
-#include "recording/text_fields.hpp"
+#include "kelvora/recording/recording_error.hpp"
+#include "recording/formats/text/decimal_time.hpp"
+#include "recording/formats/text/text_fields.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "kelvora/events.hpp"
-#include "recording/bytes.hpp"
+#include "recording/coding/bytes.hpp"
 
 namespace kelvora::recording {
 

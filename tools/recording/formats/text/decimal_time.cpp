@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "recording/decimal_time.hpp"
+#include "recording/formats/text/decimal_time.hpp"
 
 #include <charconv>
 #include <cmath>
 
-#include "recording/event_decoder.hpp"
+#include "recording/coding/event_decoder.hpp"
 
 namespace kelvora::recording {
 namespace {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "kelvora/events.hpp"
+#include "kelvora/recording/sensor_size.hpp"
 #include "recording/format.hpp"
-#include "recording/sensor_size.hpp"
 
 namespace kelvora::recording {
 

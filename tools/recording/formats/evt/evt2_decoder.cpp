@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "recording/evt2_decoder.hpp"
+#include "recording/formats/evt/evt2_decoder.hpp"
 
 #include <utility>
 
-#include "recording/evt2_word.hpp"
-#include "recording/evt_header.hpp"
+#include "recording/formats/evt/evt2_word.hpp"
+#include "recording/formats/evt/evt_header.hpp"
 
 namespace kelvora::recording {
 
