@@ -18,7 +18,6 @@
 namespace {
 
 using kelvora::Event2D;
-using kelvora::recording::Format;
 using kelvora::recording::SensorSize;
 
 constexpr SensorSize kSensorSize{1280, 720};
@@ -59,7 +58,7 @@ std::vector<Event2D> rowsOfEvents() {
 
 class TemporaryRecording {
 public:
-    TemporaryRecording(Format format, const std::vector<Event2D>& events)
+    TemporaryRecording(const std::string& format, const std::vector<Event2D>& events)
         : path(std::filesystem::temp_directory_path() /
                ("kelvora_event_reader_benchmark_" + std::to_string(::getpid()))) {
         const auto writer = createRecording(path, format, kSensorSize);
@@ -73,7 +72,8 @@ public:
     const std::filesystem::path path;
 };
 
-void readRecording(benchmark::State& state, Format format, const std::vector<Event2D>& recorded) {
+void readRecording(benchmark::State& state, const std::string& format,
+                   const std::vector<Event2D>& recorded) {
     const TemporaryRecording recording(format, recorded);
     std::vector<Event2D> events;
     std::size_t count = 0;
@@ -92,18 +92,18 @@ void readRecording(benchmark::State& state, Format format, const std::vector<Eve
     state.SetBytesProcessed(file_size * static_cast<std::int64_t>(state.iterations()));
 }
 
-void readScatteredEvents(benchmark::State& state, Format format) {
+void readScatteredEvents(benchmark::State& state, const std::string& format) {
     readRecording(state, format, scatteredEvents());
 }
 
-void readRowsOfEvents(benchmark::State& state, Format format) {
+void readRowsOfEvents(benchmark::State& state, const std::string& format) {
     readRecording(state, format, rowsOfEvents());
 }
 
-BENCHMARK_CAPTURE(readScatteredEvents, records, Format::Records)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(readScatteredEvents, text, Format::Text)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(readScatteredEvents, evt2, Format::Evt2)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(readScatteredEvents, evt3, Format::Evt3)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(readRowsOfEvents, evt3, Format::Evt3)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(readScatteredEvents, records, "records")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(readScatteredEvents, text, "text")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(readScatteredEvents, evt2, "evt2")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(readScatteredEvents, evt3, "evt3")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(readRowsOfEvents, evt3, "evt3")->Unit(benchmark::kMillisecond);
 
 }  // namespace

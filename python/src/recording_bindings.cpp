@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <fmt/format.h>
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
@@ -20,6 +21,7 @@
 #include "errors.hpp"
 #include "event_records.hpp"
 #include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/formats.hpp"
 #include "kelvora/recording/recording_error.hpp"
 #include "recording/event_cleaner.hpp"
 
@@ -66,7 +68,7 @@ public:
         return {first, first + static_cast<std::ptrdiff_t>(count)};
     }
 
-    recording::Format format() const { return reader->format(); }
+    std::string format() const { return reader->format(); }
     std::optional<recording::SensorSize> sensorSize() const { return reader->sensorSize(); }
 
     std::uint64_t dropped() const {
@@ -130,6 +132,14 @@ Value parsed(const std::optional<Value>& value, const char* message) {
     return *value;
 }
 
+/// 'records', 'text', ... or 'evt3'.
+std::string formatsInWords() {
+    std::vector<std::string> names = recording::readableFormats();
+    const std::string last = names.back();
+    names.pop_back();
+    return fmt::format("'{}' or '{}'", fmt::join(names, "', '"), last);
+}
+
 /// Lets Ctrl-C end a wait for a pipe. Python runs signal handlers in the main thread only.
 void handleSignals() {
     const py::gil_scoped_acquire acquire;
@@ -148,8 +158,10 @@ recording::ReadOptions toReadOptions(const std::optional<Size>& sensor,
         options.sensor_size = toSensorSize(sensor->first, sensor->second);
     }
     if (input_format) {
-        options.format = parsed(recording::formatFromString(*input_format),
-                                "input_format must be 'records', 'text', 'evt2' or 'evt3'");
+        const std::vector<std::string> names = recording::readableFormats();
+        require(std::find(names.begin(), names.end(), *input_format) != names.end(),
+                ("input_format must be " + formatsInWords()).c_str());
+        options.format = input_format;
     }
     if (columns) {
         options.text.columns = parsed(recording::textColumnsFromString(*columns),
@@ -200,8 +212,8 @@ void bindRecordings(py::module_& module) {
     type.def("__iter__", [](const py::object& self) { return self; });
     type.def("__next__", &next);
     type.def_property_readonly(
-        "format", [](const RecordingReader& self) { return recording::toString(self.format()); },
-        "'records', 'text', 'evt2' or 'evt3'.");
+        "format", [](const RecordingReader& self) { return self.format(); },
+        (formatsInWords() + ".").c_str());
     type.def_property_readonly("sensor", &sensorOf, "Width and height in pixels, None if unknown.");
     const auto count = [&](const char* name, auto member, const char* doc) {
         type.def_property_readonly(

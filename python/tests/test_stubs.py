@@ -5,16 +5,19 @@ import ast
 import inspect
 import os
 import pathlib
+import re
 import subprocess
 import sys
+import typing
 
 import pytest
 
 import kelvora
-from kelvora import _kelvora
+from kelvora import _kelvora, _recordings
 
 PACKAGE = pathlib.Path(kelvora.__file__).parent
-STUB = ast.parse((PACKAGE / "_kelvora.pyi").read_text())
+STUB_TEXT = (PACKAGE / "_kelvora.pyi").read_text()
+STUB = ast.parse(STUB_TEXT)
 
 
 def stub_functions():
@@ -84,6 +87,22 @@ def test_docstring_begins_with_the_signature_of_the_stub(name):
     signature = inspect.getdoc(member(name)).splitlines()[0]
     assert signature.startswith(name.split(".")[-1] + "(")
     assert parameters(parsed(signature)) == parameters(FUNCTIONS[name])
+
+
+def names_in(words):
+    """The quoted names in a text such as 'a', 'b' or 'c'."""
+    return re.findall(r"'([a-z0-9]+)'", words)
+
+
+def test_formats_are_those_of_the_module():
+    with pytest.raises(ValueError) as caught:
+        kelvora.read("a", input_format="")
+    formats = names_in(str(caught.value))
+    assert "evt3" in formats
+    assert names_in(_kelvora.RecordingReader.format.__doc__) == formats
+    assert list(typing.get_args(_recordings.Format)) == formats
+    assert "{" + str(formats)[1:-1] + "}" in kelvora.read.__doc__
+    assert "Literal" + str(formats).replace("'", '"') in STUB_TEXT
 
 
 def run(*arguments, cwd):

@@ -107,7 +107,7 @@ std::string tableOf(const BenchReport& report) {
 
 nlohmann::ordered_json jsonOf(const BenchReport& report) {
     nlohmann::ordered_json json = {{"recording", report.recording},
-                                   {"format", recording::toString(report.format)},
+                                   {"format", report.format},
                                    {"sensor_width", report.sensor.width},
                                    {"sensor_height", report.sensor.height},
                                    {"window_us", report.window.microseconds},

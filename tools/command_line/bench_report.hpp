@@ -10,7 +10,6 @@
 #include "command_line/duration_histogram.hpp"
 #include "command_line/quantities.hpp"
 #include "kelvora/recording/sensor_size.hpp"
-#include "recording/format.hpp"
 
 namespace kelvora::tool {
 
@@ -28,7 +27,7 @@ struct PassFigures {
 /// The results shown to the user.
 struct BenchReport {
     std::string recording;
-    recording::Format format;
+    std::string format;
     recording::SensorSize sensor;
     Duration window;
     PassFigures reading;  ///< Reading, cleaning and cutting into windows.

@@ -35,7 +35,7 @@ std::string offSensorText(const recording::RecordingStatistics& statistics) {
 
 void printTable(const recording::EventReader& reader,
                 const recording::RecordingStatistics& statistics) {
-    fmt::print("format         {}\n", recording::toString(reader.format()));
+    fmt::print("format         {}\n", reader.format());
     fmt::print("sensor         {}\n", sensorText(reader, statistics));
     fmt::print("events         {}\n", statistics.events());
     fmt::print("first event    {} us\n", statistics.firstTime());
@@ -50,7 +50,7 @@ void printTable(const recording::EventReader& reader,
 
 void printJson(const recording::EventReader& reader,
                const recording::RecordingStatistics& statistics) {
-    nlohmann::ordered_json info = {{"format", recording::toString(reader.format())},
+    nlohmann::ordered_json info = {{"format", reader.format()},
                                    {"sensor_width", nullptr},
                                    {"sensor_height", nullptr},
                                    {"largest_x", statistics.largestX()},

@@ -81,10 +81,6 @@ bool lexical_cast(const std::string& text, SensorSize& size) {
                   "a sensor size: WIDTHxHEIGHT in pixels, as in 640x480");
 }
 
-bool lexical_cast(const std::string& text, Format& format) {
-    return assign(formatFromString(text), format, text, "one of records, text, evt2, evt3");
-}
-
 bool lexical_cast(const std::string& text, TimeUnit& unit) {
     return assign(timeUnitFromString(text), unit, text, "one of s, ms, us, ns");
 }

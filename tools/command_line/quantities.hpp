@@ -6,7 +6,6 @@
 
 #include "kelvora/recording/sensor_size.hpp"
 #include "kelvora/recording/text_layout.hpp"
-#include "recording/format.hpp"
 
 /// \file
 /// Parsing of values on the command line.
@@ -31,7 +30,6 @@ std::string toString(Duration duration);
 namespace kelvora::recording {
 
 bool lexical_cast(const std::string& text, SensorSize& size);
-bool lexical_cast(const std::string& text, Format& format);
 bool lexical_cast(const std::string& text, TimeUnit& unit);
 
 }  // namespace kelvora::recording

@@ -3,7 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include "command_line/format_option.hpp"
 #include "command_line/quantities.hpp"
+#include "kelvora/recording/formats.hpp"
 #include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::tool {
@@ -31,10 +33,8 @@ void declareOptions(CLI::App& command, RecordingOptions& options) {
                     "Size of the sensor, pixels, if the recording does not state it")
         ->option_text("WIDTHxHEIGHT")
         ->group(group);
-    command
-        .add_option("--input-format", options.read.format,
-                    "Format of the recording, if it cannot be detected")
-        ->option_text("records|text|evt2|evt3")
+    addFormatOption(command, "--input-format", "Format of the recording, if it cannot be detected",
+                    recording::readableFormats(), options.read.format)
         ->group(group);
     command
         .add_option_function<std::string>(

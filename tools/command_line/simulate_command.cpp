@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "command_line/format_option.hpp"
 #include "command_line/interrupt.hpp"
 #include "command_line/progress_line.hpp"
 #include "kelvora/recording/event_writer.hpp"
+#include "kelvora/recording/formats.hpp"
 #include "recording/output_file.hpp"
 #include "simulation/event_simulator.hpp"
 #include "simulation/ground_truth.hpp"
@@ -62,8 +64,8 @@ void SimulateCommand::declareOutput() {
     command->add_option("-o,--output", output, "File for the events")
         ->required()
         ->option_text("FILE REQUIRED");
-    command->add_option("--format", format, "Format of the events [from the file name]")
-        ->option_text("records|text|evt2|evt3");
+    addFormatOption(*command, "--format", "Format of the events [from the file name]",
+                    recording::writableFormats(), format);
     command->add_option("--truth", truth, "File for the true box of each object (CSV)")
         ->option_text("FILE");
     command

@@ -7,7 +7,6 @@
 
 #include "command_line/quantities.hpp"
 #include "kelvora/recording/sensor_size.hpp"
-#include "recording/format.hpp"
 #include "simulation/scene_options.hpp"
 
 namespace kelvora::tool {
@@ -32,7 +31,7 @@ private:
     CLI::App* command;
     std::filesystem::path output;
     std::filesystem::path truth;
-    std::optional<recording::Format> format;
+    std::optional<std::string> format;
     recording::SensorSize sensor{640, 480};
     Duration duration{2'000'000};
     Duration truth_interval{10'000};

@@ -3,14 +3,12 @@
 
 #include <fmt/format.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "kelvora/recording/recording_error.hpp"
 #include "recording/coding/event_encoder.hpp"
-#include "recording/formats/evt/evt2_encoder.hpp"
-#include "recording/formats/evt/evt3_encoder.hpp"
-#include "recording/formats/records/records_encoder.hpp"
-#include "recording/formats/text/text_encoder.hpp"
+#include "recording/formats/format_table.hpp"
 #include "recording/output_file.hpp"
 
 namespace kelvora::recording {
@@ -18,24 +16,20 @@ namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{256} * 1024;
 
-std::unique_ptr<EventEncoder> createEncoder(Format format, const std::string& file,
-                                            const SensorSize& sensor_size) {
-    switch (format) {
-        case Format::Text:
-            return std::make_unique<TextEncoder>(sensor_size);
-        case Format::Evt2:
-            return std::make_unique<Evt2Encoder>(file, sensor_size);
-        case Format::Evt3:
-            return std::make_unique<Evt3Encoder>(file, sensor_size);
-        default:
-            return std::make_unique<RecordsEncoder>();
+// Looks the format up before anything is created: a wrong name must not empty a file.
+const Format& requireWritable(std::string_view name) {
+    const Format* const format = findFormat(name);
+    if (format == nullptr || !format->makeEncoder) {
+        throw std::invalid_argument(fmt::format("there is no writable format '{}'", name));
     }
+    return *format;
 }
 
 class FileEventWriter : public EventWriter {
 public:
-    FileEventWriter(const std::filesystem::path& path, Format format, const SensorSize& sensor_size)
-        : file(path), encoder(createEncoder(format, file.name(), sensor_size)) {
+    FileEventWriter(const std::filesystem::path& path, const Format& format,
+                    const SensorSize& sensor_size)
+        : file(path), encoder(format.makeEncoder(file.name(), sensor_size)) {
         encoder->encodeHeader(buffer);
     }
 
@@ -89,9 +83,10 @@ private:
 
 }  // namespace
 
-std::unique_ptr<EventWriter> createRecording(const std::filesystem::path& path, Format format,
+std::unique_ptr<EventWriter> createRecording(const std::filesystem::path& path,
+                                             std::string_view format,
                                              const SensorSize& sensor_size) {
-    return std::make_unique<FileEventWriter>(path, format, sensor_size);
+    return std::make_unique<FileEventWriter>(path, requireWritable(format), sensor_size);
 }
 
 }  // namespace kelvora::recording

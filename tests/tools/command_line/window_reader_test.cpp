@@ -58,7 +58,7 @@ TEST_F(WindowReaderTest, CutsCleanedEventsIntoWindows) {
               (std::vector<Window>{{0, {1, 2}}, {10'000, {3, 4}}, {30'000, {5}}}));
     EXPECT_EQ(reader.eventCleaner().droppedOffSensor(), 1U);
     EXPECT_EQ(reader.eventCleaner().clampedTimes(), 1U);
-    EXPECT_EQ(reader.source().format(), recording::Format::Text);
+    EXPECT_EQ(reader.source().format(), "text");
     EXPECT_FALSE(reader.defect());
 }
 

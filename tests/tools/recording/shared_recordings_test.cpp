@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "recording/event_cleaner.hpp"
-#include "recording/format_detection.hpp"
+#include "recording/formats/format_table.hpp"
 #include "recording_support.hpp"
 
 namespace kelvora::recording {
@@ -24,7 +24,7 @@ struct Original {
     const char* name;  // of the records
     const char* file;
     const char* columns;
-    Format format;
+    const char* format;
     SensorSize sensor_size;
     bool is_longer;  // than the records
 };
@@ -83,22 +83,16 @@ TEST_P(OriginalRecordings, NeedNoCleaning) {
 INSTANTIATE_TEST_SUITE_P(
     Files, OriginalRecordings,
     ::testing::Values(
-        Original{"gen3_sparklers", "gen3_sparklers.evt2.raw", "", Format::Evt2, {640, 480}, false},
-        Original{"gen41_street", "gen41_street.evt3.raw", "", Format::Evt3, {1280, 720}, false},
-        Original{"gen3_room_triggers",
-                 "gen3_room_triggers.evt3.raw",
-                 "",
-                 Format::Evt3,
-                 {640, 480},
-                 true},
+        Original{"gen3_sparklers", "gen3_sparklers.evt2.raw", "", "evt2", {640, 480}, false},
+        Original{"gen41_street", "gen41_street.evt3.raw", "", "evt3", {1280, 720}, false},
+        Original{"gen3_room_triggers", "gen3_room_triggers.evt3.raw", "", "evt3", {640, 480}, true},
         Original{"davis240_slider_depth",
                  "davis240_slider_depth.txyp.txt",
                  "",
-                 Format::Text,
+                 "text",
                  {240, 180},
                  false},
-        Original{
-            "genx320_digit", "genx320_digit.xypt.csv", "xypt", Format::Text, {320, 320}, true}),
+        Original{"genx320_digit", "genx320_digit.xypt.csv", "xypt", "text", {320, 320}, true}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
 class AllRecordings : public SharedRecordings {};

@@ -14,6 +14,9 @@ namespace kelvora::recording {
 /// Maximum number of events after one call of `EventDecoder::decode`: 256 KiB of them.
 inline constexpr std::size_t kMaxEventsPerChunk = 16384;
 
+/// Maximum size of an item: the limit to which a reader grows its buffer.
+inline constexpr std::size_t kMaxItemBytes = std::size_t{64} * 1024 * 1024;
+
 /// Latest valid time, in microseconds (292,000 years). Later times are defects.
 inline constexpr std::uint64_t kLatestTime = std::numeric_limits<std::int64_t>::max();
 
@@ -25,15 +28,20 @@ class EventDecoder {
 public:
     virtual ~EventDecoder() = default;
 
-    /// Decodes complete items (records, words or lines) from the front of `bytes` and appends their
-    /// events.
+    /// Decodes complete items (records, words, lines or packets) from the front of `bytes` and
+    /// appends their events.
     ///
     /// Stops before an item that is cut off by the end of `bytes`, and when `events` might outgrow
     /// `kMaxEventsPerChunk`.
     ///
+    /// A call that uses no bytes and appends no events asks for more bytes: the next call gets the
+    /// same bytes and more. So an item may have any size up to `kMaxItemBytes`, such as a packet of
+    /// several MB. A packet with more events than a chunk is decoded in several calls, each of which
+    /// appends events; the decoder remembers how far it is.
+    ///
     /// \param bytes  Begins where the previous call stopped.
     /// \param events  Appended to. When a defect is thrown, it holds all events before the defect.
-    /// \return Number of bytes used; 0 if more bytes are needed.
+    /// \return Number of bytes used.
     /// \throws RecordingError  at a defect. The decoder must not be used afterwards.
     virtual std::size_t decode(Bytes bytes, std::vector<Event2D>& events) = 0;
 

@@ -8,7 +8,7 @@
 
 namespace kelvora::recording {
 
-/// Decodes `Format::Evt2` after its header.
+/// Decodes an EVT2 recording after its header.
 ///
 /// Events are returned as recorded, even if times go back. Words of unknown type and events before
 /// the first time word (in a recording cut out of a stream) are skipped and counted. The only

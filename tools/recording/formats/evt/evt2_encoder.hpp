@@ -10,7 +10,7 @@
 
 namespace kelvora::recording {
 
-/// Encodes `Format::Evt2`. `EvtEventCheck` defines which events it can represent.
+/// Encodes an EVT2 recording. `EvtEventCheck` defines which events it can represent.
 class Evt2Encoder : public EventEncoder {
 public:
     Evt2Encoder(const std::string& file, const SensorSize& sensor_size);

@@ -8,7 +8,7 @@
 
 namespace kelvora::recording {
 
-/// Decodes `Format::Evt3` after its header.
+/// Decodes an EVT3 recording after its header.
 ///
 /// Events are returned as recorded, even if times go back a little. Words of unknown type are
 /// skipped and counted. So are words whose events have no time, row or column yet (at the start of

@@ -11,7 +11,7 @@
 
 namespace kelvora::recording {
 
-/// Encodes `Format::Evt3`. `EvtEventCheck` defines which events it can represent.
+/// Encodes an EVT3 recording. `EvtEventCheck` defines which events it can represent.
 ///
 /// Consecutive events of the same time, row and polarity are written as vectors if their columns
 /// ascend and vectors need fewer words. The order of events is always preserved.

@@ -13,6 +13,9 @@ namespace {
 
 constexpr std::string_view kLineStart = "% ";
 
+// Half of the bytes that a reader gets to recognise a format.
+constexpr std::size_t kMaxHeaderBytes = std::size_t{32} * 1024;
+
 bool isHeaderCharacter(char character) {
     return (character >= ' ' && character <= '~') || character == '\t' || character == '\r';
 }
@@ -101,6 +104,33 @@ EvtHeader parseEvtHeader(Bytes bytes) {
         parseEntry(key, trimmed(entry), header);
     }
     return header;
+}
+
+EvtHeader openEvtHeader(const RecordingStart& start, std::string_view version) {
+    EvtHeader header = parseEvtHeader(start.head);
+    if (!start.is_whole && header.length > kMaxHeaderBytes) {
+        throw RecordingError(start.file, "has a header that does not end", "",
+                             "check that it is an EVT recording");
+    }
+    const std::string& stated = header.evt_version;
+    if (stated.empty() || stated == version) {
+        return header;
+    }
+    if (!isReadEvtVersion(stated)) {
+        throw RecordingError(start.file, problemOfEvtVersion(stated), "", kConvertEvt);
+    }
+    throw RecordingError(
+        start.file,
+        fmt::format("is of format evt{} according to its header, not evt{}", stated, version), "",
+        "leave out --input-format");
+}
+
+bool isReadEvtVersion(std::string_view version) {
+    return version == "2" || version == "3";
+}
+
+std::string problemOfEvtVersion(std::string_view version) {
+    return fmt::format("is an EVT {} recording, which is not supported", version);
 }
 
 std::string evtHeader(int version, const SensorSize& sensor_size) {

@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "kelvora/recording/sensor_size.hpp"
 #include "recording/coding/bytes.hpp"
+#include "recording/coding/format.hpp"
 
 namespace kelvora::recording {
 
@@ -27,6 +29,20 @@ struct EvtHeader {
 /// Only lines of printable ASCII characters that begin with "% " and end with a newline belong to
 /// the header: without "% end", the first word may begin with the byte of `%` by chance.
 EvtHeader parseEvtHeader(Bytes bytes);
+
+/// Reads the header of a recording that is to be decoded as this version.
+///
+/// \throws RecordingError  if the header states another version or does not end.
+EvtHeader openEvtHeader(const RecordingStart& start, std::string_view version);
+
+/// Whether there is a decoder for this version.
+bool isReadEvtVersion(std::string_view version);
+
+/// The problem of a recording of a version that is not read, such as "4".
+std::string problemOfEvtVersion(std::string_view version);
+
+/// The remedy for such a recording.
+inline constexpr const char* kConvertEvt = "convert it to EVT 2 or EVT 3";
 
 /// A header for a recording of this EVT version, `% end` included.
 std::string evtHeader(int version, const SensorSize& sensor_size);

@@ -7,13 +7,14 @@
 
 namespace kelvora::recording {
 
-/// Size of a record, see `Format::Records`.
+/// Size of a record: u64 time in microseconds, u16 x, u16 y, u8 polarity and 3 zero bytes, all
+/// little-endian.
 inline constexpr std::size_t kRecordBytes = 16;
 
 /// Whether these 16 bytes can be a record: polarity 0 or 1, padding zero.
 bool isPlausibleRecord(Bytes record);
 
-/// Decodes `Format::Records`.
+/// Decodes records of `kRecordBytes` bytes. They have no header.
 ///
 /// Defects are a polarity other than 0 or 1, padding other than zero, a time after `kLatestTime`,
 /// and an end in the middle of a record.

@@ -5,7 +5,7 @@
 
 namespace kelvora::recording {
 
-/// Encodes `Format::Records`, which can represent any event.
+/// Encodes records, which can represent any event.
 class RecordsEncoder : public EventEncoder {
 public:
     void encodeHeader(std::string& bytes) const override;

@@ -8,7 +8,7 @@
 
 namespace kelvora::recording {
 
-/// Decodes `Format::Text` after its header, see `TextLayout`.
+/// Decodes a text recording after its header, see `TextLayout`.
 ///
 /// Coordinates and polarities may be written as decimals (`96.0`, `9.6e+01`) if they are whole.
 ///

@@ -6,7 +6,7 @@
 
 namespace kelvora::recording {
 
-/// Encodes `Format::Text`: a line `width height`, then a line `t x y p` per event, the time in
+/// Encodes a text recording: a line `width height`, then a line `t x y p` per event, the time in
 /// seconds with six decimals. It can represent any event.
 class TextEncoder : public EventEncoder {
 public:

@@ -6,12 +6,12 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "kelvora/events.hpp"
 #include "kelvora/recording/sensor_size.hpp"
 #include "kelvora/recording/text_layout.hpp"
-#include "recording/format.hpp"
 
 namespace kelvora::recording {
 
@@ -39,7 +39,8 @@ public:
     ///     Later calls throw the same error.
     virtual bool read(std::vector<Event2D>& events) = 0;
 
-    virtual Format format() const = 0;
+    /// Name of the format, one of `readableFormats`.
+    virtual std::string format() const = 0;
 
     /// The size given in `ReadOptions` or else by the recording; empty if neither gives it.
     virtual std::optional<SensorSize> sensorSize() const = 0;
@@ -57,7 +58,7 @@ public:
 
 /// Properties that override or complete what the recording states.
 struct ReadOptions {
-    std::optional<Format> format;           ///< Overrides the detected format.
+    std::optional<std::string> format;      ///< Name of the format, instead of detecting it.
     std::optional<SensorSize> sensor_size;  ///< Overrides the recorded size.
     TextLayout text;                        ///< For text recordings.
 
@@ -66,11 +67,12 @@ struct ReadOptions {
     std::function<void()> on_signal = {};
 };
 
-/// Opens a recording of any `Format`: a file, or a pipe such as `/dev/stdin`. Reads the first 64
+/// Opens a recording of any of the `readableFormats`: a file, or a pipe such as `/dev/stdin`. Reads the first 64
 /// KiB to recognise the format and to read the header.
 ///
 /// \throws RecordingError  if the file cannot be opened or is empty, if its format is unknown or
 ///     not `options.format`, or if its header has a defect.
+/// \throws std::invalid_argument  if `options.format` is not one of the `readableFormats`.
 std::unique_ptr<EventReader> openRecording(const std::filesystem::path& path,
                                            const ReadOptions& options = {});
 

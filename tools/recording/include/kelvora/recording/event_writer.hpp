@@ -3,11 +3,11 @@
 
 #include <filesystem>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "kelvora/events.hpp"
 #include "kelvora/recording/sensor_size.hpp"
-#include "recording/format.hpp"
 
 namespace kelvora::recording {
 
@@ -35,7 +35,9 @@ public:
 ///
 /// \param sensor_size  Written to the header of all formats except records, which have none.
 /// \throws RecordingError  if the file cannot be created.
-std::unique_ptr<EventWriter> createRecording(const std::filesystem::path& path, Format format,
+/// \throws std::invalid_argument  if `format` is not one of the `writableFormats`.
+std::unique_ptr<EventWriter> createRecording(const std::filesystem::path& path,
+                                             std::string_view format,
                                              const SensorSize& sensor_size);
 
 }  // namespace kelvora::recording
