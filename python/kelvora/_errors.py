@@ -39,7 +39,7 @@ class RecordingError(Exception):
         self.file = file
         self.problem = problem
         self.place = place
-        self.remedy = in_python(remedy)
+        self.remedy = remedy
 
     def __str__(self) -> str:
         return ", ".join(

@@ -108,8 +108,9 @@ recording::SensorSize requireSensor(const recording::EventReader& reader,
                                     const std::filesystem::path& path) {
     const auto sensor = reader.sensorSize();
     if (!sensor) {
-        throw recording::RecordingError(path.string(), "does not state the size of its sensor", "",
-                                        "state it with sensor=(WIDTH, HEIGHT)");
+        throw recording::RecordingError(recording::ErrorKind::NoSensorSize, path.string(),
+                                        "does not state the size of its sensor", {},
+                                        {"state it with {}", recording::Setting::SensorSize});
     }
     return *sensor;
 }

@@ -3,6 +3,7 @@
 
 #include <exception>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace kelvora::python {
@@ -10,6 +11,24 @@ namespace kelvora::python {
 namespace py = pybind11;
 
 namespace {
+
+// The keyword for a setting, as remedies mention it.
+std::string_view keywordOf(recording::Setting setting) {
+    using recording::Setting;
+    switch (setting) {
+        case Setting::Format:
+            return "input_format";
+        case Setting::SensorSize:
+            return "sensor=(WIDTH, HEIGHT)";
+        case Setting::Columns:
+            return "columns";
+        case Setting::TimeUnit:
+            return "time_unit";
+        case Setting::None:
+            break;
+    }
+    return "";
+}
 
 // File names need not be valid Unicode.
 py::object decoded(const std::string& text) {
@@ -21,8 +40,8 @@ py::object decoded(const std::string& text) {
 
 py::object toPython(const recording::RecordingError& error) {
     const py::object type = py::module_::import("kelvora._errors").attr("RecordingError");
-    return type(decoded(error.file()), decoded(error.problem()), decoded(error.where()),
-                decoded(error.remedy()));
+    return type(decoded(error.file()), decoded(error.problem()),
+                decoded(recording::toString(error.place())), decoded(error.remedy(keywordOf)));
 }
 
 void translateRecordingErrors() {

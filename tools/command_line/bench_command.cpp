@@ -41,8 +41,8 @@ void requireFile(const std::filesystem::path& path) {
     std::error_code error;
     const auto type = std::filesystem::status(path, error).type();
     if (type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::character) {
-        throw recording::RecordingError(path.string(),
-                                        "is a pipe, but has to be read several times", "",
+        throw recording::RecordingError(recording::ErrorKind::NotSuitable, path.string(),
+                                        "is a pipe, but has to be read several times", {},
                                         "write it to a file first");
     }
 }

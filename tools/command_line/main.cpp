@@ -14,7 +14,9 @@
 #include "command_line/info_command.hpp"
 #include "command_line/interrupt.hpp"
 #include "command_line/score_command.hpp"
+#include "command_line/setting_names.hpp"
 #include "command_line/simulate_command.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "kelvora/version.hpp"
 
 namespace {
@@ -61,6 +63,9 @@ int main(int argc, char** argv) {
             return bench.run();
         }
         return cluster.isChosen() ? cluster.run() : simulate.run();
+    } catch (const kelvora::recording::RecordingError& error) {
+        fmt::print(stderr, "kelvora: {}\n", error.message(kelvora::tool::optionOf));
+        return kExitBadInput;
     } catch (const std::exception& error) {
         fmt::print(stderr, "kelvora: {}\n", error.what());
         return kExitBadInput;

@@ -54,9 +54,9 @@ recording::SensorSize requireSensorSize(const recording::EventReader& reader,
                                         const RecordingOptions& options) {
     const auto size = reader.sensorSize();
     if (!size) {
-        throw recording::RecordingError(options.path.string(),
-                                        "does not state the size of its sensor", "",
-                                        "state it with --sensor WIDTHxHEIGHT");
+        throw recording::RecordingError(recording::ErrorKind::NoSensorSize, options.path.string(),
+                                        "does not state the size of its sensor", {},
+                                        {"state it with {}", recording::Setting::SensorSize});
     }
     return *size;
 }

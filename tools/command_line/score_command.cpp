@@ -161,7 +161,8 @@ int ScoreCommand::run() const {
         scoring::joinFrames(std::move(objects), std::move(table.clusters));
     if (has_both && sequence.common_times == 0) {
         throw recording::RecordingError(
-            clusters.string(), "has no row at any of the times of " + truth.string(), "",
+            recording::ErrorKind::NotSuitable, clusters.string(),
+            "has no row at any of the times of " + truth.string(), {},
             "cluster with a --window as long as the --truth-interval of the truth");
     }
     warnOfIntervals(sequence);

@@ -38,7 +38,8 @@ std::unique_ptr<EventReader> openRecording(const std::filesystem::path& path,
     const std::string& file = input->source().name();
     const Bytes head = input->unread();
     if (head.empty()) {
-        throw RecordingError(file, "is empty", "", "give a recording with events");
+        throw RecordingError(ErrorKind::Damaged, file, "is empty", {},
+                             "give a recording with events");
     }
     format = format != nullptr ? format : &detectFormat(head, file);
     OpenedRecording opened = format->open({head, !has_more, file, options.text});

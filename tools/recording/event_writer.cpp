@@ -63,9 +63,9 @@ private:
     void checkPolarity(const Event2D& event) const {
         if (event.polarity > 1) {
             throw RecordingError(
-                file.name(),
+                ErrorKind::CannotHold, file.name(),
                 fmt::format("cannot hold the polarity {}", static_cast<unsigned>(event.polarity)),
-                fmt::format("event at {} us", event.timestamp), "write polarities of 0 and 1 only");
+                {ErrorPlace::Unit::EventAt, event.timestamp}, "write polarities of 0 and 1 only");
         }
     }
 

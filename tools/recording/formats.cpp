@@ -36,7 +36,8 @@ std::vector<std::string> namesIf(const Condition& condition) {
         }
     }
     throw RecordingError(
-        path.string(), "has a name without the extension of a supported format", "",
+        ErrorKind::UnusableFormat, path.string(),
+        "has a name without the extension of a supported format", {},
         fmt::format("use {} or {}", fmt::join(proposals.begin(), std::prev(proposals.end()), ", "),
                     proposals.back()));
 }

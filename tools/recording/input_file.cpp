@@ -37,7 +37,8 @@ int openForReading(const std::string& name, const std::function<void()>& on_sign
         [&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC); }, on_signal);
     if (descriptor < 0) {
         const int error = errno;
-        throw RecordingError(name, "cannot be opened (" + systemMessage(error) + ")", "",
+        throw RecordingError(ErrorKind::NoAccess, name,
+                             "cannot be opened (" + systemMessage(error) + ")", {},
                              error == EACCES ? "check its permissions" : "check the path");
     }
     return descriptor;
@@ -55,7 +56,8 @@ InputFile::InputFile(const std::filesystem::path& path, std::function<void()> on
     }
     if (S_ISDIR(status.st_mode)) {
         ::close(descriptor);
-        throw RecordingError(file_name, "is a directory", "", "give a file in it");
+        throw RecordingError(ErrorKind::NoAccess, file_name, "is a directory", {},
+                             "give a file in it");
     }
     if (S_ISREG(status.st_mode)) {
         file_size = static_cast<std::uint64_t>(status.st_size);
@@ -70,7 +72,8 @@ std::size_t InputFile::read(char* buffer, std::size_t size) {
     const ssize_t count =
         callThroughSignals([&] { return ::read(descriptor, buffer, size); }, on_signal);
     if (count < 0) {
-        throw RecordingError(file_name, "cannot be read (" + systemMessage(errno) + ")", "",
+        throw RecordingError(ErrorKind::NoAccess, file_name,
+                             "cannot be read (" + systemMessage(errno) + ")", {},
                              "check the disk or the connection");
     }
     return static_cast<std::size_t>(count);

@@ -17,7 +17,11 @@ constexpr mode_t kPermissions = 0666;  // reduced by the user's umask
 
 RecordingError errorOf(const std::string& name, const std::string& problem,
                        const std::string& remedy) {
-    return {name, problem + " (" + std::generic_category().message(errno) + ")", "", remedy};
+    return {ErrorKind::NoAccess,
+            name,
+            problem + " (" + std::generic_category().message(errno) + ")",
+            {},
+            remedy};
 }
 
 int openForWriting(const std::string& name) {

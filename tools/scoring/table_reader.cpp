@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "kelvora/recording/recording_error.hpp"
+#include "recording/coding/in_quotes.hpp"
 
 namespace kelvora::scoring {
 namespace {
@@ -46,7 +47,7 @@ TableReader::TableReader(const std::filesystem::path& path,
                          const std::vector<std::string>& required)
     : file(path) {
     if (!nextLine()) {
-        throw recording::RecordingError(file.name(), "is empty", "",
+        throw recording::RecordingError(recording::ErrorKind::Damaged, file.name(), "is empty", {},
                                         "give a CSV file with a header line, or JSON lines");
     }
     readNames();
@@ -95,8 +96,8 @@ std::uint64_t TableReader::countingNumber(std::string_view column) const {
 }
 
 void TableReader::refuse(const std::string& problem, const std::string& remedy) const {
-    throw recording::RecordingError(file.name(), problem, fmt::format("line {}", line_number),
-                                    remedy);
+    throw recording::RecordingError(recording::ErrorKind::Damaged, file.name(), problem,
+                                    {recording::ErrorPlace::Unit::Line, line_number}, remedy);
 }
 
 void TableReader::refuseField(std::string_view column, const std::string& expected) const {

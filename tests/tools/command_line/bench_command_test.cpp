@@ -12,6 +12,7 @@
 #include <sstream>
 #include <string>
 
+#include "command_line/setting_names.hpp"
 #include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::tool {
@@ -68,8 +69,8 @@ protected:
             if (error) {
                 std::rethrow_exception(error);
             }
-        } catch (const std::exception& caught) {
-            return caught.what();
+        } catch (const recording::RecordingError& caught) {
+            return caught.message(optionOf);
         }
         return "";
     }

@@ -83,7 +83,7 @@ TEST_F(EventReaderTest, RefusesAFormatThatTheHeaderContradicts) {
     options.format = "evt2";
     EXPECT_THAT(readRecording(directory.file("a.raw", "% evt 3.0\n"), options).error,
                 EndsWith("a.raw: is of format evt3 according to its header, not evt2, leave out "
-                         "--input-format"));
+                         "ReadOptions::format"));
     EXPECT_THAT(readRecording(directory.file("b.raw", "% evt 4.0\n"), options).error,
                 HasSubstr("EVT 4"));
 }

@@ -45,7 +45,7 @@ TEST(FormatTable, DescribesWhatIsReadAndGivesARemedyForWhatIsNot) {
     for (const Format& format : formatTable()) {
         EXPECT_NE(format.title, "");
         EXPECT_TRUE(format.recognises) << format.title;
-        EXPECT_EQ(format.open != nullptr, format.remedy.empty()) << format.title;
+        EXPECT_EQ(format.open != nullptr, !format.remedy) << format.title;
         EXPECT_EQ(format.open != nullptr, !format.name.empty()) << format.title;
         EXPECT_EQ(format.open != nullptr, !format.description.empty()) << format.title;
         EXPECT_EQ(format.makeEncoder != nullptr, !format.extensions.empty()) << format.title;
@@ -127,7 +127,7 @@ TEST(DetectFormat, NamesFormatsThatAreNotRead) {
 
 TEST(DetectFormat, RefusesWhatItDoesNotKnowAndNamesTheFormatsItDoes) {
     EXPECT_THAT(errorOf("\x01\x02\x03"), HasSubstr("records, text, evt2 and evt3"));
-    EXPECT_THAT(errorOf("\x01\x02\x03"), HasSubstr("--input-format"));
+    EXPECT_THAT(errorOf("\x01\x02\x03"), HasSubstr("ReadOptions::format"));
     EXPECT_THAT(errorOf("Dear diary,\n"), HasSubstr("unknown format"));
     EXPECT_THAT(errorOf("# nothing but a comment\n"), HasSubstr("unknown format"));
     EXPECT_THAT(errorOf("\n \n\t\n"), HasSubstr("unknown format"));

@@ -126,7 +126,7 @@ TEST_F(AllRecordings, OfOtherFormatsAreRefusedByName) {
 
 TEST_F(AllRecordings, WhoseColumnsAreNotInTheUsualOrderAreRefusedWithoutTheirOrder) {
     EXPECT_THAT(readRecording(directory / "original" / "genx320_digit.xypt.csv").error,
-                HasSubstr("line 1, give the order of the columns with --columns"));
+                HasSubstr("line 1, give the order of the columns with ReadOptions::text.columns"));
 }
 
 TEST_F(AllRecordings, TellTheirSensorSizeIfTheirHeaderDoes) {

@@ -54,7 +54,7 @@ TEST(TextDecoder, AsksForTheUnitIfWhatItAssumedTurnsOutDoubtful) {
     EXPECT_EQ(
         outcome.error,
         "a.txt: has the time '1.5' with a decimal point, but earlier times are whole numbers, "
-        "line 2, give the unit with --time-unit");
+        "line 2, give the unit with ReadOptions::text.time_unit");
 }
 
 TEST(TextDecoder, BelievesTheUnitItIsGiven) {
@@ -82,7 +82,7 @@ TEST(TextDecoder, GivesTheEventsBeforeADefect) {
     EXPECT_THAT(outcome.events, ElementsAre(eventAt(1, 2, 3, 0), eventAt(2, 2, 3, 0)));
     EXPECT_EQ(outcome.error,
               "a.txt: has the polarity '7' instead of 0, 1 or -1, line 3, give the order of the "
-              "columns with --columns");
+              "columns with ReadOptions::text.columns");
 }
 
 TEST(TextDecoder, CountsTheLinesOfTheHeader) {

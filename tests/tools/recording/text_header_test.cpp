@@ -82,7 +82,7 @@ TEST(TextHeader, YieldsToWhatIsGiven) {
 TEST(TextHeader, RefusesNamesItDoesNotKnow) {
     EXPECT_EQ(errorOf("a,b,c,d\n"),
               "a.txt: names columns other than t, x, y and p, line 1, correct the line or give the "
-              "order of the columns with --columns");
+              "order of the columns with ReadOptions::text.columns");
     EXPECT_THAT(errorOf("x,y,p,p\n"), HasSubstr("line 1"));
     EXPECT_THAT(errorOf("x,y,t\n"), HasSubstr("line 1"));
 }

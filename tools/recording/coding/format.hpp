@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kelvora/recording/recording_error.hpp"
 #include "kelvora/recording/sensor_size.hpp"
 #include "kelvora/recording/text_layout.hpp"
 #include "recording/coding/bytes.hpp"
@@ -68,7 +69,7 @@ struct Format {
         makeEncoder = {};
 
     /// What to do with a file that was recognised but cannot be read. Empty if it can be.
-    std::string remedy = {};
+    std::optional<Remedy> remedy = {};
 
     /// Why such a file cannot be read, if there is more to say than "is TITLE, which is not
     /// supported".

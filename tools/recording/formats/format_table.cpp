@@ -32,16 +32,17 @@ std::vector<Format> makeTable() {
     const std::string problem = format.problem
                                     ? format.problem(head)
                                     : fmt::format("is {}, which is not supported", format.title);
-    throw RecordingError(file, problem, "", format.remedy);
+    throw RecordingError(ErrorKind::UnusableFormat, file, problem, {}, *format.remedy);
 }
 
 [[noreturn]] void refuseUnknown(const std::string& file) {
     const std::vector<std::string> names = readableFormats();
     throw RecordingError(
-        file, "has an unknown format", "",
-        fmt::format("give a recording in one of the formats {} and {}; if it is one, give the "
-                    "format with --input-format",
-                    fmt::join(names.begin(), std::prev(names.end()), ", "), names.back()));
+        ErrorKind::UnusableFormat, file, "has an unknown format", {},
+        {fmt::format("give a recording in one of the formats {} and {}; if it is one, give the "
+                     "format with {{}}",
+                     fmt::join(names.begin(), std::prev(names.end()), ", "), names.back()),
+         Setting::Format});
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ Format toFormat(const Signature& signature) {
     format.recognises = [magic = signature.magic](Bytes head) {
         return head.substr(0, magic.size()) == magic;
     };
-    format.remedy = signature.remedy;
+    format.remedy = Remedy(signature.remedy);
     return format;
 }
 

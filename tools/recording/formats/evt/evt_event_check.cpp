@@ -37,7 +37,8 @@ void EvtEventCheck::check(const Event2D& event) {
 }
 
 void EvtEventCheck::refuse(const std::string& problem, const std::string& remedy) const {
-    throw RecordingError(file, problem, fmt::format("event {}", count), remedy);
+    throw RecordingError(ErrorKind::CannotHold, file, problem, {ErrorPlace::Unit::Event, count},
+                         remedy);
 }
 
 }  // namespace kelvora::recording

@@ -109,7 +109,7 @@ EvtHeader parseEvtHeader(Bytes bytes) {
 EvtHeader openEvtHeader(const RecordingStart& start, std::string_view version) {
     EvtHeader header = parseEvtHeader(start.head);
     if (!start.is_whole && header.length > kMaxHeaderBytes) {
-        throw RecordingError(start.file, "has a header that does not end", "",
+        throw RecordingError(ErrorKind::Damaged, start.file, "has a header that does not end", {},
                              "check that it is an EVT recording");
     }
     const std::string& stated = header.evt_version;
@@ -117,12 +117,13 @@ EvtHeader openEvtHeader(const RecordingStart& start, std::string_view version) {
         return header;
     }
     if (!isReadEvtVersion(stated)) {
-        throw RecordingError(start.file, problemOfEvtVersion(stated), "", kConvertEvt);
+        throw RecordingError(ErrorKind::UnusableFormat, start.file, problemOfEvtVersion(stated), {},
+                             kConvertEvt);
     }
     throw RecordingError(
-        start.file,
-        fmt::format("is of format evt{} according to its header, not evt{}", stated, version), "",
-        "leave out --input-format");
+        ErrorKind::UnusableFormat, start.file,
+        fmt::format("is of format evt{} according to its header, not evt{}", stated, version), {},
+        {"leave out {}", Setting::Format});
 }
 
 bool isReadEvtVersion(std::string_view version) {
@@ -144,8 +145,8 @@ std::string evtHeader(int version, const SensorSize& sensor_size) {
 
 void refuseEndInsideWord(const std::string& file, std::uint64_t position, Bytes rest) {
     if (!rest.empty()) {
-        throw RecordingError(file, "ends in the middle of a word",
-                             fmt::format("byte {}", position + rest.size()),
+        throw RecordingError(ErrorKind::Damaged, file, "ends in the middle of a word",
+                             {ErrorPlace::Unit::Byte, position + rest.size()},
                              fmt::format("copy it again or cut it off after byte {}", position));
     }
 }

@@ -15,7 +15,7 @@ Format otherEvtFormat() {
     format.problem = [](Bytes head) {
         return problemOfEvtVersion(parseEvtHeader(head).evt_version);
     };
-    format.remedy = kConvertEvt;
+    format.remedy = Remedy(kConvertEvt);
     return format;
 }
 
@@ -27,7 +27,7 @@ Format unversionedEvtFormat() {
         return header.length > 0 && header.evt_version.empty();
     };
     format.problem = [](Bytes /*head*/) { return "has a header without an EVT version"; };
-    format.remedy = "give it with --input-format evt2 or --input-format evt3";
+    format.remedy = Remedy("give it with {} evt2 or {} evt3", Setting::Format);
     return format;
 }
 

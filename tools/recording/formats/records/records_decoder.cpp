@@ -46,8 +46,8 @@ std::size_t RecordsDecoder::decode(Bytes bytes, std::vector<Event2D>& events) {
 
 void RecordsDecoder::finish(Bytes rest, std::vector<Event2D>& /*events*/) {
     if (!rest.empty()) {
-        throw RecordingError(file, "ends in the middle of a record",
-                             fmt::format("byte {}", position + rest.size()),
+        throw RecordingError(ErrorKind::Damaged, file, "ends in the middle of a record",
+                             {ErrorPlace::Unit::Byte, position + rest.size()},
                              fmt::format("copy it again or cut it off after byte {}", position));
     }
 }
@@ -61,7 +61,7 @@ void RecordsDecoder::refuse(Bytes record) const {
         problem =
             fmt::format("holds a record with polarity {} instead of 0 or 1", polarity_and_padding);
     }
-    throw RecordingError(file, problem, fmt::format("byte {}", position),
+    throw RecordingError(ErrorKind::Damaged, file, problem, {ErrorPlace::Unit::Byte, position},
                          "check that the file holds records of 16 bytes and is not damaged");
 }
 

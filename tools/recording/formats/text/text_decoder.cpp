@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "kelvora/recording/recording_error.hpp"
+#include "recording/coding/in_quotes.hpp"
 #include "recording/formats/text/decimal_time.hpp"
 #include "recording/formats/text/text_fields.hpp"
 
@@ -113,12 +114,12 @@ std::uint64_t TextDecoder::decodeTime(std::string_view field) {
     } else if (unit_is_assumed && *time_unit == TimeUnit::Microseconds && isDecimal(field)) {
         refuse("has the time " + inQuotes(field) +
                    " with a decimal point, but earlier times are whole numbers",
-               "give the unit with --time-unit");
+               {"give the unit with {}", Setting::TimeUnit});
     }
     const auto microseconds = microsecondsFromDecimal(field, *time_unit);
     if (!microseconds) {
         refuse("has the time " + inQuotes(field) + ", which is negative, too large or not a number",
-               "check the line and the order of the columns (--columns)");
+               {"check the line and the order of the columns ({})", Setting::Columns});
     }
     return *microseconds;
 }
@@ -128,7 +129,7 @@ std::uint16_t TextDecoder::decodeCoordinate(std::string_view name, std::string_v
     if (!number || *number < 0 || *number > std::numeric_limits<std::uint16_t>::max()) {
         refuse(fmt::format("has {} = {}, which is not a whole number from 0 to 65535", name,
                            inQuotes(field)),
-               "check the line and the order of the columns (--columns)");
+               {"check the line and the order of the columns ({})", Setting::Columns});
     }
     return static_cast<std::uint16_t>(*number);
 }
@@ -137,22 +138,24 @@ unsigned char TextDecoder::decodePolarity(std::string_view field) const {
     const auto number = wholeNumber(field);
     if (!number || *number < -1 || *number > 1) {
         refuse("has the polarity " + inQuotes(field) + " instead of 0, 1 or -1",
-               "give the order of the columns with --columns");
+               {"give the order of the columns with {}", Setting::Columns});
     }
     return *number == 1 ? 1 : 0;
 }
 
 void TextDecoder::checkLength(std::size_t line_length) const {
     if (line_length > kMaxTextLine) {
-        throw RecordingError(
-            file, fmt::format("has a line of more than {} characters", kMaxTextLine),
-            fmt::format("line {}", line_number + 1),
-            "check that it is a text recording, or give its format with --input-format");
+        throw RecordingError(ErrorKind::Damaged, file,
+                             fmt::format("has a line of more than {} characters", kMaxTextLine),
+                             {ErrorPlace::Unit::Line, line_number + 1},
+                             Remedy("check that it is a text recording, or give its format with {}",
+                                    Setting::Format));
     }
 }
 
-void TextDecoder::refuse(const std::string& problem, const std::string& remedy) const {
-    throw RecordingError(file, problem, fmt::format("line {}", line_number), remedy);
+void TextDecoder::refuse(const std::string& problem, const Remedy& remedy) const {
+    throw RecordingError(ErrorKind::Damaged, file, problem, {ErrorPlace::Unit::Line, line_number},
+                         remedy);
 }
 
 }  // namespace kelvora::recording

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "kelvora/recording/recording_error.hpp"
 #include "kelvora/recording/text_layout.hpp"
 #include "recording/coding/event_decoder.hpp"
 
@@ -32,7 +33,7 @@ private:
     std::uint16_t decodeCoordinate(std::string_view name, std::string_view field) const;
     unsigned char decodePolarity(std::string_view field) const;
     void checkLength(std::size_t line_length) const;
-    [[noreturn]] void refuse(const std::string& problem, const std::string& remedy) const;
+    [[noreturn]] void refuse(const std::string& problem, const Remedy& remedy) const;
 
     std::string file;
     TextColumns columns;

@@ -135,15 +135,16 @@ private:
         const auto layout = layoutFromNames(fields);
         if (!layout && !header.layout.columns) {
             refuse("names columns other than t, x, y and p",
-                   "correct the line or give the order of the columns with --columns");
+                   {"correct the line or give the order of the columns with {}", Setting::Columns});
         }
         if (layout) {
             complete(header.layout, *layout);
         }
     }
 
-    [[noreturn]] void refuse(const std::string& problem, const std::string& remedy) const {
-        throw RecordingError(file, problem, fmt::format("line {}", header.lines + 1), remedy);
+    [[noreturn]] void refuse(const std::string& problem, const Remedy& remedy) const {
+        throw RecordingError(ErrorKind::Damaged, file, problem,
+                             {ErrorPlace::Unit::Line, header.lines + 1}, remedy);
     }
 
     const std::string& file;
