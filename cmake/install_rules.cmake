@@ -26,6 +26,27 @@ install(FILES
     DESTINATION "${package_dir}"
     COMPONENT kelvora_development)
 
+# The tool and the Python package need the library of recordings, too.
+if(KELVORA_BUILD_RECORDING OR KELVORA_BUILD_TOOLS OR KELVORA_BUILD_PYTHON)
+    install(TARGETS kelvora_recording_library
+        EXPORT kelvoraRecordingTargets
+        RUNTIME COMPONENT kelvora_recording_runtime
+        LIBRARY COMPONENT kelvora_recording_runtime NAMELINK_COMPONENT kelvora_development
+        FILE_SET HEADERS COMPONENT kelvora_development)
+    install(EXPORT kelvoraRecordingTargets
+        NAMESPACE kelvora::
+        DESTINATION "${package_dir}"
+        COMPONENT kelvora_development)
+    configure_file(cmake/kelvora-recording.pc.in "${PROJECT_BINARY_DIR}/kelvora-recording.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/kelvora-recording.pc"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+        COMPONENT kelvora_development)
+    # It finds the library beside it.
+    if(NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
+        set_target_properties(kelvora_recording_library PROPERTIES INSTALL_RPATH "$ORIGIN")
+    endif()
+endif()
+
 # For programs that are not built with CMake. The file names OpenCV's directories itself: Debian ships OpenCV's .pc file
 # only in libopencv-dev, and it links every module. They are system directories, as in CMake, because OpenCV's headers
 # cause warnings in C++20.

@@ -5,6 +5,7 @@
 # The description of the binary interface comes from debug information, which the packages leave out. Paths in it begin
 # at the root of the repository, so that the location of the checkout does not matter.
 target_compile_options(kelvora PRIVATE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+target_compile_options(kelvora_recording_objects PRIVATE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
 
 set(CPACK_PACKAGE_CONTACT "The Kelvora authors <kelvora@example.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
@@ -19,7 +20,7 @@ set(debian_version "${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}")
 # Dependencies on other packages are derived from the binaries. Dependencies between the packages made here are stated
 # below, because the system does not know these packages yet.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/src")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/src" "${PROJECT_BINARY_DIR}/tools/recording")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
@@ -64,14 +65,20 @@ kelvora_package(kelvora_runtime ${library} libs
     "This package contains the shared library that programs need to run.")
 file(WRITE "${debian_dir}/triggers" "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_KELVORA_RUNTIME_PACKAGE_CONTROL_EXTRA "${debian_dir}/triggers")
+set(recording_library "libkelvora-recording${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
+kelvora_package(kelvora_recording_runtime ${recording_library} libs
+    "${library} (>= ${debian_version})"
+    "shared library for recordings"
+    "This package contains the shared library that reads and writes recordings.")
+set(CPACK_DEBIAN_KELVORA_RECORDING_RUNTIME_PACKAGE_CONTROL_EXTRA "${debian_dir}/triggers")
 kelvora_package(kelvora_development libkelvora-dev libdevel
-    "${library} (= ${debian_version}), libopencv-core-dev, libnanoflann-dev (>= 1.5)"
+    "${library} (= ${debian_version}), ${recording_library} (= ${debian_version}), libopencv-core-dev, libnanoflann-dev (>= 1.5)"
     "development files"
     "This package contains the headers, and the files by which CMake and pkg-config\nfind them.")
 if(KELVORA_BUILD_TOOLS)
     include(cmake/manual_pages.cmake)
     kelvora_package(kelvora_tool kelvora science
-        "${library} (>= ${debian_version})"
+        "${library} (>= ${debian_version}), ${recording_library} (>= ${debian_version})"
         "command-line tool"
         "This package contains the tool, which clusters recordings, summarises\nthem, simulates scenes and scores results.")
 endif()
@@ -80,7 +87,7 @@ if(KELVORA_BUILD_PYTHON)
     math(EXPR next_minor "${Python_VERSION_MINOR} + 1")
     # An extension module works with one version of the interpreter only.
     kelvora_package(kelvora_python python3-kelvora python
-        "${library} (>= ${debian_version}), python3-numpy, python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), python3 (<< ${Python_VERSION_MAJOR}.${next_minor})"
+        "${library} (>= ${debian_version}), ${recording_library} (>= ${debian_version}), python3-numpy, python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), python3 (<< ${Python_VERSION_MAJOR}.${next_minor})"
         "Python package"
         "This package contains the package for Python 3, which takes and gives NumPy\narrays.")
     set(CPACK_DEBIAN_KELVORA_PYTHON_PACKAGE_SUGGESTS python3-distributed)

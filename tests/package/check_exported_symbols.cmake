@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # The library exports what the list says, and none of its internals:
-# cmake -DNM=... -DLIBRARY=... -DINCLUDE_DIR=... -DLIST=... -DACTUAL=... -DCXX_FLAGS=... -P check_exported_symbols.cmake
+# cmake -DNM=... -DLIBRARY=... -DNAMESPACE=... -DINCLUDE_DIR=... -DLIST=... -DACTUAL=... -DCXX_FLAGS=... -P check_exported_symbols.cmake
 # The exported symbols are written to the file ACTUAL.
 
 if(CXX_FLAGS MATCHES "-fsanitize|--coverage|-fprofile")
@@ -21,14 +21,14 @@ list(SORT exported)
 list(JOIN exported "\n" text)
 file(WRITE "${ACTUAL}" "${text}\n")
 
-file(GLOB headers "${INCLUDE_DIR}/kelvora/*.hpp")
+file(GLOB headers "${INCLUDE_DIR}/*.hpp")
 foreach(header IN LISTS headers)
     file(READ "${header}" header_text)
     string(APPEND public_text "${header_text}")
 endforeach()
 
 # No internals, whatever the list says. Instantiations of function templates begin with their return type.
-set(own "^(vtable for |typeinfo for |typeinfo name for |[a-z ]+ )?kelvora::([A-Za-z0-9_]+)")
+set(own "^(vtable for |typeinfo for |typeinfo name for |[a-z ]+ )?${NAMESPACE}::([A-Za-z0-9_]+)")
 set(private "::(Impl|Index|Engines|__KDPointAdaptor)(::|$)")
 foreach(symbol IN LISTS exported)
     if(NOT symbol MATCHES "${own}"

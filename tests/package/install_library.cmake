@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # Installs the build:
-# cmake -DBUILD_DIR=... -DCONFIG=... -DSOURCE_DIR=... -DPREFIX=... -DWITH_TOOL=... -P install_library.cmake
+# cmake -DBUILD_DIR=... -DCONFIG=... -DSOURCE_DIR=... -DPREFIX=... -DWITH_TOOL=... -DWITH_RECORDING=... -P install_library.cmake
 
 # Moved after the installation, as a package has to work wherever it lies.
 set(first_prefix "${PREFIX}-before-move")
@@ -8,6 +8,9 @@ file(REMOVE_RECURSE "${PREFIX}" "${first_prefix}")
 set(components kelvora_runtime kelvora_development)
 if(WITH_TOOL)
     list(APPEND components kelvora_tool)
+endif()
+if(WITH_RECORDING)
+    list(APPEND components kelvora_recording_runtime)
 endif()
 foreach(component IN LISTS components)
     execute_process(
@@ -19,8 +22,14 @@ file(RENAME "${first_prefix}" "${PREFIX}")
 
 file(GLOB wanted RELATIVE "${SOURCE_DIR}/include/kelvora" "${SOURCE_DIR}/include/kelvora/*")
 list(APPEND wanted export.hpp version.hpp)
+if(WITH_RECORDING)
+    set(recording_dir "${SOURCE_DIR}/tools/recording/include/kelvora")
+    file(GLOB recording_headers RELATIVE "${recording_dir}" "${recording_dir}/recording/*")
+    list(APPEND wanted ${recording_headers} recording/export.hpp)
+endif()
 list(SORT wanted)
-file(GLOB installed RELATIVE "${PREFIX}/include/kelvora" "${PREFIX}/include/kelvora/*")
+file(GLOB_RECURSE installed RELATIVE "${PREFIX}/include/kelvora" "${PREFIX}/include/kelvora/*")
+list(SORT installed)
 if(NOT installed STREQUAL wanted)
     message(FATAL_ERROR "Installed headers: ${installed}\nPublic headers: ${wanted}")
 endif()

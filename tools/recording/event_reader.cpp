@@ -30,6 +30,8 @@ const Format* givenFormat(const ReadOptions& options) {
 
 }  // namespace
 
+EventReader::~EventReader() = default;
+
 std::unique_ptr<EventReader> openRecording(const std::filesystem::path& path,
                                            const ReadOptions& options) {
     const Format* format = givenFormat(options);

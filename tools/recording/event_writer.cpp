@@ -83,6 +83,8 @@ private:
 
 }  // namespace
 
+EventWriter::~EventWriter() = default;
+
 std::unique_ptr<EventWriter> createRecording(const std::filesystem::path& path,
                                              std::string_view format,
                                              const SensorSize& sensor_size) {

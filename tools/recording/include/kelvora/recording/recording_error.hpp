@@ -8,6 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "kelvora/recording/export.hpp"
+
 namespace kelvora::recording {
 
 /// What is wrong with a recording.
@@ -22,6 +24,7 @@ enum class ErrorKind {
 
 /// Where in a recording something is wrong.
 struct ErrorPlace {
+    /// What `number` counts.
     enum class Unit {
         WholeFile,  ///< No particular place.
         Byte,       ///< Counted from 0.
@@ -30,54 +33,82 @@ struct ErrorPlace {
         EventAt     ///< Time of the event, microseconds.
     };
 
-    Unit unit = Unit::WholeFile;
-    std::uint64_t number = 0;  ///< Meaning as given by `unit`.
+    Unit unit = Unit::WholeFile;  ///< What `number` counts.
+    std::uint64_t number = 0;     ///< 0 for the whole file.
 };
 
-/// "byte 12", "line 3", "event 7", "event at 17 us", or nothing for the whole file.
-std::string toString(const ErrorPlace& place);
+/// A place in words.
+///
+/// \param place  The place.
+/// \return "byte 12", "line 3", "event 7", "event at 17 us", or nothing for the whole file.
+KELVORA_RECORDING_EXPORT std::string toString(const ErrorPlace& place);
 
 /// A setting that a remedy tells the user to change. Programs call it by different names: a member
 /// of `ReadOptions`, a command-line option or a keyword.
-enum class Setting { None, Format, SensorSize, Columns, TimeUnit };
+enum class Setting {
+    None,        ///< The remedy is about no setting.
+    Format,      ///< `ReadOptions::format`.
+    SensorSize,  ///< `ReadOptions::sensor_size`.
+    Columns,     ///< `TextLayout::columns`.
+    TimeUnit     ///< `TextLayout::time_unit`.
+};
 
 /// How the user can fix a problem.
 struct Remedy {
-    /// \param text_  With "{}" wherever the name of the setting belongs.
+    /// \param text_     See `text`.
+    /// \param setting_  See `setting`.
     Remedy(std::string text_, Setting setting_ = Setting::None)
         : text(std::move(text_)), setting(setting_) {}
+
+    /// \param text_     See `text`.
+    /// \param setting_  See `setting`.
     Remedy(const char* text_, Setting setting_ = Setting::None) : text(text_), setting(setting_) {}
 
-    std::string text;
-    Setting setting;
+    std::string text;  ///< What to do. "{}" is where the name of the setting belongs.
+    Setting setting;   ///< What to change.
 };
 
 /// Thrown for a recording that cannot be read or written.
 ///
 /// The message is one line that needs no context: `FILE: problem, where, what to do`.
-class RecordingError : public std::runtime_error {
+class KELVORA_RECORDING_EXPORT RecordingError : public std::runtime_error {
 public:
     /// Gives a setting the name it has in a program.
     using SettingNames = std::string_view (*)(Setting setting);
 
-    /// \param file  Path of the recording, as the user gave it.
+    /// \param kind     What is wrong.
+    /// \param file     Path of the recording, as the user gave it.
     /// \param problem  The problem, as a sentence whose subject is the file: "is empty".
+    /// \param place    Where in the file.
+    /// \param remedy   How the user can fix the problem.
     RecordingError(ErrorKind kind, const std::string& file, const std::string& problem,
                    const ErrorPlace& place, const Remedy& remedy);
 
+    /// \return What is wrong.
     ErrorKind kind() const { return parts->kind; }
+
+    /// \return Path of the recording, as the user gave it.
     const std::string& file() const { return parts->file; }
+
+    /// \return The problem, as a sentence whose subject is the file: "is empty".
     const std::string& problem() const { return parts->problem; }
+
+    /// \return Where in the file.
     const ErrorPlace& place() const { return parts->place; }
 
-    /// The setting that the remedy names, if any.
+    /// \return The setting that the remedy names, if any.
     Setting setting() const { return parts->remedy.setting; }
 
-    /// The remedy with the program's name for its setting.
+    /// How the user can fix the problem.
+    ///
+    /// \param names  Gives the setting its name.
+    /// \return The remedy, which begins with a verb.
     std::string remedy(SettingNames names) const;
 
-    /// The whole message, with the program's names for settings. `what` has the names of C++, such
-    /// as `ReadOptions::format`.
+    /// The whole message. `what` returns it with the names of C++, such as `ReadOptions::format`.
+    ///
+    /// \param names  Gives the setting its name.
+    /// \return One line: `FILE: problem, where, what to do`.
     std::string message(SettingNames names) const;
 
 private:

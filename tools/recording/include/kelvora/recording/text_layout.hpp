@@ -5,13 +5,25 @@
 #include <optional>
 #include <string_view>
 
+#include "kelvora/recording/export.hpp"
+
 namespace kelvora::recording {
 
 /// Unit in which a text recording gives its times.
-enum class TimeUnit { Seconds, Milliseconds, Microseconds, Nanoseconds };
+enum class TimeUnit {
+    Seconds,       ///< 1 s.
+    Milliseconds,  ///< 0.001 s.
+    Microseconds,  ///< 0.000001 s.
+    Nanoseconds    ///< 0.000000001 s, rounded to microseconds.
+};
 
 /// Meaning of a column of a text recording.
-enum class TextColumn { Time, X, Y, Polarity };
+enum class TextColumn {
+    Time,     ///< Time of the event.
+    X,        ///< Pixel column from the left.
+    Y,        ///< Pixel row from the top.
+    Polarity  ///< 1 brighter; 0 or -1 darker.
+};
 
 /// Order of the columns. Each column occurs once.
 using TextColumns = std::array<TextColumn, 4>;
@@ -32,14 +44,20 @@ inline constexpr TextColumns kDefaultTextColumns = {TextColumn::Time, TextColumn
 ///
 /// A first line of two whole numbers is the width and height of the sensor.
 struct TextLayout {
-    std::optional<TextColumns> columns;
-    std::optional<TimeUnit> time_unit;
+    std::optional<TextColumns> columns;  ///< Order of the columns.
+    std::optional<TimeUnit> time_unit;   ///< Unit of the times.
 };
 
-/// Parses an order of columns such as `xypt` or `x,y,p,t`; empty if the text is not one.
-std::optional<TextColumns> textColumnsFromString(std::string_view text);
+/// Parses an order of columns such as `xypt` or `x,y,p,t`.
+///
+/// \param text  The order.
+/// \return Empty if the text is not one.
+KELVORA_RECORDING_EXPORT std::optional<TextColumns> textColumnsFromString(std::string_view text);
 
-/// Parses a unit of time: "s", "ms", "us" or "ns"; empty for any other text.
-std::optional<TimeUnit> timeUnitFromString(std::string_view text);
+/// Parses a unit of time.
+///
+/// \param text  "s", "ms", "us" or "ns".
+/// \return Empty for any other text.
+KELVORA_RECORDING_EXPORT std::optional<TimeUnit> timeUnitFromString(std::string_view text);
 
 }  // namespace kelvora::recording
