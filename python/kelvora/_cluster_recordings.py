@@ -6,45 +6,12 @@ from __future__ import annotations
 import os
 from typing import Any, Iterable, Literal
 
-from kelvora._errors import in_python
 from kelvora._kelvora import check_clustering
 from kelvora._recordings import Format, TimeUnit, integer, sensor_size
 from kelvora._worker import ClusteredRecording, cluster, failed
 from kelvora._worker_pool import WorkerPool
 
-# Keywords that differ from the options of the command-line tool in more than dashes.
-_TOOL_NAMES = {"tracking": "track", "k": "clusters"}
 _DURATIONS = ("window_us", "from_us", "to_us", "time_length_us")
-_LONGEST_DURATION = 10**18  # 30,000 years; beyond, sums with times could overflow.
-_FLAGS = ("tracking", "count_every_event")
-_CHOICES = {
-    "method": ("grid", "density", "centroid"),
-    "polarity": ("all", "on", "off", "separate"),
-    "precision": ("float", "double"),
-}
-_OF_GRID = {
-    "cell_width",
-    "cell_height",
-    "min_cluster_size",
-    "max_cluster_size",
-    "activation_threshold",
-    "count_every_event",
-}
-_OF_POINTS = {
-    "dim",
-    "scale_x",
-    "scale_y",
-    "us_per_pixel",
-    "scale_time",
-    "capacity",
-    "time_length_us",
-    "precision",
-}
-_OF_METHOD = {
-    "grid": _OF_GRID,
-    "density": _OF_POINTS | {"eps", "min_pts", "jobs"},
-    "centroid": _OF_POINTS | {"k", "max_iter", "tol"},
-}
 
 
 def cluster_recordings(
@@ -159,53 +126,22 @@ def cluster_recordings(
     return WorkerPool(workers).map(names, options)
 
 
-def _options(**keywords: object) -> dict[str, str]:
-    """Convert keywords to options of the command-line tool, which also checks them."""
-    options = {}
-    _check_method(keywords)
-    for keyword, value in keywords.items():
-        if value is None or (keyword in _FLAGS and not value):
-            continue
-        name, text = _option(keyword, value)
-        options[name] = text
-    try:
-        check_clustering(options)
-    except (TypeError, ValueError) as error:
-        raise type(error)(in_python(str(error))) from None
+def _options(**keywords: object) -> dict[str, Any]:
+    """Check keywords and convert them to plain values, which can be sent to other processes."""
+    options = {name: _plain(name, value) for name, value in keywords.items() if value is not None}
+    check_clustering(options)
     return options
 
 
-def _check_method(keywords: dict[str, object]) -> None:
-    # The tool ignores parameters that the method does not use. Here, this could hide a forgotten
-    # method argument.
-    method = str(keywords["method"] or "grid")
-    others = set().union(*_OF_METHOD.values()) - _OF_METHOD.get(method, set())
-    for keyword, value in keywords.items():
-        if value is not None and method in _OF_METHOD and keyword in others:
-            raise TypeError(f"{keyword} is no parameter of the method '{method}'")
+def _plain(name: str, value: Any) -> Any:
+    if name in _DURATIONS:
+        return integer(name, value)
+    if name == "sensor":
+        return sensor_size(value)
+    return value.item() if hasattr(value, "item") else value
 
 
-def _option(keyword: str, value: Any) -> tuple[str, str]:
-    if keyword in _TOOL_NAMES.values() or keyword + "_us" in _DURATIONS:
-        raise TypeError(f"no option is called {keyword}")
-    name = _TOOL_NAMES.get(keyword, keyword.replace("_", "-"))
-    if keyword in _FLAGS:
-        return name, "true"
-    if keyword in _DURATIONS:
-        duration = integer(keyword, value)
-        if not 0 <= duration <= _LONGEST_DURATION:
-            raise ValueError(f"{keyword} must be from 0 to {_LONGEST_DURATION}")
-        return name.removesuffix("-us"), f"{duration}us"
-    if keyword == "sensor":
-        width, height = sensor_size(value)
-        return name, f"{width}x{height}"
-    if keyword in _CHOICES and value not in _CHOICES[keyword]:
-        choices = ", ".join(map(repr, _CHOICES[keyword]))
-        raise ValueError(f"{keyword} must be one of {choices}, not {value!r}")
-    return name, str(value)
-
-
-def _on_dask(client: Any, paths: list[str], options: dict[str, str]) -> list[ClusteredRecording]:
+def _on_dask(client: Any, paths: list[str], options: dict[str, Any]) -> list[ClusteredRecording]:
     if client.asynchronous:
         raise TypeError("client must not be asynchronous")
     futures = [_submit(client, path, options) for path in paths]
@@ -222,11 +158,11 @@ def _on_dask(client: Any, paths: list[str], options: dict[str, str]) -> list[Clu
         raise
 
 
-def _submit(client: Any, path: str, options: dict[str, str]) -> Any:
+def _submit(client: Any, path: str, options: dict[str, Any]) -> Any:
     return client.submit(cluster, path, options, pure=False)
 
 
-def _result(future: Any, path: str, options: dict[str, str]) -> ClusteredRecording:
+def _result(future: Any, path: str, options: dict[str, Any]) -> ClusteredRecording:
     try:
         found: ClusteredRecording = future.result()
         return found

@@ -4,17 +4,6 @@
 import re
 
 
-# Keywords of `cluster_recordings` that differ from the options of the tool in more than dashes.
-_KEYWORDS = {
-    "window": "window_us",
-    "from": "from_us",
-    "to": "to_us",
-    "time_length": "time_length_us",
-    "clusters": "k",
-    "track": "tracking",
-}
-
-
 class RecordingError(Exception):
     """
     Raised for a recording that cannot be read, or only in part.
@@ -48,10 +37,5 @@ class RecordingError(Exception):
 
 
 def in_python(text: str) -> str:
-    """Replace command-line options in a text with keyword arguments."""
-
-    def keyword(match: re.Match[str]) -> str:
-        name = match[1].replace("-", "_")
-        return _KEYWORDS.get(name, name)
-
-    return re.sub(r"--([a-z][a-z-]*[a-z])", keyword, text)
+    """Replace the options for reading a recording with keyword arguments."""
+    return re.sub(r"--([a-z][a-z-]*[a-z])", lambda match: match[1].replace("-", "_"), text)

@@ -61,9 +61,11 @@ class DensityClusterer:
         scale_x: float = 1.0,
         scale_y: float = 1.0,
         us_per_pixel: float = 1000.0,
+        scale_time: float | None = None,
         capacity: int | None = None,
         time_length_us: int | None = None,
         precision: _Precision = "float",
+        keep_zero_boxes: bool = False,
         polarity: _Polarity = "all",
     ) -> None: ...
     def process(
@@ -97,9 +99,11 @@ class CentroidClusterer:
         scale_x: float = 1.0,
         scale_y: float = 1.0,
         us_per_pixel: float = 1000.0,
+        scale_time: float | None = None,
         capacity: int | None = None,
         time_length_us: int | None = None,
         precision: _Precision = "float",
+        keep_zero_boxes: bool = False,
         polarity: _Polarity = "all",
     ) -> None: ...
     def process(
@@ -183,5 +187,6 @@ def simulate(
     contrast_threshold: float = 0.2,
     threshold_spread: float = 0.03,
 ) -> tuple[NDArray[np.void], NDArray[np.void]]: ...
-def check_clustering(options: Mapping[str, str]) -> None: ...
-def cluster_recording(path: _Path, options: Mapping[str, str]) -> dict[str, Any]: ...
+def parameters() -> list[dict[str, Any]]: ...
+def check_clustering(keywords: Mapping[str, Any]) -> None: ...
+def cluster_recording(path: _Path, keywords: Mapping[str, Any]) -> dict[str, Any]: ...

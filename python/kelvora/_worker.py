@@ -5,6 +5,7 @@ from __future__ import annotations
 
 import dataclasses
 import multiprocessing.connection
+from typing import Any
 
 import numpy as np
 from numpy.typing import NDArray
@@ -26,7 +27,8 @@ class ClusteredRecording:
     rows : numpy.ndarray
         A row for each cluster: ``timestamp``, the end of its window; ``x``, ``y``, ``width`` and
         ``height`` of the box around it, pixels; ``start_time`` and ``duration``, -1 and 0 unless
-        clusters are found in space and time. Times are in microseconds.
+        clusters are found in space and time; ``events``, the number of its events, -1 for the
+        grid, which does not label events. Times are in microseconds.
 
         With tracking, ``track_id`` (0 for none), ``vx`` and ``vy`` in pixels per second, and
         ``state``: 'confirmed', 'tentative', 'hidden' or 'none'. Hidden objects have separate rows
@@ -59,6 +61,7 @@ ROW_FIELDS = [
     ("height", "f4"),
     ("start_time", "i8"),
     ("duration", "i8"),
+    ("events", "i8"),
 ]
 TRACK_FIELDS = [("track_id", "i8"), ("vx", "f4"), ("vy", "f4"), ("state", "U9")]
 
@@ -77,20 +80,20 @@ def joined(rows: NDArray[np.void], tracks: NDArray[np.void] | None) -> NDArray[n
     return table
 
 
-def nothing_found(path: str, options: dict[str, str], error: RecordingError) -> ClusteredRecording:
+def nothing_found(path: str, options: dict[str, Any], error: RecordingError) -> ClusteredRecording:
     """The result for a recording that failed without any rows."""
-    rows = np.zeros(0, row_type("track" in options))
+    rows = np.zeros(0, row_type(bool(options.get("tracking"))))
     return ClusteredRecording(
         path, rows, error, windows=0, dropped=0, clamped=0, skipped_words=0, remark=""
     )
 
 
-def failed(path: str, options: dict[str, str], problem: str, remedy: str) -> ClusteredRecording:
+def failed(path: str, options: dict[str, Any], problem: str, remedy: str) -> ClusteredRecording:
     """The result for a recording that could not be clustered."""
     return nothing_found(path, options, RecordingError(path, problem, "", remedy))
 
 
-def cluster(path: str, options: dict[str, str]) -> ClusteredRecording:
+def cluster(path: str, options: dict[str, Any]) -> ClusteredRecording:
     """Cluster one recording. Errors are part of the result."""
     try:
         found = cluster_recording(path, options)

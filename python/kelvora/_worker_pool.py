@@ -10,6 +10,7 @@ import signal
 import subprocess
 import sys
 import threading
+from typing import Any
 
 from kelvora._worker import ClusteredRecording, failed
 
@@ -42,7 +43,7 @@ class WorkerProcess:
         )
         its_connection.close()
 
-    def cluster(self, path: str, options: dict[str, str]) -> ClusteredRecording | None:
+    def cluster(self, path: str, options: dict[str, Any]) -> ClusteredRecording | None:
         """Cluster a recording; None if the process ended before it was done."""
         try:
             self._connection.send((path, options))
@@ -73,7 +74,7 @@ class WorkerPool:
         self._idle: list[WorkerProcess] = []
         self._is_cancelled = False
 
-    def map(self, paths: list[str], options: dict[str, str]) -> list[ClusteredRecording]:
+    def map(self, paths: list[str], options: dict[str, Any]) -> list[ClusteredRecording]:
         """Cluster recordings, then end all processes. Results are in the order of the paths."""
         try:
             with concurrent.futures.ThreadPoolExecutor(self._workers) as threads:
@@ -95,7 +96,7 @@ class WorkerPool:
             for worker in self._idle:
                 worker.end()
 
-    def _cluster(self, path: str, options: dict[str, str]) -> ClusteredRecording:
+    def _cluster(self, path: str, options: dict[str, Any]) -> ClusteredRecording:
         try:
             worker = self._take()
         except OSError as error:

@@ -16,6 +16,7 @@ void bindPointClustering(pybind11::module_& module);
 void bindTracker(pybind11::module_& module);
 void bindRecordings(pybind11::module_& module);
 void bindSimulation(pybind11::module_& module);
+void bindParameters(pybind11::module_& module);
 void bindClustering(pybind11::module_& module);
 
 }  // namespace kelvora::python

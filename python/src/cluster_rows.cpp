@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <type_traits>
 
@@ -14,6 +15,18 @@ namespace kelvora::python {
 namespace py = pybind11;
 
 namespace {
+
+/// One cluster, as `generate` returns it.
+struct RowFields {
+    std::int64_t timestamp;
+    float x;
+    float y;
+    float width;
+    float height;
+    std::int64_t start_time;
+    std::int64_t duration;
+    std::int64_t events;
+};
 
 template <typename T>
 py::array_t<T> field(const py::array& rows, const std::string& name) {
@@ -38,21 +51,13 @@ py::array_t<T> field(const py::array& rows, const std::string& name) {
 
 }  // namespace
 
-ClusterRow toRow(const ClusterGeometry& cluster, std::uint64_t origin) {
-    const std::int64_t start_time =
-        cluster.start_time < 0 ? -1 : static_cast<std::int64_t>(origin) + cluster.start_time;
-    return {static_cast<std::int64_t>(cluster.timestamp),
-            cluster.x,
-            cluster.y,
-            cluster.width,
-            cluster.height,
-            start_time,
-            cluster.duration};
-}
-
-py::array toArray(const std::vector<ClusterRow>& rows) {
-    py::array_t<ClusterRow> array(static_cast<py::ssize_t>(rows.size()));
-    std::copy(rows.begin(), rows.end(), array.mutable_data());
+py::array toArray(const std::vector<tool::ClusterRow>& rows) {
+    py::array_t<RowFields> array(static_cast<py::ssize_t>(rows.size()));
+    std::transform(rows.begin(), rows.end(), array.mutable_data(),
+                   [](const tool::ClusterRow& row) -> RowFields {
+                       return {row.timestamp, row.x,          row.y,        row.width,
+                               row.height,    row.start_time, row.duration, row.events};
+                   });
     return array;
 }
 
@@ -76,7 +81,7 @@ std::vector<ClusterGeometry> toClusters(const py::object& rows_object) {
 }
 
 void registerClusterRow() {
-    PYBIND11_NUMPY_DTYPE(ClusterRow, timestamp, x, y, width, height, start_time, duration);
+    PYBIND11_NUMPY_DTYPE(RowFields, timestamp, x, y, width, height, start_time, duration, events);
 }
 
 }  // namespace kelvora::python

@@ -3,31 +3,18 @@
 
 #include <pybind11/numpy.h>
 
-#include <cstdint>
 #include <vector>
 
 #include "kelvora/cluster_geometry.hpp"
+#include "sessions/cluster_rows.hpp"
 
 /// \file
 /// Conversion of clusters to NumPy arrays and back.
 
 namespace kelvora::python {
 
-/// One cluster, as `generate` returns it. Times are microseconds, positions and sizes pixels.
-struct ClusterRow {
-    std::int64_t timestamp;
-    float x;
-    float y;
-    float width;
-    float height;
-    std::int64_t start_time;  ///< -1 if unknown.
-    std::int64_t duration;
-};
-
-/// \param origin  Origin of the cluster's start time, microseconds.
-ClusterRow toRow(const ClusterGeometry& cluster, std::uint64_t origin);
-
-pybind11::array toArray(const std::vector<ClusterRow>& rows);
+/// An array of clusters, without their tracks.
+pybind11::array toArray(const std::vector<tool::ClusterRow>& rows);
 
 /// Reads clusters from the fields timestamp, x, y, width and height, which may have any numeric
 /// type.

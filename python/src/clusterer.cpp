@@ -1,40 +1,44 @@
 // SPDX-License-Identifier: MIT
 #include "clusterer.hpp"
 
-#include <stdexcept>
-#include <utility>
+#include "settings.hpp"
 
 namespace kelvora::python {
 
-Clusterer::Clusterer(EventIntake intake_, MakeEngine make_engine_)
-    : intake(std::move(intake_)), make_engine(std::move(make_engine_)), engine(make_engine()) {}
+namespace {
+
+/// In three dimensions, times within a slice are 32-bit microseconds.
+std::uint64_t longestSlice(const tool::Settings& settings) {
+    return settings.method != "grid" && settings.point.dim == 3
+               ? tool::kLongestWindowIn3d.microseconds
+               : EventIntake::kNoLongestSlice;
+}
+
+}  // namespace
+
+Clusterer::Clusterer(const tool::Settings& settings_, recording::SensorSize sensor_)
+    : settings(settings_),
+      sensor(sensor_),
+      intake(sensor, settings.windows.polarity, longestSlice(settings)),
+      session(std::make_unique<tool::Session>(settings, sensor)) {}
 
 void Clusterer::process(const EventColumns& columns) {
     const std::lock_guard<std::mutex> lock(mutex);
-    intake.take(columns, [this](const Event2D* events, std::size_t count) {
-        engine->process(events, count);
-    });
+    intake.take(columns,
+                [this](const Event2D* events, std::size_t count) { session->add(events, count); });
 }
 
-std::vector<ClusterRow> Clusterer::generate(std::int64_t timestamp) {
+std::vector<tool::ClusterRow> Clusterer::generate(std::int64_t timestamp) {
     require(timestamp >= 0, "timestamp must not be negative");
     const std::lock_guard<std::mutex> lock(mutex);
-    generated_origin = intake.origin().value_or(0);
     intake.endSlice();
-    engine->generate(static_cast<std::uint64_t>(timestamp), clusters);
-    std::vector<ClusterRow> rows;
-    rows.reserve(clusters.size());
-    for (const ClusterGeometry& cluster : clusters) {
-        rows.push_back(toRow(cluster, generated_origin));
-    }
-    return rows;
+    return tool::rowsOf(session->finishWindow(static_cast<std::uint64_t>(timestamp)));
 }
 
 void Clusterer::reset() {
     const std::lock_guard<std::mutex> lock(mutex);
-    engine = make_engine();
+    session = std::make_unique<tool::Session>(settings, sensor);
     intake.reset();
-    generated_origin = 0;
 }
 
 std::uint64_t Clusterer::dropped() const {
@@ -45,28 +49,6 @@ std::uint64_t Clusterer::dropped() const {
 std::uint64_t Clusterer::clamped() const {
     const std::lock_guard<std::mutex> lock(mutex);
     return intake.clamped();
-}
-
-void require(bool condition, const char* message) {
-    if (!condition) {
-        throw std::invalid_argument(message);
-    }
-}
-
-recording::SensorSize toSensorSize(std::int64_t width, std::int64_t height) {
-    require(width >= 1 && width <= recording::kLargestSensorSide && height >= 1 &&
-                height <= recording::kLargestSensorSide,
-            "width and height of the sensor must be from 1 to 65536 pixels");
-    return {static_cast<int>(width), static_cast<int>(height)};
-}
-
-Polarity toPolarity(const std::string& word) {
-    require(word == "all" || word == "on" || word == "off",
-            "polarity must be 'all', 'on' or 'off', or 'separate' for the grid");
-    if (word == "all") {
-        return Polarity::All;
-    }
-    return word == "on" ? Polarity::On : Polarity::Off;
 }
 
 }  // namespace kelvora::python

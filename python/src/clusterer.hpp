@@ -5,10 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
-#include <string>
 #include <vector>
 
 #include "cluster_rows.hpp"
@@ -16,72 +14,49 @@
 #include "event_array.hpp"
 #include "event_columns.hpp"
 #include "event_intake.hpp"
-#include "kelvora/cluster_geometry.hpp"
-#include "kelvora/events.hpp"
 #include "kelvora/recording/sensor_size.hpp"
+#include "sessions/cluster_rows.hpp"
+#include "sessions/session.hpp"
+#include "sessions/settings.hpp"
 
 namespace kelvora::python {
 
-/// A generator of any method and type.
-class Engine {
-public:
-    Engine() = default;
-    Engine(const Engine&) = delete;
-    Engine& operator=(const Engine&) = delete;
-    virtual ~Engine() = default;
-
-    virtual void process(const Event2D* events, std::size_t count) = 0;
-    virtual void generate(std::uint64_t timestamp, std::vector<ClusterGeometry>& clusters) = 0;
-};
-
-/// Shared part of the clusterers of all methods. Several threads may use an object; a mutex serves
-/// one at a time.
+/// Clusters the events that its caller provides, with any method. Several threads may use an
+/// object; a mutex serves one at a time.
 ///
 /// Callers must not hold the GIL, because a thread that waits for the mutex could otherwise block
 /// the thread that owns it.
 class Clusterer {
 public:
-    using MakeEngine = std::function<std::unique_ptr<Engine>()>;
-
-    Clusterer(EventIntake intake_, MakeEngine make_engine_);
+    Clusterer(const tool::Settings& settings_, recording::SensorSize sensor_);
 
     void process(const EventColumns& columns);
 
     /// \throws std::invalid_argument  for a negative timestamp.
-    std::vector<ClusterRow> generate(std::int64_t timestamp);
+    std::vector<tool::ClusterRow> generate(std::int64_t timestamp);
 
     void reset();
 
     std::uint64_t dropped() const;
     std::uint64_t clamped() const;
 
-    /// Calls a function with the engine.
-    ///
-    /// \param read  Called with the engine and the origin of the times of its last clusters,
-    ///     microseconds.
-    template <class EngineT, class Read>
-    auto readEngine(const Read& read) {
+    /// Number of coordinates of a point.
+    std::size_t dim() const { return static_cast<std::size_t>(settings.point.dim); }
+
+    /// Calls a function with the session.
+    template <class Read>
+    auto read(const Read& read) {
         const std::lock_guard<std::mutex> lock(mutex);
-        return read(static_cast<EngineT&>(*engine), generated_origin);
+        return read(*session);
     }
 
 private:
     mutable std::mutex mutex;
+    tool::Settings settings;
+    recording::SensorSize sensor;
     EventIntake intake;
-    MakeEngine make_engine;
-    std::unique_ptr<Engine> engine;
-    std::uint64_t generated_origin = 0;
-    std::vector<ClusterGeometry> clusters;
+    std::unique_ptr<tool::Session> session;
 };
-
-/// \throws std::invalid_argument  with the message, unless the condition holds.
-void require(bool condition, const char* message);
-
-/// \throws std::invalid_argument  if it is not a valid sensor size.
-recording::SensorSize toSensorSize(std::int64_t width, std::int64_t height);
-
-/// \throws std::invalid_argument  for any word other than all, on and off.
-Polarity toPolarity(const std::string& word);
 
 /// Adds the members shared by all clusterers.
 template <class ClustererT>
@@ -96,7 +71,7 @@ void bindClusterer(pybind11::class_<ClustererT>& type) {
         self.process(array.columns);
     };
     const auto generate = [](ClustererT& self, std::int64_t timestamp) {
-        std::vector<ClusterRow> rows;
+        std::vector<tool::ClusterRow> rows;
         {
             const py::gil_scoped_release release;
             rows = self.generate(timestamp);

@@ -67,8 +67,9 @@ Returns
 -------
 numpy.ndarray
     A row for each cluster: ``timestamp``; ``x``, ``y``, ``width`` and ``height`` of the box
-    around it, pixels; ``start_time`` and ``duration``, microseconds. Start times are -1 unless
-    clusters are found in space and time.
+    around it, pixels; ``start_time`` and ``duration``, microseconds; ``events``, the number of
+    its events. Start times are -1 and durations 0 unless clusters are found in space and time.
+    Numbers of events are -1 for the grid, which does not label events.
 )";
 
 inline constexpr const char* kResetDoc =

@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include <fmt/format.h>
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <map>
-#include <stdexcept>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -20,22 +17,20 @@
 
 #include "bindings.hpp"
 #include "cluster_rows.hpp"
-#include "command_line/cluster_rows.hpp"
-#include "command_line/clustering_options.hpp"
-#include "command_line/window_clusterer.hpp"
-#include "command_line/window_reader.hpp"
 #include "errors.hpp"
 #include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/recording_error.hpp"
+#include "read_options.hpp"
+#include "sessions/cluster_rows.hpp"
+#include "sessions/session.hpp"
+#include "sessions/window_reader.hpp"
+#include "settings.hpp"
 
 namespace kelvora::python {
 
 namespace py = pybind11;
 
 namespace {
-
-/// Options of the tool's command `cluster` without leading dashes, and their values.
-using Options = std::map<std::string, std::string>;
 
 /// The columns that tracking adds to a row. The state is padded with zeros.
 struct TrackColumns {
@@ -47,8 +42,7 @@ struct TrackColumns {
 
 /// The results for a recording.
 struct Found {
-    std::vector<ClusterRow> rows;
-    std::vector<TrackColumns> tracks;  ///< One per row.
+    std::vector<tool::ClusterRow> rows;
     std::exception_ptr defect;
     std::uint64_t windows = 0;
     std::uint64_t dropped = 0;
@@ -57,51 +51,40 @@ struct Found {
     std::string remark;
 };
 
-/// Reads options as the tool does: names, defaults and bounds are the same.
-///
-/// \throws std::invalid_argument  for a value that the tool rejects.
-tool::ClusteringOptions toClusteringOptions(const Options& given,
-                                            const std::filesystem::path& path) {
-    tool::ClusteringOptions options;
-    CLI::App app;
-    app.set_help_flag();
-    tool::declareOptions(app, options);
-    std::vector<std::string> arguments = {"-"};
-    for (const auto& [name, value] : given) {
-        if (app.get_option_no_throw("--" + name) == nullptr) {
-            throw py::type_error("no option is called --" + name);
-        }
-        arguments.push_back(fmt::format("--{}={}", name, value));
-    }
-    try {
-        app.parse(arguments);
-        tool::checkOptions(options);
-    } catch (const CLI::ParseError& error) {
-        throw std::invalid_argument(error.what());
-    }
-    options.recording.path = path;
-    return options;
+/// A recording to cluster, and how.
+struct Task {
+    std::filesystem::path path;
+    recording::ReadOptions read;
+    tool::Settings settings;
+};
+
+/// \param keywords  As for `cluster_recordings`: how to read the recording, and parameters.
+Task toTask(const std::filesystem::path& path, const py::dict& keywords) {
+    const auto parameters = py::reinterpret_steal<py::dict>(PyDict_Copy(keywords.ptr()));
+    const auto take = [&](const char* name) -> py::object {
+        return parameters.attr("pop")(name, py::none());
+    };
+    Task task;
+    task.path = path;
+    task.read = toReadOptions(take("sensor").cast<std::optional<Size>>(),
+                              take("input_format").cast<std::optional<std::string>>(),
+                              take("columns").cast<std::optional<std::string>>(),
+                              take("time_unit").cast<std::optional<std::string>>());
+    tool::SettingsBuilder builder;
+    setParameters(builder, parameters);
+    checkParameters(builder);
+    task.settings = builder.settings;
+    return task;
 }
 
 TrackColumns toColumns(const tool::ClusterRow& row) {
     TrackColumns columns{};
-    if (row.track != nullptr) {
-        columns.track_id = row.track->id;
-        columns.vx = row.track->vx;
-        columns.vy = row.track->vy;
-    }
-    const std::string_view state = tool::stateOf(row);
+    columns.track_id = row.track.id;
+    columns.vx = row.track.vx;
+    columns.vy = row.track.vy;
+    const std::string_view state = row.state;
     std::copy(state.begin(), state.end(), columns.state.begin());
     return columns;
-}
-
-void append(const tool::WindowClusters& window, bool with_tracks, Found& found) {
-    for (const tool::ClusterRow& row : tool::rowsOf(window)) {
-        found.rows.push_back(toRow(*row.box, window.time_origin));
-        if (with_tracks) {
-            found.tracks.push_back(toColumns(row));
-        }
-    }
 }
 
 recording::SensorSize requireSensor(const recording::EventReader& reader,
@@ -115,27 +98,28 @@ recording::SensorSize requireSensor(const recording::EventReader& reader,
     return *sensor;
 }
 
-Found findClusters(const tool::ClusteringOptions& options) {
-    auto source = recording::openRecording(options.recording.path, options.recording.read);
-    const recording::SensorSize sensor = requireSensor(*source, options.recording.path);
-    tool::WindowReader reader(std::move(source), sensor, options.windows);
-    tool::WindowClusterer clusterer(tool::makeMethod(options, sensor, false), options.track,
-                                    options.windows.window.microseconds);
+Found findClusters(const Task& task) {
+    auto source = recording::openRecording(task.path, task.read);
+    const recording::SensorSize sensor = requireSensor(*source, task.path);
+    tool::WindowReader reader(std::move(source), sensor, task.settings.windows);
+    tool::Session session(task.settings, sensor);
     Found found;
     bool has_more = true;
     while (has_more) {
         has_more = reader.read();
         recording::Window window;
         while (reader.slicer().next(window)) {
-            append(clusterer.cluster(window), options.track.is_wanted, found);
+            const auto rows = tool::rowsOf(session.cluster(window));
+            found.rows.insert(found.rows.end(), rows.begin(), rows.end());
         }
     }
     found.defect = reader.defect();
-    found.windows = clusterer.windowCount();
+    found.windows = session.windowCount();
     found.dropped = reader.eventCleaner().droppedOffSensor();
     found.clamped = reader.eventCleaner().clampedTimes();
     found.skipped_words = reader.source().skippedWords();
-    found.remark = clusterer.remark();
+    const std::string remark = session.remark();
+    found.remark = remark.empty() ? reader.remark() : remark;
     return found;
 }
 
@@ -150,18 +134,23 @@ py::object errorOf(const std::exception_ptr& defect) {
     }
 }
 
-py::dict clusterRecording(const std::filesystem::path& path, const Options& given) {
-    const tool::ClusteringOptions options = toClusteringOptions(given, path);
+py::array tracksOf(const std::vector<tool::ClusterRow>& rows) {
+    py::array_t<TrackColumns> tracks(static_cast<py::ssize_t>(rows.size()));
+    std::transform(rows.begin(), rows.end(), tracks.mutable_data(), toColumns);
+    return tracks;
+}
+
+py::dict clusterRecording(const std::filesystem::path& path, const py::dict& keywords) {
+    const Task task = toTask(path, keywords);
     Found found;
     {
         const py::gil_scoped_release release;
-        found = findClusters(options);
+        found = findClusters(task);
     }
-    py::array_t<TrackColumns> tracks(static_cast<py::ssize_t>(found.tracks.size()));
-    std::copy(found.tracks.begin(), found.tracks.end(), tracks.mutable_data());
     py::dict result;
     result["rows"] = toArray(found.rows);
-    result["tracks"] = options.track.is_wanted ? py::object(tracks) : py::none();
+    result["tracks"] =
+        task.settings.track.is_wanted ? py::object(tracksOf(found.rows)) : py::none();
     result["error"] = errorOf(found.defect);
     result["windows"] = found.windows;
     result["dropped"] = found.dropped;
@@ -177,12 +166,13 @@ void bindClustering(py::module_& module) {
     PYBIND11_NUMPY_DTYPE(TrackColumns, track_id, vx, vy, state);
     module.def(
         "check_clustering",
-        [](const Options& options) { static_cast<void>(toClusteringOptions(options, {})); },
-        py::arg("options"),
-        "check_clustering(options)\n\nRefuse what `cluster_recording` would refuse.");
-    module.def("cluster_recording", &clusterRecording, py::arg("path"), py::arg("options"),
-               "cluster_recording(path, options)\n\nFind the clusters of a recording. Options are "
-               "named and written as for the command-line tool.");
+        [](const py::dict& keywords) { static_cast<void>(toTask({}, keywords)); },
+        py::arg("keywords"),
+        "check_clustering(keywords)\n\nRefuse what `cluster_recording` would refuse.");
+    module.def(
+        "cluster_recording", &clusterRecording, py::arg("path"), py::arg("keywords"),
+        "cluster_recording(path, keywords)\n\nFind the clusters of a recording. Keywords are "
+        "those of `cluster_recordings`.");
 }
 
 }  // namespace kelvora::python

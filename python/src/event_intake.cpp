@@ -7,7 +7,7 @@
 
 namespace kelvora::python {
 
-EventIntake::EventIntake(recording::SensorSize sensor_, Polarity wanted_,
+EventIntake::EventIntake(recording::SensorSize sensor_, tool::Polarity wanted_,
                          std::uint64_t longest_slice_)
     : sensor(sensor_), wanted(wanted_), longest_slice(longest_slice_), batch(EventLoader::kBatch) {}
 
@@ -19,11 +19,11 @@ void EventIntake::check(const EventColumns& columns) {
     for (std::size_t first = 0; first < columns.size; first += EventLoader::kBatch) {
         clean(loader, first, std::min(EventLoader::kBatch, columns.size - first), trial);
     }
-    if (trial.origin && trial.last_time - *trial.origin > longest_slice) {
+    if (trial.first_time && trial.last_time - *trial.first_time > longest_slice) {
         throw std::invalid_argument(fmt::format(
             "the events since the last generate() span {} s, and at most {} s can be clustered in "
             "space and time: call generate() in between",
-            static_cast<double>(trial.last_time - *trial.origin) * 1e-6,
+            static_cast<double>(trial.last_time - *trial.first_time) * 1e-6,
             static_cast<double>(longest_slice) * 1e-6));
     }
 }
@@ -33,8 +33,8 @@ void EventIntake::check(const EventColumns& columns) {
 std::size_t EventIntake::clean(EventLoader& loader, std::size_t first, std::size_t count,
                                State& progress) {
     const std::size_t loaded = loader.load(first, count, batch.data());
-    const bool takes_off = wanted != Polarity::On;
-    const bool takes_on = wanted != Polarity::Off;
+    const bool takes_off = wanted != tool::Polarity::On;
+    const bool takes_on = wanted != tool::Polarity::Off;
     std::uint64_t time = progress.last_time;
     std::uint64_t clamped = 0;
     std::size_t kept = 0;
@@ -43,12 +43,12 @@ std::size_t EventIntake::clean(EventLoader& loader, std::size_t first, std::size
         clamped += event.timestamp < time ? 1 : 0;
         time = std::max<std::uint64_t>(time, event.timestamp);
         if (event.polarity == 0 ? takes_off : takes_on) {
-            progress.origin = progress.origin.value_or(time);
+            progress.first_time = progress.first_time.value_or(time);
             Event2D& taken = batch[kept];
             taken.x = event.x;
             taken.y = event.y;
             taken.polarity = event.polarity;
-            taken.timestamp = time - *progress.origin;
+            taken.timestamp = time;
             ++kept;
         }
     }

@@ -13,23 +13,21 @@
 #include "event_loader.hpp"
 #include "kelvora/events.hpp"
 #include "kelvora/recording/sensor_size.hpp"
+#include "sessions/polarity.hpp"
 
 namespace kelvora::python {
-
-/// Which events are processed.
-enum class Polarity { All, On, Off };
 
 /// Prepares the caller's events for a generator, slice by slice: keeps events on the sensor with
 /// the selected polarity, and puts them in time order.
 ///
-/// Times are relative to the first event of a slice, so that they are exact as `float`. A time
-/// earlier than the previous event's is raised to the previous time.
+/// A time earlier than the previous event's is raised to the previous time.
 class EventIntake {
 public:
     static constexpr std::uint64_t kNoLongestSlice = std::numeric_limits<std::uint64_t>::max();
 
     /// \param longest_slice_  Largest difference between the times of a slice, microseconds.
-    EventIntake(recording::SensorSize sensor_, Polarity wanted_, std::uint64_t longest_slice_);
+    EventIntake(recording::SensorSize sensor_, tool::Polarity wanted_,
+                std::uint64_t longest_slice_);
 
     /// Passes events to `feed`, batch by batch.
     ///
@@ -47,13 +45,10 @@ public:
     }
 
     /// Ends a slice. Times must not go back across slices, either.
-    void endSlice() { state.origin.reset(); }
+    void endSlice() { state.first_time.reset(); }
 
     /// Discards all events and resets the counters.
     void reset() { state = {}; }
-
-    /// Origin of the times of the slice, if it has events.
-    std::optional<std::uint64_t> origin() const { return state.origin; }
 
     /// Number of events off the sensor.
     std::uint64_t dropped() const { return state.dropped; }
@@ -63,7 +58,7 @@ public:
 
 private:
     struct State {
-        std::optional<std::uint64_t> origin;
+        std::optional<std::uint64_t> first_time;  ///< Of the slice.
         std::uint64_t last_time = 0;
         std::uint64_t dropped = 0;
         std::uint64_t clamped = 0;
@@ -73,7 +68,7 @@ private:
     std::size_t clean(EventLoader& loader, std::size_t first, std::size_t count, State& progress);
 
     recording::SensorSize sensor;
-    Polarity wanted;
+    tool::Polarity wanted;
     std::uint64_t longest_slice;
     State state;
     std::vector<Event2D> batch;

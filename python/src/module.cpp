@@ -23,6 +23,7 @@ PYBIND11_MODULE(_kelvora, module) {
     kelvora::python::bindTracker(module);
     kelvora::python::bindRecordings(module);
     kelvora::python::bindSimulation(module);
+    kelvora::python::bindParameters(module);
     kelvora::python::bindClustering(module);
     // The public module name, as shown by help() and messages.
     for (const char* const name :

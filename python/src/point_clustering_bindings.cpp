@@ -13,10 +13,10 @@
 #include <vector>
 
 #include "bindings.hpp"
-#include "clusterer.hpp"
 #include "event_array.hpp"
 #include "kelvora/centroid_clustering.hpp"
 #include "kelvora/density_clustering.hpp"
+#include "settings.hpp"
 
 namespace kelvora::python {
 

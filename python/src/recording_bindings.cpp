@@ -17,21 +17,20 @@
 #include <vector>
 
 #include "bindings.hpp"
-#include "clusterer.hpp"
 #include "errors.hpp"
 #include "event_records.hpp"
 #include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/formats.hpp"
 #include "kelvora/recording/recording_error.hpp"
+#include "read_options.hpp"
 #include "recording/event_cleaner.hpp"
+#include "settings.hpp"
 
 namespace kelvora::python {
 
 namespace py = pybind11;
 
 namespace {
-
-using Size = std::pair<std::int64_t, std::int64_t>;
 
 constexpr const char* kDoc =
     R"(The events of a recording, chunk by chunk. Returned by `read`.
@@ -125,54 +124,6 @@ private:
     std::vector<Event2D> pending;
     std::size_t taken = 0;  ///< Number of events at the front of `pending` already returned.
 };
-
-template <typename Value>
-Value parsed(const std::optional<Value>& value, const char* message) {
-    require(value.has_value(), message);
-    return *value;
-}
-
-/// 'records', 'text', ... or 'evt3'.
-std::string formatsInWords() {
-    std::vector<std::string> names = recording::readableFormats();
-    const std::string last = names.back();
-    names.pop_back();
-    return fmt::format("'{}' or '{}'", fmt::join(names, "', '"), last);
-}
-
-/// Lets Ctrl-C end a wait for a pipe. Python runs signal handlers in the main thread only.
-void handleSignals() {
-    const py::gil_scoped_acquire acquire;
-    if (PyErr_CheckSignals() != 0) {
-        throw py::error_already_set();
-    }
-}
-
-recording::ReadOptions toReadOptions(const std::optional<Size>& sensor,
-                                     const std::optional<std::string>& input_format,
-                                     const std::optional<std::string>& columns,
-                                     const std::optional<std::string>& time_unit) {
-    recording::ReadOptions options;
-    options.on_signal = handleSignals;
-    if (sensor) {
-        options.sensor_size = toSensorSize(sensor->first, sensor->second);
-    }
-    if (input_format) {
-        const std::vector<std::string> names = recording::readableFormats();
-        require(std::find(names.begin(), names.end(), *input_format) != names.end(),
-                ("input_format must be " + formatsInWords()).c_str());
-        options.format = input_format;
-    }
-    if (columns) {
-        options.text.columns = parsed(recording::textColumnsFromString(*columns),
-                                      "columns must be an order of t, x, y and p such as 'xypt'");
-    }
-    if (time_unit) {
-        options.text.time_unit = parsed(recording::timeUnitFromString(*time_unit),
-                                        "time_unit must be 's', 'ms', 'us' or 'ns'");
-    }
-    return options;
-}
 
 std::unique_ptr<RecordingReader> openReader(const std::filesystem::path& path,
                                             const std::optional<Size>& sensor,

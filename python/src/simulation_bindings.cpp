@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "bindings.hpp"
-#include "clusterer.hpp"
 #include "event_records.hpp"
+#include "settings.hpp"
 #include "simulation/event_simulator.hpp"
 #include "simulation/ground_truth.hpp"
 #include "simulation/scene_options.hpp"

@@ -7,7 +7,7 @@ import pytest
 import kelvora
 
 WIDTH, HEIGHT = 320, 240
-FIELDS = ["timestamp", "x", "y", "width", "height", "start_time", "duration"]
+FIELDS = ["timestamp", "x", "y", "width", "height", "start_time", "duration", "events"]
 EPOCH = 1_600_000_000_000_000
 
 
@@ -288,7 +288,7 @@ WRONG_OF_POINTS = [
     (dict(capacity=0), "capacity"),
     (dict(time_length_us=0), "time_length_us"),
     (dict(precision="half"), "precision"),
-    (dict(polarity="separate"), "polarity must be"),
+    (dict(polarity="separate"), "polarity separate needs method grid"),
 ]
 
 
@@ -326,3 +326,28 @@ def test_refuses_negative_timestamps():
     for clusterer in clusterers():
         with pytest.raises(ValueError, match="timestamp"):
             clusterer.generate(-1)
+
+
+def test_unknown_keywords_are_refused_with_a_suggestion():
+    with pytest.raises(TypeError, match="no option is called epss; did you mean eps\\?"):
+        kelvora.DensityClusterer(WIDTH, HEIGHT, epss=3)
+    with pytest.raises(TypeError, match="cell_width is no parameter of the method 'density'"):
+        kelvora.DensityClusterer(WIDTH, HEIGHT, cell_width=3)
+    with pytest.raises(TypeError, match="a clusterer has no parameter window_us"):
+        kelvora.GridClusterer(WIDTH, HEIGHT, window_us=3)
+
+
+def test_events_in_one_column_get_a_thin_box_unless_the_box_of_the_library_is_wanted():
+    column = dict(x=[7] * 40, y=np.arange(40), t=np.arange(40), p=[1] * 40)
+    for keep, box in {False: (7.0, 0.0, 1.0, 39.0), True: (0.0, 0.0, 0.0, 0.0)}.items():
+        clusterer = kelvora.DensityClusterer(WIDTH, HEIGHT, keep_zero_boxes=keep)
+        clusterer.process(**column)
+        rows = clusterer.generate(0)
+        assert boxes(rows) == [box]
+        assert rows["events"].tolist() == [40]
+
+
+def test_the_grid_does_not_know_the_number_of_events():
+    clusterer = kelvora.GridClusterer(WIDTH, HEIGHT)
+    clusterer.process(square(50, 50))
+    assert clusterer.generate(0)["events"].tolist() == [-1]

@@ -77,9 +77,41 @@ def runtime_signature(name):
     return line.strip()[3:]
 
 
-@pytest.mark.parametrize("name", FUNCTIONS)
+# Their keywords are read from the table of parameters.
+CLUSTERERS = {
+    "GridClusterer": ["Grid method"],
+    "DensityClusterer": ["Density and centroid methods", "Density method"],
+    "CentroidClusterer": ["Density and centroid methods", "Centroid method"],
+}
+
+
+@pytest.mark.parametrize("name", [name for name in FUNCTIONS if name not in CLUSTERERS])
 def test_stub_has_the_parameters_of_the_module(name):
     assert parameters(parsed(runtime_signature(name))) == parameters(FUNCTIONS[name])
+
+
+@pytest.mark.parametrize("name, groups", CLUSTERERS.items())
+def test_stub_of_a_clusterer_has_the_parameters_and_defaults_of_the_table(name, groups):
+    positional, keywords = parameters(FUNCTIONS[name])
+    assert [first for first, _ in positional][:2] == ["width", "height"]
+    wanted = {
+        row["name"]: row["default"]
+        for row in _kelvora.parameters()
+        if row["group"] in groups or row["name"] == "polarity"
+    }
+    if name == "CentroidClusterer":
+        assert positional[2][0] == "k"
+        del wanted["k"]
+    assert dict(keywords) == wanted
+
+
+@pytest.mark.parametrize("name", CLUSTERERS)
+def test_docstring_of_a_clusterer_describes_each_parameter(name):
+    text = inspect.getdoc(member(name))
+    names, keywords = parameters(FUNCTIONS[name])
+    described = re.findall(r"^([a-z_, ]+) : ", text, re.MULTILINE)
+    described = {word.strip() for line in described for word in line.split(",")}
+    assert described == {parameter for parameter, _ in names + keywords}
 
 
 @pytest.mark.parametrize("name", FUNCTIONS)

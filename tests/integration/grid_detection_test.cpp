@@ -7,8 +7,8 @@
 #include <opencv2/core/types.hpp>
 #include <vector>
 
-#include "command_line/grid_method.hpp"
 #include "recording/window_slicer.hpp"
+#include "sessions/grid_method.hpp"
 #include "simulation/event_simulator.hpp"
 
 namespace kelvora {
@@ -72,7 +72,7 @@ Detection detect(std::uint64_t seed) {
     simulation::SceneOptions scene;
     scene.seed = seed;
     simulation::EventSimulator simulator(scene);
-    tool::GridMethod method({scene.width, scene.height}, tool::Polarity::All, {});
+    tool::GridMethod method({}, {scene.width, scene.height});
     Detection detection;
     std::vector<Event2D> events;
     std::vector<GroundTruth> truth;

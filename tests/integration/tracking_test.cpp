@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "command_line/density_method.hpp"
-#include "command_line/grid_method.hpp"
-#include "command_line/track_options.hpp"
 #include "kelvora/cluster_tracker.hpp"
 #include "recording/window_slicer.hpp"
 #include "scoring/tracking_score.hpp"
+#include "sessions/cluster_rows.hpp"
+#include "sessions/density_method.hpp"
+#include "sessions/grid_method.hpp"
 #include "simulation/event_simulator.hpp"
 
 namespace kelvora {
@@ -71,9 +71,9 @@ class TrackingByMethod : public testing::TestWithParam<std::string> {
 protected:
     static std::unique_ptr<tool::ClusteringMethod> makeMethod(recording::SensorSize sensor) {
         if (GetParam() == "density") {
-            return tool::makeDensityMethod(sensor, {}, {}, false);
+            return tool::makeDensityMethod({}, sensor);
         }
-        return std::make_unique<tool::GridMethod>(sensor, tool::Polarity::All, tool::GridOptions());
+        return tool::makeGridMethod({}, sensor);
     }
 };
 
@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(Methods, TrackingByMethod, testing::Values("grid", "den
 // The bounds above distinguish good tracks from bad ones.
 TEST(Tracking, LosesObjectsIfNoneMayBeMissedOrChange) {
     const simulation::SceneOptions scene;
-    tool::GridMethod method({scene.width, scene.height}, tool::Polarity::All, {});
+    tool::GridMethod method({}, {scene.width, scene.height});
     const scoring::ScoreFigures figures = follow(scene, method, ClusterTracker(2, 2, 0, 3));
     EXPECT_LT(figures.mota().value(), 0.8);
     EXPECT_GT(figures.switchesPerTenSeconds(scene.truth_interval_us).value(), 2.0);

@@ -9,14 +9,15 @@
 #include <map>
 
 #include "command_line/interrupt.hpp"
+#include "command_line/parameter_options.hpp"
 #include "command_line/peak_memory.hpp"
-#include "command_line/point_options.hpp"
 #include "command_line/progress_line.hpp"
-#include "command_line/window_reader.hpp"
 #include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/recording_error.hpp"
 #include "recording/output_file.hpp"
 #include "recording/window_slicer.hpp"
+#include "sessions/methods.hpp"
+#include "sessions/window_reader.hpp"
 
 namespace kelvora::tool {
 
@@ -24,16 +25,30 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-const std::map<std::string, TimedMethod> kMethods = {{"grid", TimedMethod::Grid},
-                                                     {"density2d", TimedMethod::Density2d},
-                                                     {"density3d", TimedMethod::Density3d},
-                                                     {"centroid2d", TimedMethod::Centroid2d},
-                                                     {"centroid3d", TimedMethod::Centroid3d}};
-
 const std::vector<std::string> kDefaultMethods = {"grid", "density2d", "density3d", "centroid2d"};
 
-bool isIn3d(const std::string& method) {
-    return method == "density3d" || method == "centroid3d";
+/// A method in a number of dimensions, if it has a choice.
+struct TimedMethod {
+    std::string method;
+    int dim = 2;
+};
+
+/// The methods that can be timed, by their names on the command line.
+std::map<std::string, TimedMethod> timedMethods() {
+    std::map<std::string, TimedMethod> timed;
+    for (const Method& method : tool::methods()) {
+        if (method.uses(Group::Points)) {
+            timed[method.name + "2d"] = {method.name, 2};
+            timed[method.name + "3d"] = {method.name, 3};
+        } else {
+            timed[method.name] = {method.name};
+        }
+    }
+    return timed;
+}
+
+bool isIn3d(const std::string& name) {
+    return timedMethods().at(name).dim == 3;
 }
 
 /// A pipe can be read only once.
@@ -50,8 +65,7 @@ void requireFile(const std::filesystem::path& path) {
 /// Clusters the windows in one pass.
 class PassTimer {
 public:
-    PassTimer(const ClusterWindow& cluster_, PassFigures& figures_)
-        : cluster(cluster_), figures(figures_) {}
+    PassTimer(Session* session_, PassFigures& figures_) : session(session_), figures(figures_) {}
 
     void take(recording::WindowSlicer& slicer) {
         recording::Window window;
@@ -63,9 +77,8 @@ public:
 private:
     void takeWindow(const recording::Window& window) {
         const auto start = Clock::now();
-        if (cluster) {
-            cluster(window, clusters);
-        }
+        const std::size_t clusters =
+            session == nullptr ? 0 : session->cluster(window).clusters.size();
         const auto time = Clock::now() - start;
         if (figures.events == 0) {
             first_time = window.first->timestamp;
@@ -74,12 +87,11 @@ private:
         figures.window_times.add(time);
         figures.seconds += std::chrono::duration<double>(time).count();
         figures.events += window.size();
-        figures.clusters += clusters.size();
+        figures.clusters += clusters;
     }
 
-    const ClusterWindow& cluster;
+    Session* session;
     PassFigures& figures;
-    std::vector<ClusterGeometry> clusters;
     std::uint64_t first_time = 0;
 };
 
@@ -88,7 +100,7 @@ private:
 BenchCommand::BenchCommand(CLI::App& program)
     : command(program.add_subcommand("bench", "Time the methods on a recording")),
       methods(kDefaultMethods) {
-    parameters.centroid.clusters = 12;
+    builder.settings.centroid.clusters = 12;
     declareOptions();
     command->parse_complete_callback([this] { checkOptions(); });
 }
@@ -100,26 +112,39 @@ void BenchCommand::declareOptions() {
                      "Methods to time, separated by commas: grid, density2d, density3d, "
                      "centroid2d, centroid3d")
         ->delimiter(',')
-        ->check(CLI::IsMember(kMethods).description(""))
+        ->check(CLI::IsMember(timedMethods()).description(""))
         ->option_text("LIST [grid,density2d,density3d,centroid2d]");
-    declareWindows(*command, windows);
+    for (const char* const keyword : {"window_us", "from_us", "to_us"}) {
+        declareParameter(*command, builder, *findParameter(keyword));
+    }
     command->add_option("--json", json, "File for the figures as JSON; - is standard output")
         ->option_text("FILE");
-    tool::declareOptions(*command, parameters.grid);
-    tool::declareOptions(*command, parameters.density);
-    tool::declareOptions(*command, parameters.centroid);
+    declareParameters(*command, builder, {Group::Grid, Group::Density, Group::Centroid});
     command->get_option("--clusters")
         ->description("Number of clusters in a window")
         ->option_text("NUMBER [12]");
 }
 
 void BenchCommand::checkOptions() const {
-    tool::checkOptions(windows);
-    if (windows.window.microseconds > kLongestWindowIn3d.microseconds &&
+    if (builder.settings.windows.window.microseconds > kLongestWindowIn3d.microseconds &&
         std::any_of(methods.begin(), methods.end(), isIn3d)) {
         throw CLI::ValidationError("--window", "must be at most " + toString(kLongestWindowIn3d) +
                                                    " with methods in three dimensions");
     }
+    for (const std::string& name : methods) {
+        // Parameters of the other methods may be given, too.
+        SettingsBuilder of_method;
+        of_method.settings = settingsOf(name);
+        checkParameters(of_method);
+    }
+}
+
+Settings BenchCommand::settingsOf(const std::string& name) const {
+    const TimedMethod timed = timedMethods().at(name);
+    Settings settings = builder.settings;
+    settings.method = timed.method;
+    settings.point.dim = timed.dim;
+    return settings;
 }
 
 int BenchCommand::run() const {
@@ -148,30 +173,30 @@ BenchReport BenchCommand::measure(std::exception_ptr& defect) const {
         report.recording = recording.path.string();
         report.format = reader->format();
         report.sensor = requireSensorSize(*reader, recording);
-        report.window = windows.window;
+        report.window = builder.settings.windows.window;
     }
     const auto start = Clock::now();
     report.reading = pass("(reading)", nullptr, defect);
     report.reading.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     for (const std::string& name : methods) {
         if (!isInterrupted()) {
-            const auto cluster = makeTimedMethod(kMethods.at(name), report.sensor, parameters);
-            report.methods.push_back(pass(name, cluster, defect));
+            Session session(settingsOf(name), report.sensor);
+            report.methods.push_back(pass(name, &session, defect));
         }
     }
     return report;
 }
 
-/// Reads the recording and clusters each of its windows. Without `cluster`, only reads it.
-PassFigures BenchCommand::pass(const std::string& name, const ClusterWindow& cluster,
+/// Reads the recording and clusters each of its windows. Without a session, only reads it.
+PassFigures BenchCommand::pass(const std::string& name, Session* session,
                                std::exception_ptr& defect) const {
     PassFigures figures;
     figures.name = name;
     const bool is_peak_its_own = resetPeakMemory();
     auto source = recording::openRecording(recording.path, recording.read);
     const recording::SensorSize sensor = requireSensorSize(*source, recording);
-    WindowReader reader(std::move(source), sensor, windows);
-    PassTimer timer(cluster, figures);
+    WindowReader reader(std::move(source), sensor, builder.settings.windows);
+    PassTimer timer(session, figures);
     ProgressLine progress(recording.path.string() + ", " + name, true);
     bool has_more = true;
     while (has_more && !isInterrupted()) {

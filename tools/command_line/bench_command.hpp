@@ -9,8 +9,8 @@
 
 #include "command_line/bench_report.hpp"
 #include "command_line/recording_options.hpp"
-#include "command_line/timed_method.hpp"
-#include "command_line/window_options.hpp"
+#include "sessions/parameters.hpp"
+#include "sessions/session.hpp"
 
 namespace kelvora::tool {
 
@@ -35,14 +35,13 @@ private:
     void declareOptions();
     void checkOptions() const;
     BenchReport measure(std::exception_ptr& defect) const;
-    PassFigures pass(const std::string& name, const ClusterWindow& cluster,
-                     std::exception_ptr& defect) const;
+    PassFigures pass(const std::string& name, Session* session, std::exception_ptr& defect) const;
+    Settings settingsOf(const std::string& name) const;
 
     CLI::App* command;
     RecordingOptions recording;
-    WindowOptions windows;
     std::vector<std::string> methods;
-    TimedMethodOptions parameters;
+    SettingsBuilder builder;
     std::filesystem::path json;
 };
 

@@ -8,8 +8,9 @@
 #include <vector>
 
 #include "command_line/duration_histogram.hpp"
-#include "command_line/quantities.hpp"
+#include "kelvora/recording/formats.hpp"
 #include "kelvora/recording/sensor_size.hpp"
+#include "sessions/duration.hpp"
 
 namespace kelvora::tool {
 

@@ -7,29 +7,34 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "command_line/interrupt.hpp"
+#include "command_line/output_options.hpp"
+#include "command_line/parameter_options.hpp"
 #include "command_line/progress_line.hpp"
-#include "command_line/window_pipeline.hpp"
-#include "command_line/window_reader.hpp"
 #include "kelvora/recording/event_reader.hpp"
+#include "sessions/session.hpp"
+#include "sessions/window_reader.hpp"
 
 namespace kelvora::tool {
 
 namespace {
 
-void printSummary(const WindowClusterer& clusterer, const WindowReader& reader) {
+void printSummary(const Session& session, const WindowReader& reader) {
     const recording::EventCleaner& cleaner = reader.eventCleaner();
     fmt::print(stderr,
                "kelvora: {} clusters in {} windows with events; dropped {} events off the sensor, "
                "corrected {} times out of order",
-               clusterer.clusterCount(), clusterer.windowCount(), cleaner.droppedOffSensor(),
+               session.clusterCount(), session.windowCount(), cleaner.droppedOffSensor(),
                cleaner.clampedTimes());
     if (reader.source().skippedWords() > 0) {
         fmt::print(stderr, ", skipped {} unknown words", reader.source().skippedWords());
     }
-    const std::string remark = clusterer.remark();
-    fmt::print(stderr, "{}{}\n", remark.empty() ? "" : "; ", remark);
+    for (const std::string& remark : {session.remark(), reader.remark()}) {
+        fmt::print(stderr, "{}{}", remark.empty() ? "" : "; ", remark);
+    }
+    fmt::print(stderr, "\n");
 }
 
 }  // namespace
@@ -37,52 +42,41 @@ void printSummary(const WindowClusterer& clusterer, const WindowReader& reader) 
 ClusterCommand::ClusterCommand(CLI::App& program)
     : command(
           program.add_subcommand("cluster", "Find the clusters of a recording, window by window")) {
-    declareOptions(*command, options);
+    declareOptions(*command, recording);
+    declareParameters(*command, builder,
+                      {Group::General, Group::Grid, Group::Points, Group::Density, Group::Centroid,
+                       Group::Tracking});
     declareOptions(*command, output);
+    command->add_flag("-q,--quiet", is_quiet, "Print no summary and no progress")->group("Output");
     command->parse_complete_callback([this] {
-        checkOptions(options);
-        checkOutputOptions();
+        checkParameters(builder);
+        checkOutput(output, builder.settings);
     });
 }
 
-void ClusterCommand::checkOutputOptions() const {
-    if (options.method == Method::Grid && !output.points.empty()) {
-        throw CLI::ValidationError("--points", "needs --method density or centroid");
-    }
-    if (options.method != Method::Centroid && !output.centroids.empty()) {
-        throw CLI::ValidationError("--centroids", "needs --method centroid");
-    }
-    if (options.track.is_wanted) {
-        return;
-    }
-    if (!output.tracks.empty()) {
-        throw CLI::ValidationError("--tracks", "needs --track");
-    }
-    if (output.format == ClusterFormat::Mot) {
-        throw CLI::ValidationError("--format", "mot needs --track");
-    }
-}
-
 int ClusterCommand::run() const {
-    const RecordingOptions& recording = options.recording;
+    const Settings& settings = builder.settings;
     auto source = recording::openRecording(recording.path, recording.read);
     const recording::SensorSize sensor = requireSensorSize(*source, recording);
-    WindowReader reader(std::move(source), sensor, options.windows);
-    WindowPipeline pipeline(makeMethod(options, sensor, output.needLabels()), output, options.track,
-                            sensor, options.windows.window.microseconds);
-    ProgressLine progress(recording.path.string(), !output.is_quiet);
+    WindowReader reader(std::move(source), sensor, settings.windows);
+    Session session(settings, sensor);
+    ResultFiles files(output, settings.track.is_wanted, sensor);
+    ProgressLine progress(recording.path.string(), !is_quiet);
 
     bool has_more = true;
     while (has_more && !isInterrupted()) {
         has_more = reader.read();
-        pipeline.process(reader.slicer());
+        recording::Window window;
+        while (!isInterrupted() && reader.slicer().next(window)) {
+            files.write(window, session.cluster(window));
+        }
         progress.update(reader.source().bytesRead(), reader.source().fileSize());
     }
-    pipeline.finish();
+    files.finish();
     progress.clear();
 
-    if (!output.is_quiet) {
-        printSummary(pipeline.windowClusterer(), reader);
+    if (!is_quiet) {
+        printSummary(session, reader);
     }
     if (reader.defect()) {
         std::rethrow_exception(reader.defect());

@@ -3,8 +3,9 @@
 
 #include <CLI/App.hpp>
 
-#include "command_line/clustering_options.hpp"
-#include "command_line/output_options.hpp"
+#include "command_line/recording_options.hpp"
+#include "results/result_files.hpp"
+#include "sessions/parameters.hpp"
 
 namespace kelvora::tool {
 
@@ -23,11 +24,11 @@ public:
     int run() const;
 
 private:
-    void checkOutputOptions() const;
-
     CLI::App* command;
-    ClusteringOptions options;
-    OutputOptions output;
+    RecordingOptions recording;
+    SettingsBuilder builder;
+    OutputSettings output;
+    bool is_quiet = false;
 };
 
 }  // namespace kelvora::tool

@@ -16,6 +16,7 @@
 #include "command_line/score_command.hpp"
 #include "command_line/setting_names.hpp"
 #include "command_line/simulate_command.hpp"
+#include "command_line/usage_hint.hpp"
 #include "kelvora/recording/recording_error.hpp"
 #include "kelvora/version.hpp"
 
@@ -48,6 +49,13 @@ int main(int argc, char** argv) {
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
+        const std::string hint = error.get_exit_code() == 0
+                                     ? ""
+                                     : kelvora::tool::usageHint(program, {argv + 1, argv + argc});
+        if (!hint.empty()) {
+            fmt::print(stderr, "kelvora: {}\n", hint);
+            return kExitWrongUsage;
+        }
         return program.exit(error) == 0 ? 0 : kExitWrongUsage;
     }
 

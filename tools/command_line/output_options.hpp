@@ -2,28 +2,17 @@
 #pragma once
 
 #include <CLI/App.hpp>
-#include <filesystem>
 
-#include "command_line/cluster_writer.hpp"
-#include "command_line/pictures.hpp"
+#include "results/result_files.hpp"
+#include "sessions/settings.hpp"
 
 namespace kelvora::tool {
 
-/// Where results are written. An empty path disables the output.
-struct OutputOptions {
-    std::filesystem::path clusters = "-";
-    ClusterFormat format = ClusterFormat::Csv;
-    std::filesystem::path points;
-    std::filesystem::path centroids;
-    std::filesystem::path tracks;
-    PictureOptions pictures;
-    bool is_quiet = false;
+/// Adds an option for each output.
+void declareOptions(CLI::App& command, OutputSettings& output);
 
-    /// Whether an output needs the cluster of each event.
-    bool needLabels() const { return !points.empty() || pictures.isWanted(); }
-};
-
-/// Adds an option for each field.
-void declareOptions(CLI::App& command, OutputOptions& options);
+/// \throws CLI::ValidationError  for an output that the settings do not provide, two outputs with
+///     the same file name, and names of pictures that do not end in ".png".
+void checkOutput(const OutputSettings& output, const Settings& settings);
 
 }  // namespace kelvora::tool

@@ -4,34 +4,13 @@
 #include <fmt/format.h>
 
 #include <CLI/Error.hpp>
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 
 namespace kelvora {
 
 namespace {
-
-struct Unit {
-    std::string_view name;
-    std::uint64_t microseconds;
-};
-
-constexpr std::array<Unit, 3> kUnits = {{{"s", 1'000'000}, {"ms", 1'000}, {"us", 1}}};
-
-// About 30,000 years. Beyond this, sums with timestamps could overflow.
-constexpr double kLongestDuration = 1e18;
-
-std::uint64_t unitOf(std::string_view name, const std::string& text) {
-    for (const Unit& unit : kUnits) {
-        if (unit.name == name) {
-            return unit.microseconds;
-        }
-    }
-    throw CLI::ConversionError(fmt::format("'{}' needs a unit: us, ms or s, as in 10ms", text));
-}
 
 template <class Value>
 bool assign(const std::optional<Value>& parsed, Value& value, const std::string& text,
@@ -48,28 +27,12 @@ bool assign(const std::optional<Value>& parsed, Value& value, const std::string&
 namespace tool {
 
 bool lexical_cast(const std::string& text, Duration& duration) {
-    double number = 0.0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc()) {
-        throw CLI::ConversionError(fmt::format("'{}' is not a time such as 10ms", text));
+    try {
+        duration = durationFromString(text);
+    } catch (const std::invalid_argument& error) {
+        throw CLI::ConversionError(error.what());
     }
-    const std::string_view unit(rest, static_cast<std::size_t>(end - rest));
-    const double microseconds = std::round(number * static_cast<double>(unitOf(unit, text)));
-    if (!(0.0 <= microseconds && microseconds <= kLongestDuration)) {
-        throw CLI::ConversionError(fmt::format("'{}' is negative or too long", text));
-    }
-    duration.microseconds = static_cast<std::uint64_t>(microseconds);
     return true;
-}
-
-std::string toString(Duration duration) {
-    for (const Unit& unit : kUnits) {
-        if (duration.microseconds % unit.microseconds == 0) {
-            return fmt::format("{}{}", duration.microseconds / unit.microseconds, unit.name);
-        }
-    }
-    return {};
 }
 
 }  // namespace tool

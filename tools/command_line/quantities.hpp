@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
 #include <string>
 
+#include "kelvora/recording/formats.hpp"
 #include "kelvora/recording/sensor_size.hpp"
 #include "kelvora/recording/text_layout.hpp"
+#include "sessions/duration.hpp"
 
 /// \file
 /// Parsing of values on the command line.
@@ -15,15 +16,7 @@
 
 namespace kelvora::tool {
 
-/// A length of time, written with its unit: 250us, 10ms, 1.5s.
-struct Duration {
-    std::uint64_t microseconds = 0;
-};
-
 bool lexical_cast(const std::string& text, Duration& duration);
-
-/// Uses the largest unit that needs no fraction, for example 10ms.
-std::string toString(Duration duration);
 
 }  // namespace kelvora::tool
 

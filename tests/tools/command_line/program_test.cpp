@@ -235,8 +235,9 @@ TEST_F(Program, FollowsObjectsFromWindowToWindow) {
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_THAT(
         outcome.output,
-        StartsWith("timestamp_us,x,y,width,height,start_time_us,duration_us,track_id,vx,vy,state\n"
-                   "10000,"));
+        StartsWith(
+            "timestamp_us,x,y,width,height,start_time_us,duration_us,events,track_id,vx,vy,state\n"
+            "10000,"));
     EXPECT_THAT(outcome.output, HasSubstr(",1,0.0,0.0,tentative\n"));
     EXPECT_THAT(outcome.output, HasSubstr(",confirmed\n"));
     EXPECT_THAT(test::contentOf(path("tracks.csv")),
@@ -288,6 +289,38 @@ TEST_F(Program, RefusesTrackOptionsThatContradict) {
     EXPECT_EQ(run("cluster x --track --max-distance -1").status, 2);
     EXPECT_EQ(run("cluster x --track --max-size-change inf").status, 2);
     EXPECT_THAT(run("cluster x --format mot").errors, HasSubstr("needs --track"));
+}
+
+TEST_F(Program, RefusesOptionsThatTheMethodDoesNotUse) {
+    EXPECT_THAT(run("cluster x --eps 3").errors,
+                HasSubstr("--eps: is not used with --method grid"));
+    EXPECT_EQ(run("cluster x --eps 3").status, 2);
+    EXPECT_EQ(run("cluster x --method density --cell-width 3").status, 2);
+    EXPECT_EQ(run("cluster x --method density --us-per-pixel 3").status, 2);
+    EXPECT_EQ(run("cluster x --min-cluster-size 30 --max-cluster-size 20").status, 2);
+}
+
+TEST_F(Program, RefusesTwoOutputsInOneFileAndPicturesOfOtherFormats) {
+    EXPECT_EQ(run("cluster x --method density -o a --points ./a").status, 2);
+    EXPECT_EQ(run("cluster x --overview a.jpg").status, 2);
+    EXPECT_EQ(run("cluster x --plot3d a").status, 2);
+}
+
+TEST_F(Program, SuggestsTheWordThatWasMeant) {
+    EXPECT_EQ(run("clutser x").errors,
+              "kelvora: 'clutser' is not a command; did you mean cluster?\n");
+    EXPECT_EQ(run("--versoin").errors,
+              "kelvora: '--versoin' is not an option; did you mean --version?\n");
+    EXPECT_EQ(run("cluster x --widnow 10ms").errors,
+              "kelvora: '--widnow' is not an option; did you mean --window?\n");
+    EXPECT_THAT(run("cluster x --method dbscan").errors, HasSubstr("; did you mean density?"));
+    EXPECT_EQ(run("clutser x").status, 2);
+}
+
+TEST_F(Program, RemarksOnARangeBehindTheEnd) {
+    const Outcome outcome = run("cluster --from 5s " + simulate("scene.raw"));
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr("the recording ends before the wanted range"));
 }
 
 TEST_F(Program, TellsWhatIsInARecording) {

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include "results/pictures.hpp"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "drawing/caption.hpp"
+#include "drawing/png_file.hpp"
+#include "drawing/space_time_plot.hpp"
+#include "sessions/cluster_rows.hpp"
+
+namespace kelvora::tool {
+
+namespace {
+
+constexpr std::size_t kLongestTrail = 100;  // windows
+
+/// The number that selects the colour of each event: its track if objects are tracked, so that
+/// events and boxes match, otherwise its cluster.
+std::vector<int> colourLabels(const WindowClusters& found) {
+    if (found.tracks.empty()) {
+        return found.labels;
+    }
+    std::vector<int> track_of_cluster(found.clusters.size(), kNoCluster);
+    for (const ClusterTracker::Track& track : found.tracks) {
+        if (track.cluster >= 0 && isFollowed(track)) {
+            track_of_cluster[static_cast<std::size_t>(track.cluster)] = track.id;
+        }
+    }
+    std::vector<int> labels = found.labels;
+    for (int& label : labels) {
+        label =
+            label == kNoCluster ? kNoCluster : track_of_cluster[static_cast<std::size_t>(label)];
+    }
+    return labels;
+}
+
+}  // namespace
+
+Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_)
+    : options(std::move(options_)), sensor(sensor_.width, sensor_.height) {
+    if (!options.frames_dir.empty()) {
+        std::filesystem::create_directories(options.frames_dir);
+        frames.emplace(sensor);
+    }
+    if (!options.overview.empty()) {
+        sheet.emplace(sensor);
+    }
+}
+
+void Pictures::add(const recording::Window& window, const WindowClusters& found) {
+    if (!options.isWanted()) {
+        return;
+    }
+    const std::uint64_t origin = first_start.value_or(window.start_time);
+    first_start = origin;
+    const std::vector<int> labels = colourLabels(found);
+    const drawing::EventSpan events(window.first, window.size(),
+                                    labels.empty() ? nullptr : labels.data());
+    const std::string caption = drawing::windowCaption(
+        window.start_time - origin, window.end_time - origin, found.clusters.size());
+    const drawing::Overlay overlay = makeOverlay(found);
+    if (frames) {
+        const std::string name = fmt::format("frame_{:06}.png", ++frame_number);
+        drawing::writePng(options.frames_dir / name, frames->render(events, overlay, caption));
+    }
+    if (sheet) {
+        sheet->add(events, overlay, caption);
+    }
+    if (!options.plot3d.empty()) {
+        keepIfBusiest(window, labels, caption);
+    }
+}
+
+/// Draws clusters of confirmed tracks as tracks, and removes the trails of ended tracks.
+drawing::Overlay Pictures::makeOverlay(const WindowClusters& found) {
+    drawing::Overlay overlay;
+    for (const ClusterCentroid& centroid : found.centroids) {
+        overlay.centroids.emplace_back(static_cast<float>(centroid.x),
+                                       static_cast<float>(centroid.y));
+    }
+    std::vector<bool> is_marked(found.clusters.size());
+    std::map<int, std::vector<cv::Point2f>> live_trails;
+    for (const ClusterTracker::Track& track : found.tracks) {
+        std::vector<cv::Point2f>& trail = live_trails[track.id] = std::move(trails[track.id]);
+        trail.emplace_back(track.box.getCenter());
+        if (trail.size() > kLongestTrail) {
+            trail.erase(trail.begin());
+        }
+        if (isFollowed(track)) {
+            overlay.tracks.push_back({track.id, track.box, trail});
+        }
+        if (isFollowed(track) && track.cluster >= 0) {
+            is_marked[static_cast<std::size_t>(track.cluster)] = true;
+        }
+    }
+    trails = std::move(live_trails);
+    for (std::size_t i = 0; i < found.clusters.size(); ++i) {
+        if (!is_marked[i]) {
+            overlay.clusters.push_back(found.clusters[i]);
+        }
+    }
+    return overlay;
+}
+
+void Pictures::keepIfBusiest(const recording::Window& window, const std::vector<int>& labels,
+                             const std::string& caption) {
+    if (window.size() > busiest.events.size()) {
+        busiest.start_time = window.start_time;
+        busiest.end_time = window.end_time;
+        busiest.events.assign(window.begin(), window.end());
+        busiest.labels = labels;
+        busiest.caption = caption;
+    }
+}
+
+void Pictures::finish() const {
+    if (sheet) {
+        const cv::Mat picture = sheet->compose();
+        if (!picture.empty()) {
+            drawing::writePng(options.overview, picture);
+        }
+    }
+    if (!busiest.events.empty()) {
+        const drawing::EventSpan events(busiest.events.data(), busiest.events.size(),
+                                        busiest.labels.empty() ? nullptr : busiest.labels.data());
+        drawing::writePng(options.plot3d,
+                          drawing::plotSpaceTime(events, sensor, busiest.start_time,
+                                                 busiest.end_time, busiest.caption));
+    }
+}
+
+}  // namespace kelvora::tool

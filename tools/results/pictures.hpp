@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "drawing/contact_sheet.hpp"
+#include "drawing/frame_renderer.hpp"
+#include "kelvora/recording/sensor_size.hpp"
+#include "recording/window_slicer.hpp"
+#include "sessions/clustering_method.hpp"
+
+namespace kelvora::tool {
+
+/// Where pictures are written. An empty path disables the picture.
+struct PictureOptions {
+    std::filesystem::path frames_dir;
+    std::filesystem::path overview;
+    std::filesystem::path plot3d;
+
+    bool isWanted() const { return !frames_dir.empty() || !overview.empty() || !plot3d.empty(); }
+};
+
+/// Draws the windows of a recording with their clusters: one file per window, an overview sheet of
+/// some windows, and a space-time plot of the busiest window.
+class Pictures {
+public:
+    /// Creates the directory for frames if it is missing.
+    /// \throws std::runtime_error  if a file or directory cannot be written. The other functions
+    ///     throw the same.
+    Pictures(PictureOptions options_, recording::SensorSize sensor);
+
+    void add(const recording::Window& window, const WindowClusters& found);
+
+    /// Writes the overview of all windows so far, and the plot of the window with the most events.
+    void finish() const;
+
+private:
+    /// A copy of the window with the most events so far.
+    struct BusiestWindow {
+        std::uint64_t start_time = 0;
+        std::uint64_t end_time = 0;
+        std::vector<Event2D> events;
+        std::vector<int> labels;
+        std::string caption;
+    };
+
+    drawing::Overlay makeOverlay(const WindowClusters& found);
+    void keepIfBusiest(const recording::Window& window, const std::vector<int>& labels,
+                       const std::string& caption);
+
+    PictureOptions options;
+    std::optional<drawing::FrameRenderer> frames;
+    std::optional<drawing::ContactSheet> sheet;
+    cv::Size sensor;
+    BusiestWindow busiest;
+    std::optional<std::uint64_t> first_start;  ///< Captions show times relative to this.
+    std::uint64_t frame_number = 0;
+    std::map<int, std::vector<cv::Point2f>> trails;  ///< One per active track.
+};
+
+}  // namespace kelvora::tool

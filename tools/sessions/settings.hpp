@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <limits>
+#include <optional>
+#include <string>
+
+#include "kelvora/cluster_tracker.hpp"
+#include "sessions/duration.hpp"
+#include "sessions/polarity.hpp"
+
+/// \file
+/// The settings of a session. `parameters.hpp` has their names, units and ranges. Defaults are
+/// written here only.
+
+namespace kelvora::tool {
+
+/// Which events of a recording are clustered, and how they are grouped into windows.
+struct WindowSettings {
+    Duration window{10'000};
+    Duration from;
+    std::optional<Duration> to;  ///< If absent, the end of the recording.
+    Polarity polarity = Polarity::All;
+};
+
+/// Parameters of the grid method. The defaults suit windows of about 10 ms: the edge of a moving
+/// object crosses several pixels of a cell, noise and hot pixels hardly ever do, and cells are
+/// large enough to bridge the gaps where an outline is parallel to its motion.
+struct GridSettings {
+    int cell_width = 5;
+    int cell_height = 5;
+    int max_cluster_size = 10000;
+    int min_cluster_size = 15;
+    bool count_every_event = false;
+    unsigned short activation_threshold = 2;
+};
+
+enum class Precision { Float, Double };
+
+/// Factors that turn pixels and microseconds into the coordinates of points.
+struct EventScales {
+    float x;
+    float y;
+    float time;
+};
+
+/// Which events become points, and how, for the methods that cluster points.
+struct PointSettings {
+    static constexpr auto kUnbounded = std::numeric_limits<unsigned long long>::max();
+
+    int dim = 2;
+    float scale_x = 1.0F;
+    float scale_y = 1.0F;
+    std::optional<float> scale_time;  ///< Instead of `us_per_pixel`.
+    double us_per_pixel = 1000.0;
+    unsigned long long capacity = kUnbounded;
+    std::optional<Duration> time_length;
+    Precision precision = Precision::Float;
+    bool keep_zero_boxes = false;
+
+    EventScales scales() const {
+        return {scale_x, scale_y, scale_time.value_or(static_cast<float>(1.0 / us_per_pixel))};
+    }
+
+    /// Window of the event counter, microseconds.
+    unsigned long long timeLength() const {
+        return time_length ? time_length->microseconds : kUnbounded;
+    }
+};
+
+/// The longest window in three dimensions. Times within it are 32-bit microseconds.
+constexpr Duration kLongestWindowIn3d{1'800'000'000};
+
+/// Parameters of the density method. The defaults suit windows of about 10 ms: the radius bridges
+/// gaps in outlines, and noise and hot pixels stay below the number of events.
+struct DensitySettings {
+    double eps = 10.0;
+    int min_pts = 10;
+    int jobs = 1;
+};
+
+/// Parameters of the centroid method.
+struct CentroidSettings {
+    unsigned long long clusters = 0;  ///< No default: it depends on the scene.
+    unsigned long long max_iter = 50;
+    double tol = 1.0;
+};
+
+/// How to track objects from window to window.
+struct TrackSettings {
+    bool is_wanted = false;
+    float max_distance = ClusterTracker::kDefaultMaxDistance;
+    float max_size_change = ClusterTracker::kDefaultMaxSizeChange;
+    int max_missed = ClusterTracker::kDefaultMaxMissed;
+    int min_hits = ClusterTracker::kDefaultMinHits;
+
+    ClusterTracker makeTracker() const {
+        return ClusterTracker(max_distance, max_size_change, max_missed, min_hits);
+    }
+};
+
+/// All settings of a session. A method reads its own group only.
+struct Settings {
+    std::string method = "grid";
+    WindowSettings windows;
+    GridSettings grid;
+    PointSettings point;
+    DensitySettings density;
+    CentroidSettings centroid;
+    TrackSettings track;
+};
+
+}  // namespace kelvora::tool

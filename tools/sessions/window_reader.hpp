@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "kelvora/events.hpp"
+#include "kelvora/recording/event_reader.hpp"
+#include "kelvora/recording/sensor_size.hpp"
+#include "recording/event_cleaner.hpp"
+#include "recording/window_slicer.hpp"
+#include "sessions/polarity.hpp"
+#include "sessions/settings.hpp"
+#include "sessions/time_range.hpp"
+
+namespace kelvora::tool {
+
+/// Reads a recording, cleans its events, and cuts them into windows.
+///
+///     bool has_more = true;
+///     while (has_more) {
+///         has_more = reader.read();
+///         while (reader.slicer().next(window)) { ... }
+///     }
+class WindowReader {
+public:
+    /// \param sensor  Size of the recording's sensor.
+    WindowReader(std::unique_ptr<recording::EventReader> reader_, recording::SensorSize sensor,
+                 const WindowSettings& options);
+
+    /// Passes the next chunk of the recording to the slicer.
+    ///
+    /// \return False at the end of the recording or of the selected range, and at a defect. The
+    ///     last window is then complete.
+    bool read();
+
+    /// Provides the complete windows.
+    recording::WindowSlicer& slicer() { return window_slicer; }
+
+    /// The `RecordingError` that ended reading, if any. The events before it are valid: report it
+    /// after their results.
+    std::exception_ptr defect() const { return reading_defect; }
+
+    /// A remark for the user after the end, or an empty string.
+    std::string remark() const;
+
+    const recording::EventReader& source() const { return *reader; }
+    const recording::EventCleaner& eventCleaner() const { return cleaner; }
+
+private:
+    std::unique_ptr<recording::EventReader> reader;
+    recording::EventCleaner cleaner;
+    TimeRange range;
+    Polarity polarity;
+    recording::WindowSlicer window_slicer;
+    std::vector<Event2D> events;
+    std::exception_ptr reading_defect;
+};
+
+}  // namespace kelvora::tool
