@@ -89,12 +89,13 @@ TEST(ClusterWriter, WithoutClustersWritesTheCsvHeaderOnly) {
 }
 
 TEST(ClusterWriter, AddsTheTracksOfClustersAndThenTheHiddenOnes) {
-    EXPECT_EQ(written(ClusterFormat::Csv, true, {tracked(1)}),
-              "timestamp_us,x,y,width,height,start_time_us,duration_us,events,track_id,vx,vy,state\n"
-              "5000,10,2,3,4,-1,0,25,0,0.0,0.0,none\n"
-              "5000,20.5,2,3,4,-1,0,25,4,12.3,-5.1,confirmed\n"
-              "5000,30,2,3,4,-1,0,25,9,12.3,-5.1,tentative\n"
-              "5000,60.25,2,3,4,-1,0,0,2,12.3,-5.1,hidden\n");
+    EXPECT_EQ(
+        written(ClusterFormat::Csv, true, {tracked(1)}),
+        "timestamp_us,x,y,width,height,start_time_us,duration_us,events,track_id,vx,vy,state\n"
+        "5000,10,2,3,4,-1,0,25,0,0.0,0.0,none\n"
+        "5000,20.5,2,3,4,-1,0,25,4,12.3,-5.1,confirmed\n"
+        "5000,30,2,3,4,-1,0,25,9,12.3,-5.1,tentative\n"
+        "5000,60.25,2,3,4,-1,0,0,2,12.3,-5.1,hidden\n");
 }
 
 TEST(ClusterWriter, AddsTheTracksToJsonObjects) {
@@ -131,8 +132,9 @@ TEST(ClusterWriter, WritesNoTrackColumnsUnlessWanted) {
               "5000,10,2,3,4,-1,0,25\n"
               "5000,20.5,2,3,4,-1,0,25\n"
               "5000,30,2,3,4,-1,0,25\n");
-    EXPECT_EQ(written(ClusterFormat::Csv, true, {}),
-              "timestamp_us,x,y,width,height,start_time_us,duration_us,events,track_id,vx,vy,state\n");
+    EXPECT_EQ(
+        written(ClusterFormat::Csv, true, {}),
+        "timestamp_us,x,y,width,height,start_time_us,duration_us,events,track_id,vx,vy,state\n");
 }
 
 TEST(ClusterWriter, ReportsAFileThatCannotBeWritten) {

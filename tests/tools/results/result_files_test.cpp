@@ -109,7 +109,8 @@ TEST_F(ResultFilesTest, FollowsNothingUnlessWanted) {
     settings.track.is_wanted = false;
     output.format = ClusterFormat::Csv;
     EXPECT_EQ(run({0}),
-              "timestamp_us,x,y,width,height,start_time_us,duration_us,events\n80000,99,49,20,20,-1,0,-1\n");
+              "timestamp_us,x,y,width,height,start_time_us,duration_us,events\n80000,99,49,20,20,-"
+              "1,0,-1\n");
 }
 
 }  // namespace
