@@ -31,7 +31,8 @@ int main() {
         const recording::SensorSize size = reader->sensorSize().value();
         std::cout << reader->format() << ", " << size.width << " x " << size.height << " pixels\n";
 
-        kelvora::GridBasedClusterGenerator generator(size.width, size.height, 10, 10, 5);
+        const kelvora::GridBasedClusterGeneratorOptions options;
+        kelvora::GridBasedClusterGenerator generator(size.width, size.height, options);
         std::vector<kelvora::Event2D> events;
         while (reader->read(events)) {
             generator.processEvents(events.data(), events.size());
