@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kelvora/centroid_based_cluster_generator.hpp"
-#include "sessions/event_labels.hpp"
+#include "sessions/cluster_order.hpp"
 #include "sessions/point_method.hpp"
 
 namespace kelvora::tool {
@@ -37,7 +37,7 @@ public:
             return;
         }
         readCentroids(found.centroids);
-        labelEvents<DIM, T>(generator, window, scales, found.labels);
+        generator.getClusterLabels(found.labels);
         sortByFirstEvent(found);
     }
 

@@ -2,7 +2,7 @@
 #include "sessions/density_method.hpp"
 
 #include "kelvora/density_based_cluster_generator.hpp"
-#include "sessions/event_labels.hpp"
+#include "sessions/cluster_order.hpp"
 #include "sessions/point_method.hpp"
 
 namespace kelvora::tool {
@@ -13,9 +13,9 @@ template <int DIM, typename T>
 class DensityMethod : public ClusteringMethod {
 public:
     DensityMethod(const Settings& settings, recording::SensorSize sensor)
-        : scales(settings.point.scales()),
-          is_ordered(settings.density.jobs == 1),
-          generator(sensor.width, sensor.height, scales.x, scales.y, scales.time, POLARITY_FREE,
+        : is_ordered(settings.density.jobs == 1),
+          generator(sensor.width, sensor.height, settings.point.scales().x,
+                    settings.point.scales().y, settings.point.scales().time, POLARITY_FREE,
                     settings.point.capacity, settings.point.timeLength(), settings.density.eps,
                     settings.density.min_pts, settings.density.jobs) {}
 
@@ -24,7 +24,7 @@ public:
         generator.generateClusters(window.end_time, found.clusters);
         found.time_origin = originOf(window);
         found.centroids.clear();
-        labelEvents<DIM, T>(generator, window, scales, found.labels);
+        generator.getClusterLabels(found.labels);
         // With several jobs, the library does not specify the order of clusters.
         if (!is_ordered) {
             sortByFirstEvent(found);
@@ -32,7 +32,6 @@ public:
     }
 
 private:
-    EventScales scales;
     bool is_ordered;
     DensityBasedClusterGenerator<DIM, T> generator;
 };

@@ -3,18 +3,23 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include "kelvora/recording/sensor_size.hpp"
 #include "recording/window_slicer.hpp"
 #include "sessions/clustering_method.hpp"
-#include "sessions/event_labels.hpp"
 #include "sessions/settings.hpp"
 
 /// \file
 /// Shared parts of the methods that cluster points.
 
 namespace kelvora::tool {
+
+/// Origin of the times of a window's points: its first event.
+inline std::uint64_t originOf(const recording::Window& window) {
+    return window.size() == 0 ? 0 : window.first->timestamp;
+}
 
 /// Feeds the events of a window to a generator. Times are relative to the first event: a float can
 /// represent the microseconds of a window, but not microseconds since 1970.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "sessions/event_labels.hpp"
+#include "sessions/cluster_order.hpp"
 
+#include <cstddef>
 #include <utility>
+#include <vector>
 
 namespace kelvora::tool {
 
