@@ -5,13 +5,16 @@
 #include <optional>
 #include <string>
 
+#include "kelvora/centroid_based_cluster_generator.hpp"
 #include "kelvora/cluster_tracker.hpp"
+#include "kelvora/density_based_cluster_generator.hpp"
+#include "kelvora/grid_based_cluster_generator.hpp"
 #include "sessions/duration.hpp"
 #include "sessions/polarity.hpp"
 
 /// \file
-/// The settings of a session. `parameters.hpp` has their names, units and ranges. Defaults are
-/// written here only.
+/// The settings of a session. `parameters.hpp` has their names, units and ranges. The defaults of
+/// the methods come from the library, other defaults are written here only.
 
 namespace kelvora::tool {
 
@@ -23,16 +26,16 @@ struct WindowSettings {
     Polarity polarity = Polarity::All;
 };
 
-/// Parameters of the grid method. The defaults suit windows of about 10 ms: the edge of a moving
-/// object crosses several pixels of a cell, noise and hot pixels hardly ever do, and cells are
-/// large enough to bridge the gaps where an outline is parallel to its motion.
+/// Parameters of the grid method.
 struct GridSettings {
-    int cell_width = 5;
-    int cell_height = 5;
-    int max_cluster_size = 10000;
-    int min_cluster_size = 15;
-    bool count_every_event = false;
-    unsigned short activation_threshold = 2;
+    using Defaults = GridBasedClusterGeneratorOptions;
+
+    int cell_width = Defaults().cell_width;
+    int cell_height = Defaults().cell_height;
+    int max_cluster_size = Defaults().max_cluster_size;
+    int min_cluster_size = Defaults().min_cluster_size;
+    bool count_every_event = !Defaults().count_pixel_once;
+    unsigned short activation_threshold = Defaults().activation_threshold;
 };
 
 enum class Precision { Float, Double };
@@ -71,19 +74,22 @@ struct PointSettings {
 /// The longest window in three dimensions. Times within it are 32-bit microseconds.
 constexpr Duration kLongestWindowIn3d{1'800'000'000};
 
-/// Parameters of the density method. The defaults suit windows of about 10 ms: the radius bridges
-/// gaps in outlines, and noise and hot pixels stay below the number of events.
+/// Parameters of the density method.
 struct DensitySettings {
-    double eps = 10.0;
-    int min_pts = 10;
-    int jobs = 1;
+    using Defaults = DensityBasedClusterGeneratorOptions;
+
+    double eps = Defaults().eps;
+    int min_pts = Defaults().min_pts;
+    int jobs = Defaults().n_jobs;
 };
 
 /// Parameters of the centroid method.
 struct CentroidSettings {
-    unsigned long long clusters = 0;  ///< No default: it depends on the scene.
-    unsigned long long max_iter = 50;
-    double tol = 1.0;
+    using Defaults = CentroidBasedClusterGeneratorOptions;
+
+    unsigned long long clusters = Defaults().k_clusters;
+    unsigned long long max_iter = Defaults().max_iter;
+    double tol = Defaults().tol;
 };
 
 /// How to track objects from window to window.
