@@ -99,6 +99,8 @@ void bindCentroidClusterer(py::module_& module) {
     type.def(
         "points", [](CentroidClusterer& self) { return clusterPoints(self); }, kPointsDoc);
     type.def(
+        "labels", [](CentroidClusterer& self) { return eventLabels(self); }, kLabelsDoc);
+    type.def(
         "centroids", [](CentroidClusterer& self) { return clusterCentroids(self); }, kCentroidsDoc);
     type.def(
         "sizes", [](CentroidClusterer& self) { return clusterSizes(self); }, kSizesDoc);

@@ -69,6 +69,14 @@ py::list clusterPoints(Clusterer& clusterer) {
     return arrays;
 }
 
+py::array_t<std::int64_t> eventLabels(Clusterer& clusterer) {
+    const std::vector<int> labels = readSession(
+        clusterer, [](const tool::Session& session) { return session.clusters().labels; });
+    py::array_t<std::int64_t> array(static_cast<py::ssize_t>(labels.size()));
+    std::copy(labels.begin(), labels.end(), array.mutable_data());
+    return array;
+}
+
 py::array_t<double> clusterCentroids(Clusterer& clusterer) {
     return toArray(readSession(clusterer, centroidsOf), clusterer.dim());
 }

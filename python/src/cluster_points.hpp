@@ -50,8 +50,23 @@ list of numpy.ndarray
     dimensions, time, in pixels and microseconds.
 )";
 
+inline constexpr const char* kLabelsDoc =
+    R"(labels()
+
+The cluster of each event of the last `generate`.
+
+Returns
+-------
+numpy.ndarray
+    An integer for each event between the last two calls of `generate`, in order of arrival: the
+    row of its cluster, or -1 for noise and for events that were not clustered. Events off the
+    sensor or of another polarity have no label.
+)";
+
 /// The events of all clusters of the last `generate`, as a list of arrays.
 pybind11::list clusterPoints(Clusterer& clusterer);
+
+pybind11::array_t<std::int64_t> eventLabels(Clusterer& clusterer);
 
 pybind11::array_t<double> clusterCentroids(Clusterer& clusterer);
 

@@ -74,6 +74,8 @@ void bindDensityClusterer(py::module_& module) {
     bindClusterer(type);
     type.def(
         "points", [](DensityClusterer& self) { return clusterPoints(self); }, kPointsDoc);
+    type.def(
+        "labels", [](DensityClusterer& self) { return eventLabels(self); }, kLabelsDoc);
 }
 
 }  // namespace kelvora::python

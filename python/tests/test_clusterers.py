@@ -197,6 +197,38 @@ def test_points_are_the_events_of_each_row():
             assert np.array_equal(of_row, np.floor(of_row)), "whole pixels"
 
 
+def test_labels_are_the_rows_of_events_in_order_of_arrival():
+    for clusterer in [
+        kelvora.DensityClusterer(WIDTH, HEIGHT, min_pts=3, eps=3, jobs=2, polarity="on"),
+        kelvora.CentroidClusterer(WIDTH, HEIGHT, 2, dim=3, polarity="on"),
+    ]:
+        events = np.concatenate([square(50, 50, side=30), square(200, 100, side=20, t=2000)])
+        events = events[np.random.default_rng(3).permutation(len(events))]
+        events["t"] = np.arange(len(events))
+        events["p"][::3] = 0
+        assert clusterer.labels().tolist() == []
+        clusterer.process(events[:700])
+        clusterer.process(events[700:])
+        rows, labels, points = clusterer.generate(0), clusterer.labels(), clusterer.points()
+        taken = events[events["p"] == 1]
+        assert len(labels) == len(taken) and labels.max() == len(rows) - 1 == 1
+        for row, of_row in enumerate(points):
+            members = taken[labels == row]
+            assert np.array_equal(of_row[:, 0], members["x"])
+            assert np.array_equal(of_row[:, 1], members["y"])
+        is_first = taken["x"] < 150
+        assert len(set(labels[is_first])) == len(set(labels[~is_first])) == 1
+
+
+def test_labels_of_noise_and_of_events_that_are_not_clustered_are_minus_one():
+    clusterer = kelvora.DensityClusterer(WIDTH, HEIGHT, min_pts=3, eps=3, capacity=4)
+    clusterer.process(x=[9, 9, 9, 9, 90], y=[9, 9, 9, 9, 9], t=[0, 1, 2, 3, 4], p=[1, 1, 1, 1, 1])
+    clusterer.generate(0)
+    assert clusterer.labels().tolist() == [-1, 0, 0, 0, -1]
+    clusterer.generate(0)
+    assert clusterer.labels().tolist() == []
+
+
 def test_several_jobs_report_clusters_in_the_same_order_in_every_run():
     random = np.random.default_rng(1)
     squares = [square(x, y, side=8) for x in range(5, 300, 40) for y in range(5, 220, 40)]
