@@ -1,8 +1,6 @@
 # SPDX-License-Identifier: MIT
 """Exceptions."""
 
-import re
-
 
 class RecordingError(Exception):
     """
@@ -34,8 +32,3 @@ class RecordingError(Exception):
         return ", ".join(
             part for part in (f"{self.file}: {self.problem}", self.place, self.remedy) if part
         )
-
-
-def in_python(text: str) -> str:
-    """Replace the options for reading a recording with keyword arguments."""
-    return re.sub(r"--([a-z][a-z-]*[a-z])", lambda match: match[1].replace("-", "_"), text)
