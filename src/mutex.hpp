@@ -20,7 +20,7 @@ private:
 class KELVORA_SCOPED_CAPABILITY MutexLock {
 public:
     explicit MutexLock(Mutex& mutex) KELVORA_ACQUIRE(mutex) : lock(mutex.mutex) {}
-    ~MutexLock() KELVORA_RELEASE() {}
+    ~MutexLock() KELVORA_RELEASE() {}  // NOLINT(modernize-use-equals-default): for the attribute
 
     MutexLock(const MutexLock&) = delete;
     MutexLock& operator=(const MutexLock&) = delete;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "clusterer.hpp"
 
+#include <utility>
+
 #include "settings.hpp"
 
 namespace kelvora::python {
@@ -16,8 +18,8 @@ std::uint64_t longestSlice(const tool::Settings& settings) {
 
 }  // namespace
 
-Clusterer::Clusterer(const tool::Settings& settings_, recording::SensorSize sensor_)
-    : settings(settings_),
+Clusterer::Clusterer(tool::Settings settings_, recording::SensorSize sensor_)
+    : settings(std::move(settings_)),
       sensor(sensor_),
       intake(sensor, settings.windows.polarity, longestSlice(settings)),
       session(std::make_unique<tool::Session>(settings, sensor)) {}

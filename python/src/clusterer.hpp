@@ -28,7 +28,7 @@ namespace kelvora::python {
 /// the thread that owns it.
 class Clusterer {
 public:
-    Clusterer(const tool::Settings& settings_, recording::SensorSize sensor_);
+    Clusterer(tool::Settings settings_, recording::SensorSize sensor_);
 
     void process(const EventColumns& columns);
 

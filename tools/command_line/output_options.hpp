@@ -9,7 +9,7 @@
 namespace kelvora::tool {
 
 /// Adds an option for each output.
-void declareOptions(CLI::App& command, OutputSettings& output);
+void declareOptions(CLI::App& command, OutputSettings& options);
 
 /// \throws CLI::ValidationError  for an output that the settings do not provide, two outputs with
 ///     the same file name, and names of pictures that do not end in ".png".
