@@ -12,6 +12,7 @@
 
 #include "bindings.hpp"
 #include "sessions/methods.hpp"
+#include "sessions/parameter_error.hpp"
 #include "sessions/suggestion.hpp"
 
 namespace kelvora::python {
@@ -117,6 +118,7 @@ py::dict describeParameter(const Parameter& parameter) {
     row["default"] = parameter.words().empty()
                          ? std::visit(DefaultValue(), parameter.field(settings))
                          : py::cast(parameter.defaultText());
+    row["default_text"] = parameter.defaultText();
     row["description"] = parameter.sentence;
     return row;
 }
@@ -183,7 +185,7 @@ void bindParameters(py::module_& module) {
             return rows;
         },
         "parameters()\n\nThe parameters of all methods: group, name, option of the command-line "
-        "tool, unit, words, default and description.");
+        "tool, unit, words, default, default of the option as text, and description.");
 }
 
 }  // namespace kelvora::python

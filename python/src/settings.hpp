@@ -7,7 +7,7 @@
 #include <string>
 
 #include "kelvora/recording/sensor_size.hpp"
-#include "sessions/parameters.hpp"
+#include "sessions/settings_builder.hpp"
 
 /// \file
 /// Conversion of keyword arguments to settings.

@@ -47,6 +47,12 @@ std::map<std::string, TimedMethod> timedMethods() {
     return timed;
 }
 
+bool isOfOneMethod(const Parameter& parameter) {
+    return parameter.group != Group::Points &&
+           std::any_of(tool::methods().begin(), tool::methods().end(),
+                       [&parameter](const Method& method) { return method.uses(parameter.group); });
+}
+
 bool isIn3d(const std::string& name) {
     return timedMethods().at(name).dim == 3;
 }
@@ -119,7 +125,11 @@ void BenchCommand::declareOptions() {
     }
     command->add_option("--json", json, "File for the figures as JSON; - is standard output")
         ->option_text("FILE");
-    declareParameters(*command, builder, {Group::Grid, Group::Density, Group::Centroid});
+    for (const Parameter& parameter : parameterTable()) {
+        if (isOfOneMethod(parameter)) {
+            declareParameter(*command, builder, parameter);
+        }
+    }
     command->get_option("--clusters")
         ->description("Number of clusters in a window")
         ->option_text("NUMBER [12]");
@@ -131,8 +141,18 @@ void BenchCommand::checkOptions() const {
         throw CLI::ValidationError("--window", "must be at most " + toString(kLongestWindowIn3d) +
                                                    " with methods in three dimensions");
     }
+    for (const Parameter* const parameter : builder.givenParameters()) {
+        const auto uses = [parameter](const std::string& name) {
+            return methodOf(timedMethods().at(name).method).uses(parameter->group);
+        };
+        if (isOfOneMethod(*parameter) && std::none_of(methods.begin(), methods.end(), uses)) {
+            throw CLI::ValidationError(
+                parameter->option,
+                fmt::format("is not used with --methods {}", fmt::join(methods, ",")));
+        }
+    }
     for (const std::string& name : methods) {
-        // Parameters of the other methods may be given, too.
+        // Parameters of the other listed methods may be given, too.
         SettingsBuilder of_method;
         of_method.settings = settingsOf(name);
         checkParameters(of_method);

@@ -9,8 +9,8 @@
 
 #include "command_line/bench_report.hpp"
 #include "command_line/recording_options.hpp"
-#include "sessions/parameters.hpp"
 #include "sessions/session.hpp"
+#include "sessions/settings_builder.hpp"
 
 namespace kelvora::tool {
 

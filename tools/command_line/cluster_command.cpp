@@ -43,9 +43,7 @@ ClusterCommand::ClusterCommand(CLI::App& program)
     : command(
           program.add_subcommand("cluster", "Find the clusters of a recording, window by window")) {
     declareOptions(*command, recording);
-    declareParameters(*command, builder,
-                      {Group::General, Group::Grid, Group::Points, Group::Density, Group::Centroid,
-                       Group::Tracking});
+    declareParameters(*command, builder);
     declareOptions(*command, output);
     command->add_flag("-q,--quiet", is_quiet, "Print no summary and no progress")->group("Output");
     command->parse_complete_callback([this] {

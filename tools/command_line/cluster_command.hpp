@@ -5,7 +5,7 @@
 
 #include "command_line/recording_options.hpp"
 #include "results/result_files.hpp"
-#include "sessions/parameters.hpp"
+#include "sessions/settings_builder.hpp"
 
 namespace kelvora::tool {
 

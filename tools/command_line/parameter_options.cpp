@@ -4,8 +4,10 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <string>
+#include <vector>
+
+#include "sessions/parameter_error.hpp"
 
 namespace kelvora::tool {
 
@@ -55,12 +57,9 @@ void declareParameter(CLI::App& command, SettingsBuilder& builder, const Paramet
     }
 }
 
-void declareParameters(CLI::App& command, SettingsBuilder& builder,
-                       const std::vector<Group>& groups) {
+void declareParameters(CLI::App& command, SettingsBuilder& builder) {
     for (const Parameter& parameter : parameterTable()) {
-        if (std::find(groups.begin(), groups.end(), parameter.group) != groups.end()) {
-            declareParameter(command, builder, parameter);
-        }
+        declareParameter(command, builder, parameter);
     }
 }
 

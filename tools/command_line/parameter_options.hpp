@@ -2,17 +2,16 @@
 #pragma once
 
 #include <CLI/App.hpp>
-#include <vector>
 
 #include "sessions/parameters.hpp"
+#include "sessions/settings_builder.hpp"
 
 namespace kelvora::tool {
 
-/// Adds an option for each parameter of some groups.
+/// Adds an option for each parameter.
 ///
 /// \param builder  Gets the values. Must outlive the command.
-void declareParameters(CLI::App& command, SettingsBuilder& builder,
-                       const std::vector<Group>& groups);
+void declareParameters(CLI::App& command, SettingsBuilder& builder);
 
 /// Adds an option for one parameter.
 void declareParameter(CLI::App& command, SettingsBuilder& builder, const Parameter& parameter);

@@ -5,18 +5,14 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <stdexcept>
-#include <type_traits>
 
 #include "sessions/methods.hpp"
-#include "sessions/suggestion.hpp"
+#include "sessions/parameter_error.hpp"
 
 namespace kelvora::tool {
 
 namespace {
-
-using Kind = ParameterError::Kind;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr Range kAny{};
@@ -152,108 +148,10 @@ const std::vector<Parameter> kTable = {
 };
 // clang-format on
 
-template <typename T>
-constexpr bool isNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, bool>;
-
-const Parameter& get(std::string_view keyword) {
-    return *findParameter(keyword);
-}
-
-bool isInside(double number, const Range& range) {
-    return std::isfinite(number) && number <= range.largest &&
-           (range.is_open ? number > range.smallest : number >= range.smallest);
-}
-
-/// The number that a value states, if the type of the setting can hold it.
-template <typename T>
-std::optional<T> numberFrom(const Value& value, const Range& range) {
-    double number = std::numeric_limits<double>::quiet_NaN();
-    if (const auto* whole = std::get_if<std::int64_t>(&value)) {
-        number = static_cast<double>(*whole);
-    } else if (const auto* real = std::get_if<double>(&value)) {
-        number = *real;
-    }
-    const bool is_whole = number == std::floor(number);
-    if (std::is_integral_v<T> &&
-        (!is_whole || !(number <= static_cast<double>(std::numeric_limits<T>::max())) ||
-         number < static_cast<double>(std::numeric_limits<T>::min()))) {
-        return std::nullopt;
-    }
-    if (!isInside(number, range) || !isInside(static_cast<double>(static_cast<T>(number)), range)) {
-        return std::nullopt;
-    }
-    return static_cast<T>(number);
-}
-
-std::string textOf(const Value& value) {
-    return std::visit([](const auto& one) { return fmt::format("{}", one); }, value);
-}
-
-/// Stores a value in a setting.
-class Assignment {
-public:
-    Assignment(const Parameter& parameter_, const Value& value_)
-        : parameter(parameter_), value(value_) {}
-
-    template <typename T>
-    std::enable_if_t<isNumber<T>> operator()(T* field) const {
-        const auto number = numberFrom<T>(value, parameter.range);
-        if (!number) {
-            refuse(Kind::Number);
-        }
-        *field = *number;
-    }
-
-    template <typename T>
-    void operator()(std::optional<T>* field) const {
-        T inner{};
-        (*this)(&inner);
-        *field = inner;
-    }
-
-    void operator()(bool* field) const {
-        if (!std::holds_alternative<bool>(value)) {
-            refuse(Kind::Number);
-        }
-        *field = std::get<bool>(value);
-    }
-
-    void operator()(Duration* field) const {
-        const auto* const microseconds = std::get_if<std::int64_t>(&value);
-        if (microseconds == nullptr || *microseconds < 0 ||
-            static_cast<std::uint64_t>(*microseconds) > Duration::kLongest) {
-            refuse(Kind::Number);
-        }
-        field->microseconds = static_cast<std::uint64_t>(*microseconds);
-    }
-
-    void operator()(Polarity* field) const { *field = static_cast<Polarity>(word()); }
-    void operator()(Precision* field) const { *field = static_cast<Precision>(word()); }
-    void operator()(std::string* field) const { *field = parameter.words()[word()]; }
-
-private:
-    [[noreturn]] void refuse(Kind kind) const {
-        throw ParameterError{kind, &parameter, textOf(value)};
-    }
-
-    /// Index of the value among the accepted words.
-    std::size_t word() const {
-        const std::vector<std::string> words = parameter.words();
-        const auto found = std::find(words.begin(), words.end(), textOf(value));
-        if (found == words.end()) {
-            refuse(Kind::Word);
-        }
-        return static_cast<std::size_t>(found - words.begin());
-    }
-
-    const Parameter& parameter;
-    const Value& value;
-};
-
 /// The default of a setting as text.
 struct DefaultText {
     template <typename T>
-    std::enable_if_t<isNumber<T>, std::string> operator()(const T* field) const {
+    std::string operator()(const T* field) const {
         return fmt::format("{}", *field);
     }
 
@@ -279,41 +177,6 @@ struct DefaultText {
     }
     std::string operator()(const std::string* field) const { return *field; }
 };
-
-/// A value of the type of the parameter's setting. Only its type matters.
-template <typename... Types>
-bool holds(const Parameter& parameter) {
-    Settings settings;
-    const Field field = parameter.field(settings);
-    return (std::holds_alternative<Types>(field) || ...);
-}
-
-std::string ruleOf(const Parameter& parameter) {
-    if (parameter.isFlag()) {
-        return "true or false";
-    }
-    if (parameter.isDuration()) {
-        return fmt::format("a whole number from 0 to {}", Duration::kLongest);
-    }
-    const bool is_real = holds<float*, double*, std::optional<float>*>(parameter);
-    const std::string kind = is_real ? "a number" : "a whole number";
-    const Range& range = parameter.range;
-    if (range.is_open) {
-        return fmt::format("{} larger than {}", kind, range.smallest);
-    }
-    if (std::isfinite(range.largest)) {
-        return fmt::format("{} from {:.0f} to {:.0f}", kind, range.smallest, range.largest);
-    }
-    return fmt::format("{} of at least {}", kind, range.smallest);
-}
-
-std::string wrongWord(const ParameterError& error) {
-    const std::vector<std::string> words = error.parameter->words();
-    const bool is_method = holds<std::string*>(*error.parameter);
-    return fmt::format(
-        "must be one of '{}', not '{}'{}", fmt::join(words, "', '"), error.value,
-        is_method ? suggestedMethod(error.value) : suggestionFor(error.value, words));
-}
 
 }  // namespace
 
@@ -347,21 +210,13 @@ std::string Parameter::defaultText() const {
 }
 
 std::vector<std::string> Parameter::words() const {
-    if (holds<std::string*>(*this)) {
+    if (holds<std::string>()) {
         return methodNames();
     }
-    if (holds<Polarity*>(*this)) {
+    if (holds<Polarity>()) {
         return kPolarities;
     }
-    return holds<Precision*>(*this) ? kPrecisions : std::vector<std::string>();
-}
-
-bool Parameter::isFlag() const {
-    return holds<bool*>(*this);
-}
-
-bool Parameter::isDuration() const {
-    return holds<Duration*, std::optional<Duration>*>(*this);
+    return holds<Precision>() ? kPrecisions : std::vector<std::string>();
 }
 
 Value Parameter::parse(const std::string& text) const {
@@ -369,7 +224,7 @@ Value Parameter::parse(const std::string& text) const {
         try {
             return static_cast<std::int64_t>(durationFromString(text).microseconds);
         } catch (const std::invalid_argument& error) {
-            throw ParameterError{Kind::Text, this, error.what()};
+            throw ParameterError{ParameterError::Kind::Text, this, error.what()};
         }
     }
     const char* const end = text.data() + text.size();
@@ -393,114 +248,6 @@ const Parameter* findParameter(std::string_view keyword) {
         return row.keyword == keyword;
     });
     return found == kTable.end() ? nullptr : &*found;
-}
-
-std::string describe(const ParameterError& error, const Wording& wording) {
-    const auto other = [&] { return wording.name(*error.other); };
-    const auto with = [&] { return wording.setting(*error.other, error.value); };
-    switch (error.kind) {
-        case Kind::Text:
-            return error.value;
-        case Kind::Number:
-            return fmt::format("must be {}, not '{}'", ruleOf(*error.parameter), error.value);
-        case Kind::Word:
-            return wrongWord(error);
-        case Kind::Required:
-            return "is required with " + with();
-        case Kind::NotUsed:
-            return "is not used with " + with();
-        case Kind::Needs:
-            return "needs " + with();
-        case Kind::OnlyWith:
-            return error.own + " needs " + with();
-        case Kind::Excludes:
-            return "excludes " + other();
-        case Kind::After:
-            return "must be later than " + other();
-        case Kind::AtMost:
-            return "must be at most " + other();
-        case Kind::TooLong:
-            return fmt::format("must be at most {} with {}", error.own, with());
-        case Kind::IsZero:
-            return "must be longer than 0";
-    }
-    return {};
-}
-
-void SettingsBuilder::set(const Parameter& parameter, const Value& value) {
-    std::visit(Assignment(parameter, value), parameter.field(settings));
-    if (value != Value(false)) {
-        given.insert(&parameter);
-    }
-}
-
-bool SettingsBuilder::isGiven(std::string_view keyword) const {
-    return given.count(findParameter(keyword)) > 0;
-}
-
-void SettingsBuilder::check() const {
-    checkMethod();
-    checkWindows();
-    if (methodOf(settings.method).uses(Group::Points)) {
-        checkPoints();
-    }
-    checkTracking();
-}
-
-void SettingsBuilder::checkMethod() const {
-    const Method& method = methodOf(settings.method);
-    for (const Parameter* parameter : given) {
-        const Group group = parameter->group;
-        if (group != Group::General && group != Group::Tracking && !method.uses(group)) {
-            throw ParameterError{Kind::NotUsed, parameter, settings.method, &get("method")};
-        }
-    }
-    if (method.uses(Group::Centroid) && settings.centroid.clusters == 0) {
-        throw ParameterError{Kind::Required, &get("k"), settings.method, &get("method")};
-    }
-    if (!method.uses(Group::Grid) && settings.windows.polarity == Polarity::Separate) {
-        throw ParameterError{Kind::OnlyWith, &get("polarity"), "grid", &get("method"), "separate"};
-    }
-    if (settings.grid.min_cluster_size > settings.grid.max_cluster_size) {
-        throw ParameterError{Kind::AtMost, &get("min_cluster_size"), "", &get("max_cluster_size")};
-    }
-}
-
-void SettingsBuilder::checkWindows() const {
-    const WindowSettings& windows = settings.windows;
-    if (windows.window.microseconds == 0) {
-        throw ParameterError{Kind::IsZero, &get("window_us")};
-    }
-    if (windows.to && windows.to->microseconds <= windows.from.microseconds) {
-        throw ParameterError{Kind::After, &get("to_us"), "", &get("from_us")};
-    }
-}
-
-void SettingsBuilder::checkPoints() const {
-    const PointSettings& point = settings.point;
-    if (point.time_length && point.time_length->microseconds == 0) {
-        throw ParameterError{Kind::IsZero, &get("time_length_us")};
-    }
-    if (isGiven("scale_time") && isGiven("us_per_pixel")) {
-        throw ParameterError{Kind::Excludes, &get("scale_time"), "", &get("us_per_pixel")};
-    }
-    if (point.dim == 3 && settings.windows.window.microseconds > kLongestWindowIn3d.microseconds) {
-        throw ParameterError{Kind::TooLong, &get("window_us"), "3", &get("dim"),
-                             toString(kLongestWindowIn3d)};
-    }
-    for (const char* const keyword : {"us_per_pixel", "scale_time"}) {
-        if (point.dim == 2 && isGiven(keyword)) {
-            throw ParameterError{Kind::Needs, &get(keyword), "3", &get("dim")};
-        }
-    }
-}
-
-void SettingsBuilder::checkTracking() const {
-    for (const Parameter* parameter : given) {
-        if (parameter->group == Group::Tracking && !settings.track.is_wanted) {
-            throw ParameterError{Kind::Needs, parameter, "", &get("tracking")};
-        }
-    }
 }
 
 }  // namespace kelvora::tool

@@ -166,6 +166,17 @@ TEST_F(BenchCommandTest, NeedsTheSizeOfTheSensor) {
     EXPECT_THAT(message(), HasSubstr("--sensor"));
 }
 
+TEST_F(BenchCommandTest, RefusesOptionsOfMethodsThatAreNotListed) {
+    const std::string command = recording() + " --sensor 100x80 --methods ";
+    try {
+        run(command + "grid,centroid2d --eps 3");
+        FAIL();
+    } catch (const CLI::ParseError& refusal) {
+        EXPECT_STREQ(refusal.what(), "--eps: is not used with --methods grid,centroid2d");
+    }
+    EXPECT_THAT(run(command + "grid,density2d --eps 3"), HasSubstr("density2d"));
+}
+
 TEST_F(BenchCommandTest, RefusesOptionsThatMakeNoSense) {
     const std::string start = recording() + " --sensor 100x80 ";
     EXPECT_THROW(run(start + "--window 0ms"), CLI::ValidationError);

@@ -12,11 +12,7 @@ namespace {
 
 class ParameterOptions : public testing::Test {
 protected:
-    ParameterOptions() {
-        declareParameters(command, builder,
-                          {Group::General, Group::Grid, Group::Points, Group::Density,
-                           Group::Centroid, Group::Tracking});
-    }
+    ParameterOptions() { declareParameters(command, builder); }
 
     std::string errorOf(const std::string& arguments) {
         try {
