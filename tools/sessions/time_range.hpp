@@ -26,6 +26,9 @@ public:
     /// Whether all events so far lie before the range.
     bool isAhead() const { return origin && last_time < *origin + from.microseconds; }
 
+    /// Whether the range has an end that no event so far has reached.
+    bool isOpen() const { return origin && to && !is_over; }
+
 private:
     Duration from;
     std::optional<Duration> to;

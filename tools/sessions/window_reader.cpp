@@ -32,7 +32,10 @@ bool WindowReader::read() {
 }
 
 std::string WindowReader::remark() const {
-    return range.isAhead() ? "the recording ends before the wanted range" : "";
+    if (range.isAhead()) {
+        return "the recording ends before the wanted range";
+    }
+    return range.isOpen() && !reading_defect ? "the recording ends within the wanted range" : "";
 }
 
 }  // namespace kelvora::tool

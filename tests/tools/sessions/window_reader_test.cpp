@@ -79,6 +79,24 @@ TEST_F(WindowReaderTest, RemarksOnARangeBehindTheLastEvent) {
     EXPECT_EQ(inside.remark(), "");
 }
 
+TEST_F(WindowReaderTest, RemarksOnARangeThatEndsBehindTheLastEvent) {
+    options.to = Duration{30'001};
+    WindowReader reader = readerOf(kEvents);
+    EXPECT_EQ(windowsOf(reader).size(), 3U);
+    EXPECT_EQ(reader.remark(), "the recording ends within the wanted range");
+    options.to = Duration{30'000};
+    WindowReader complete = readerOf(kEvents);
+    EXPECT_EQ(windowsOf(complete).size(), 2U);
+    EXPECT_EQ(complete.remark(), "");
+}
+
+TEST_F(WindowReaderTest, DoesNotRemarkOnTheRangeAfterADefect) {
+    options.to = Duration{50'000};
+    WindowReader reader = readerOf("5000 1 0 1\n16000 x\n");
+    EXPECT_EQ(windowsOf(reader).size(), 1U);
+    EXPECT_EQ(reader.remark(), "");
+}
+
 TEST_F(WindowReaderTest, KeepsTheWantedPolarity) {
     options.polarity = Polarity::Off;
     EXPECT_EQ(windowsOf(kEvents), (std::vector<Window>{{0, {2}}, {30'000, {5}}}));
