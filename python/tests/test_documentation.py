@@ -3,6 +3,7 @@
 
 import contextlib
 import io
+import runpy
 import sys
 
 import pytest
@@ -42,6 +43,11 @@ def test_snippets_run(page, beside_a_recording):
         ]
         if claims:
             assert output.getvalue().splitlines() == claims, snippet.place
+
+
+def test_the_page_of_parameters_is_printed_from_their_table():
+    make_parameters = runpy.run_path(str(ROOT / "docs/make_parameters"))
+    assert (ROOT / "docs/parameters.md").read_text() == make_parameters["page"]()
 
 
 def test_readme_and_the_page_on_python_have_snippets():
