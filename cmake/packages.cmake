@@ -5,7 +5,9 @@
 # The description of the binary interface comes from debug information, which the packages leave out. Paths in it begin
 # at the root of the repository, so that the location of the checkout does not matter.
 target_compile_options(kelvora PRIVATE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
-target_compile_options(kelvora_recording_objects PRIVATE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+foreach(target IN ITEMS kelvora_recording_files kelvora_recording_objects)
+    target_compile_options(${target} PRIVATE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+endforeach()
 
 set(CPACK_PACKAGE_CONTACT "The Kelvora authors <kelvora@example.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own

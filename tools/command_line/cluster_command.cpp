@@ -71,6 +71,7 @@ int ClusterCommand::run() const {
         progress.update(reader.source().bytesRead(), reader.source().fileSize());
     }
     files.finish();
+    files.close();
     progress.clear();
 
     if (!is_quiet) {

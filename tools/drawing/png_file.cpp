@@ -5,21 +5,16 @@
 #include <png.h>
 
 #include <cerrno>
-#include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 
+#include "recording/output_file.hpp"
+
 namespace kelvora::drawing {
 
 namespace {
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
 
 struct PngCleaner {
     void operator()(png_image* image) const { png_image_free(image); }
@@ -37,40 +32,6 @@ std::string failureReason(int error, const png_image& image) {
     return error != 0 ? std::generic_category().message(error) : std::string{image.message};
 }
 
-// Never remove devices and pipes.
-void removeRegularFile(const std::filesystem::path& path) {
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored)) {
-        std::filesystem::remove(path, ignored);
-    }
-}
-
-// Returns the reason for a failure; empty on success.
-std::string tryToWrite(const std::filesystem::path& path, const cv::Mat& picture) {
-    png_image image = emptyImage();
-    image.width = static_cast<png_uint_32>(picture.cols);
-    image.height = static_cast<png_uint_32>(picture.rows);
-    image.format = PNG_FORMAT_BGR;
-    const auto row_stride = static_cast<png_int_32>(picture.step[0]);
-
-    errno = 0;
-    File file{std::fopen(path.c_str(), "wb")};
-    if (!file) {
-        return failureReason(errno, image);
-    }
-    const PngCleanup cleanup{&image};
-    const bool written =
-        png_image_write_to_stdio(&image, file.get(), 0, picture.data, row_stride, nullptr) != 0;
-    // A full disk is often only detected when the last bytes are flushed.
-    const bool closed = std::fclose(file.release()) == 0;
-    if (written && closed) {
-        return "";
-    }
-    std::string reason = failureReason(errno, image);
-    removeRegularFile(path);
-    return reason;
-}
-
 [[noreturn]] void failToRead(const std::filesystem::path& path, int error, const png_image& image) {
     throw std::runtime_error(fmt::format("{}: cannot read the picture ({}), choose a PNG file",
                                          path.string(), failureReason(error, image)));
@@ -78,17 +39,31 @@ std::string tryToWrite(const std::filesystem::path& path, const cv::Mat& picture
 
 }  // namespace
 
-void writePng(const std::filesystem::path& file, const cv::Mat& picture) {
+std::string encodePng(const cv::Mat& picture) {
     if (picture.empty() || picture.type() != CV_8UC3) {
         throw std::invalid_argument("a picture is a matrix of type CV_8UC3 that is not empty");
     }
-    const std::string reason = tryToWrite(file, picture);
-    if (!reason.empty()) {
-        throw std::runtime_error(fmt::format(
-            "{}: cannot write the picture ({}), choose a file in a directory that is writable and "
-            "has space left",
-            file.string(), reason));
+    png_image image = emptyImage();
+    image.width = static_cast<png_uint_32>(picture.cols);
+    image.height = static_cast<png_uint_32>(picture.rows);
+    image.format = PNG_FORMAT_BGR;
+    const PngCleanup cleanup{&image};
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    std::string bytes(size, '\0');
+    if (png_image_write_to_memory(&image, bytes.data(), &size, 0, picture.data,
+                                  static_cast<png_int_32>(picture.step[0]), nullptr) == 0) {
+        throw std::runtime_error(fmt::format("a picture cannot be encoded ({})", image.message));
     }
+    bytes.resize(size);
+    return bytes;
+}
+
+void writePng(const std::filesystem::path& path, const cv::Mat& picture,
+              const recording::WriteOptions& options) {
+    const std::string bytes = encodePng(picture);
+    recording::OutputFile file(path, options);
+    file.write(bytes);
+    file.close();
 }
 
 cv::Mat readPng(const std::filesystem::path& file) {

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -16,7 +17,7 @@ namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{256} * 1024;
 
-// Looks the format up before anything is created: a wrong name must not empty a file.
+// Looks the format up before anything is created.
 const Format& requireWritable(std::string_view name) {
     const Format* const format = findFormat(name);
     if (format == nullptr || !format->makeEncoder) {
@@ -28,16 +29,19 @@ const Format& requireWritable(std::string_view name) {
 class FileEventWriter : public EventWriter {
 public:
     FileEventWriter(const std::filesystem::path& path, const Format& format,
-                    const SensorSize& sensor_size)
-        : file(path), encoder(format.makeEncoder(file.name(), sensor_size)) {
+                    const SensorSize& sensor_size, const WriteOptions& options)
+        : file(path, options), encoder(format.makeEncoder(file.name(), sensor_size)) {
         encoder->encodeHeader(buffer);
     }
 
     ~FileEventWriter() override {
         try {
-            FileEventWriter::close();
-        } catch (const RecordingError&) {
-            // Callers that need to know about errors call close().
+            if (has_events) {
+                flush();
+            }
+        } catch (...) {
+            // The file remains incomplete in any case.
+            static_cast<void>(std::current_exception());
         }
     }
 
@@ -48,6 +52,7 @@ public:
         for (const Event2D& event : events) {
             checkPolarity(event);
         }
+        has_events = has_events || !events.empty();
         encoder->encode(events, buffer);
         if (buffer.size() >= kBufferBytes) {
             flush();
@@ -79,6 +84,7 @@ private:
     OutputFile file;
     std::unique_ptr<EventEncoder> encoder;
     std::string buffer;
+    bool has_events = false;  ///< A header alone is not worth keeping.
 };
 
 }  // namespace
@@ -86,9 +92,9 @@ private:
 EventWriter::~EventWriter() = default;
 
 std::unique_ptr<EventWriter> createRecording(const std::filesystem::path& path,
-                                             std::string_view format,
-                                             const SensorSize& sensor_size) {
-    return std::make_unique<FileEventWriter>(path, requireWritable(format), sensor_size);
+                                             std::string_view format, const SensorSize& sensor_size,
+                                             const WriteOptions& options) {
+    return std::make_unique<FileEventWriter>(path, requireWritable(format), sensor_size, options);
 }
 
 }  // namespace kelvora::recording

@@ -21,8 +21,10 @@ std::int64_t centroidTime(const ClusterCentroid& centroid, std::uint64_t time_or
 
 }  // namespace
 
-CentroidWriter::CentroidWriter(const std::filesystem::path& path) : file(path) {
-    file.write("timestamp_us,cluster,x,y,time_us,size\n");
+CentroidWriter::CentroidWriter(const std::filesystem::path& path,
+                               const recording::WriteOptions& options)
+    : file(path, options) {
+    file.writeHeader("timestamp_us,cluster,x,y,time_us,size\n");
 }
 
 void CentroidWriter::write(std::uint64_t end_time, const WindowClusters& found) {

@@ -14,11 +14,16 @@ namespace kelvora::tool {
 class CentroidWriter {
 public:
     /// \param path  A file, or "-" for standard output.
-    /// \throws recording::RecordingError  if the file cannot be written. `write` throws the same.
-    explicit CentroidWriter(const std::filesystem::path& path);
+    /// \throws recording::RecordingError  if the file cannot be written. The other functions throw
+    ///     the same.
+    explicit CentroidWriter(const std::filesystem::path& path,
+                            const recording::WriteOptions& options = {});
 
     /// \param end_time  End of the window, microseconds.
     void write(std::uint64_t end_time, const WindowClusters& found);
+
+    /// Completes the file.
+    void close() { file.close(); }
 
 private:
     recording::OutputFile file;

@@ -58,10 +58,10 @@ void appendMot(std::string& text, const ClusterRow& row, std::uint64_t frame) {
 }  // namespace
 
 ClusterWriter::ClusterWriter(const std::filesystem::path& path, ClusterFormat format_,
-                             bool with_tracks_)
-    : file(path), format(format_), with_tracks(with_tracks_) {
+                             bool with_tracks_, const recording::WriteOptions& options)
+    : file(path, options), format(format_), with_tracks(with_tracks_) {
     if (format == ClusterFormat::Csv) {
-        file.write(fmt::format("{}{}\n", kCsvHeader, with_tracks ? kCsvTrackHeader : ""));
+        file.writeHeader(fmt::format("{}{}\n", kCsvHeader, with_tracks ? kCsvTrackHeader : ""));
     }
 }
 

@@ -24,11 +24,16 @@ enum class ClusterFormat {
 class ClusterWriter {
 public:
     /// \param path  A file, or "-" for standard output.
-    /// \throws recording::RecordingError  if the file cannot be written. `write` throws the same.
-    ClusterWriter(const std::filesystem::path& path, ClusterFormat format_, bool with_tracks_);
+    /// \throws recording::RecordingError  if the file cannot be written. The other functions throw
+    ///     the same.
+    ClusterWriter(const std::filesystem::path& path, ClusterFormat format_, bool with_tracks_,
+                  const recording::WriteOptions& options = {});
 
     /// Writes the clusters of one window and flushes them to the file.
     void write(const WindowClusters& found);
+
+    /// Completes the file.
+    void close() { file.close(); }
 
 private:
     recording::OutputFile file;

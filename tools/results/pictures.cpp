@@ -3,11 +3,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "drawing/caption.hpp"
 #include "drawing/png_file.hpp"
 #include "drawing/space_time_plot.hpp"
+#include "kelvora/recording/recording_error.hpp"
 #include "sessions/cluster_rows.hpp"
 
 namespace kelvora::tool {
@@ -36,17 +39,54 @@ std::vector<int> colourLabels(const WindowClusters& found) {
     return labels;
 }
 
+std::string frameName(std::uint64_t number) {
+    return fmt::format("frame_{:06}.png", number);
+}
+
+bool holdsFrames(const std::filesystem::path& directory) {
+    const std::filesystem::directory_iterator files(directory);
+    return std::any_of(begin(files), end(files), [](const std::filesystem::directory_entry& file) {
+        return Pictures::isFrame(file.path().filename());
+    });
+}
+
+/// Makes the directory for frames. If nothing may be overwritten, it must hold no frames.
+void makeDirectory(const std::filesystem::path& directory, bool overwrite) {
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    if (error) {
+        throw recording::RecordingError(recording::ErrorKind::NoAccess, directory.string(),
+                                        "cannot be created (" + error.message() + ")", {},
+                                        "check the path and its permissions");
+    }
+    if (!overwrite && holdsFrames(directory)) {
+        throw recording::RecordingError(recording::ErrorKind::NoAccess, directory.string(),
+                                        "has frames already", {}, "choose another directory");
+    }
+}
+
 }  // namespace
 
-Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_)
-    : options(std::move(options_)), sensor(sensor_.width, sensor_.height) {
+Pictures::Pictures(PictureOptions options_, recording::SensorSize sensor_,
+                   recording::WriteOptions write_)
+    : options(std::move(options_)),
+      write(std::move(write_)),
+      sensor(sensor_.width, sensor_.height) {
     if (!options.frames_dir.empty()) {
-        std::filesystem::create_directories(options.frames_dir);
+        makeDirectory(options.frames_dir, write.overwrite);
         frames.emplace(sensor);
     }
     if (!options.overview.empty()) {
+        overview.emplace(options.overview, write);
         sheet.emplace(sensor);
     }
+    if (!options.plot3d.empty()) {
+        plot3d.emplace(options.plot3d, write);
+    }
+}
+
+bool Pictures::isFrame(const std::filesystem::path& name) {
+    return name.string().rfind("frame_", 0) == 0 && name.extension() == ".png";
 }
 
 void Pictures::add(const recording::Window& window, const WindowClusters& found) {
@@ -62,13 +102,13 @@ void Pictures::add(const recording::Window& window, const WindowClusters& found)
         window.start_time - origin, window.end_time - origin, found.clusters.size());
     const drawing::Overlay overlay = makeOverlay(found);
     if (frames) {
-        const std::string name = fmt::format("frame_{:06}.png", ++frame_number);
-        drawing::writePng(options.frames_dir / name, frames->render(events, overlay, caption));
+        drawing::writePng(options.frames_dir / frameName(++frame_number),
+                          frames->render(events, overlay, caption), write);
     }
     if (sheet) {
         sheet->add(events, overlay, caption);
     }
-    if (!options.plot3d.empty()) {
+    if (plot3d) {
         keepIfBusiest(window, labels, caption);
     }
 }
@@ -115,19 +155,32 @@ void Pictures::keepIfBusiest(const recording::Window& window, const std::vector<
     }
 }
 
-void Pictures::finish() const {
+void Pictures::finish() {
     if (sheet) {
         const cv::Mat picture = sheet->compose();
-        if (!picture.empty()) {
-            drawing::writePng(options.overview, picture);
+        if (picture.empty()) {
+            overview.reset();
+        } else {
+            overview->write(drawing::encodePng(picture));
         }
+    }
+    if (plot3d && busiest.events.empty()) {
+        plot3d.reset();
     }
     if (!busiest.events.empty()) {
         const drawing::EventSpan events(busiest.events.data(), busiest.events.size(),
                                         busiest.labels.empty() ? nullptr : busiest.labels.data());
-        drawing::writePng(options.plot3d,
-                          drawing::plotSpaceTime(events, sensor, busiest.start_time,
-                                                 busiest.end_time, busiest.caption));
+        plot3d->write(drawing::encodePng(drawing::plotSpaceTime(
+            events, sensor, busiest.start_time, busiest.end_time, busiest.caption)));
+    }
+}
+
+void Pictures::close() {
+    if (overview) {
+        overview->close();
+    }
+    if (plot3d) {
+        plot3d->close();
     }
 }
 

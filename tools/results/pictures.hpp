@@ -10,7 +10,9 @@
 
 #include "drawing/contact_sheet.hpp"
 #include "drawing/frame_renderer.hpp"
+#include "kelvora/recording/event_writer.hpp"
 #include "kelvora/recording/sensor_size.hpp"
+#include "recording/output_file.hpp"
 #include "recording/window_slicer.hpp"
 #include "sessions/clustering_method.hpp"
 
@@ -30,14 +32,21 @@ struct PictureOptions {
 class Pictures {
 public:
     /// Creates the directory for frames if it is missing.
-    /// \throws std::runtime_error  if a file or directory cannot be written. The other functions
-    ///     throw the same.
-    Pictures(PictureOptions options_, recording::SensorSize sensor);
+    /// \throws recording::RecordingError  if a file or directory cannot be written. The other
+    ///     functions throw the same.
+    Pictures(PictureOptions options_, recording::SensorSize sensor,
+             recording::WriteOptions write_ = {});
+
+    /// Whether a file of this name in the directory for frames would be overwritten.
+    static bool isFrame(const std::filesystem::path& name);
 
     void add(const recording::Window& window, const WindowClusters& found);
 
     /// Writes the overview of all windows so far, and the plot of the window with the most events.
-    void finish() const;
+    void finish();
+
+    /// Completes the files of both. Without windows, there are none.
+    void close();
 
 private:
     /// A copy of the window with the most events so far.
@@ -54,6 +63,9 @@ private:
                        const std::string& caption);
 
     PictureOptions options;
+    recording::WriteOptions write;
+    std::optional<recording::OutputFile> overview;
+    std::optional<recording::OutputFile> plot3d;
     std::optional<drawing::FrameRenderer> frames;
     std::optional<drawing::ContactSheet> sheet;
     cv::Size sensor;

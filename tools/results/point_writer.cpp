@@ -8,8 +8,9 @@
 
 namespace kelvora::tool {
 
-PointWriter::PointWriter(const std::filesystem::path& path) : file(path) {
-    file.write("timestamp_us,cluster,event_time_us,x,y,polarity\n");
+PointWriter::PointWriter(const std::filesystem::path& path, const recording::WriteOptions& options)
+    : file(path, options) {
+    file.writeHeader("timestamp_us,cluster,event_time_us,x,y,polarity\n");
 }
 
 void PointWriter::write(const recording::Window& window, const WindowClusters& found) {

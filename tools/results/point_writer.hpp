@@ -14,10 +14,15 @@ namespace kelvora::tool {
 class PointWriter {
 public:
     /// \param path  A file, or "-" for standard output.
-    /// \throws recording::RecordingError  if the file cannot be written. `write` throws the same.
-    explicit PointWriter(const std::filesystem::path& path);
+    /// \throws recording::RecordingError  if the file cannot be written. The other functions throw
+    ///     the same.
+    explicit PointWriter(const std::filesystem::path& path,
+                         const recording::WriteOptions& options = {});
 
     void write(const recording::Window& window, const WindowClusters& found);
+
+    /// Completes the file.
+    void close() { file.close(); }
 
 private:
     recording::OutputFile file;

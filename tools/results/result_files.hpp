@@ -23,6 +23,7 @@ struct OutputSettings {
     std::filesystem::path centroids;
     std::filesystem::path tracks;
     PictureOptions pictures;
+    recording::WriteOptions write;
 };
 
 /// Writes the results of one window after another to all requested outputs.
@@ -35,6 +36,9 @@ public:
 
     /// Writes the results that are only known at the end.
     void finish();
+
+    /// Completes the files. Otherwise they are incomplete, and kept as `NAME.partial`.
+    void close();
 
 private:
     ClusterWriter cluster_writer;

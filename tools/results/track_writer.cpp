@@ -10,8 +10,10 @@
 
 namespace kelvora::tool {
 
-TrackWriter::TrackWriter(const std::filesystem::path& path) : file(path) {
-    file.write("track_id,first_time_us,last_time_us,windows,path_length_px,mean_speed_px_s\n");
+TrackWriter::TrackWriter(const std::filesystem::path& path, const recording::WriteOptions& options)
+    : file(path, options) {
+    file.writeHeader(
+        "track_id,first_time_us,last_time_us,windows,path_length_px,mean_speed_px_s\n");
 }
 
 void TrackWriter::add(const WindowClusters& found) {

@@ -20,13 +20,18 @@ namespace kelvora::tool {
 class TrackWriter {
 public:
     /// \param path  A file, or "-" for standard output.
-    /// \throws recording::RecordingError  if the file cannot be written. `finish` throws the same.
-    explicit TrackWriter(const std::filesystem::path& path);
+    /// \throws recording::RecordingError  if the file cannot be written. The other functions throw
+    ///     the same.
+    explicit TrackWriter(const std::filesystem::path& path,
+                         const recording::WriteOptions& options = {});
 
     void add(const WindowClusters& found);
 
     /// Ends all tracks.
     void finish();
+
+    /// Completes the file.
+    void close() { file.close(); }
 
 private:
     struct Summary {

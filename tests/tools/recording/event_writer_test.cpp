@@ -85,8 +85,32 @@ TEST_P(EventWriterTest, NotesFormatAndSensorSize) {
     }
 }
 
-TEST_P(EventWriterTest, ClosesARecordingThatGoesOutOfScope) {
-    createRecording(path, GetParam(), kSensorSize)->write({eventAt(1, 2, 3, 1)});
+TEST_P(EventWriterTest, KeepsARecordingThatIsNotClosedAsPartial) {
+    writeRecording(path, GetParam(), {eventAt(1, 2, 3, 1), eventAt(2, 2, 3, 1)});
+    std::filesystem::path partial;
+    WriteOptions options;
+    options.on_partial = [&](const std::filesystem::path& name) { partial = name; };
+    createRecording(path, GetParam(), kSensorSize, options)->write({eventAt(1, 2, 3, 1)});
+    EXPECT_EQ(partial, path.string() + ".partial");
+    EXPECT_EQ(readRecording(partial).events.size(), 1U);
+    EXPECT_EQ(readRecording(path).events.size(), 2U);
+}
+
+TEST_P(EventWriterTest, KeepsNothingOfARecordingWithoutEvents) {
+    createRecording(path, GetParam(), kSensorSize);
+    EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
+}
+
+TEST_P(EventWriterTest, ReplacesNothingUnlessAllowedTo) {
+    writeRecording(path, GetParam(), {eventAt(1, 2, 3, 1)});
+    WriteOptions options;
+    options.overwrite = false;
+    try {
+        createRecording(path, GetParam(), kSensorSize, options);
+        FAIL();
+    } catch (const RecordingError& error) {
+        EXPECT_EQ(error.problem(), "exists already");
+    }
     EXPECT_EQ(readRecording(path).events.size(), 1U);
 }
 

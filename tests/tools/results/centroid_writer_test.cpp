@@ -18,7 +18,9 @@ TEST(CentroidWriter, WritesOneRowPerCentroid) {
         WindowClusters found;
         found.time_origin = 1'615'211'683'000'000;
         found.centroids = {{1.5, 20.1234, {}, 7}, {30, 40, 5.6, 8}};
-        CentroidWriter(path).write(1'615'211'683'010'000, found);
+        CentroidWriter writer(path);
+        writer.write(1'615'211'683'010'000, found);
+        writer.close();
     }
     EXPECT_EQ(test::contentOf(path),
               "timestamp_us,cluster,x,y,time_us,size\n"

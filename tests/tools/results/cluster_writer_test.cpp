@@ -24,6 +24,7 @@ std::string written(ClusterFormat format, bool with_tracks,
         for (const WindowClusters& window : windows) {
             writer.write(window);
         }
+        writer.close();
     }
     return test::contentOf(path);
 }

@@ -53,6 +53,7 @@ protected:
             files.write(window, session.cluster(window));
         }
         files.finish();
+        files.close();
         window_count = session.windowCount();
         cluster_count = session.clusterCount();
         return test::contentOf(output.clusters);

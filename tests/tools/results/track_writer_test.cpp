@@ -32,11 +32,13 @@ protected:
         writer.add(found);
     }
 
-    std::string written() const { return test::contentOf(path); }
+    /// The only file, which has another name until it is complete.
+    std::string written() const {
+        return test::contentOf(std::filesystem::directory_iterator(directory.path())->path());
+    }
 
     test::TemporaryDirectory directory;
-    std::filesystem::path path = directory.file("tracks.csv");
-    TrackWriter writer{path};
+    TrackWriter writer{directory.file("tracks.csv")};
 };
 
 TEST_F(TrackWriterTest, WritesTheHeaderAloneWithoutTracks) {

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "recording/file_identity.hpp"
+
+#include <gtest/gtest.h>
+
+#include "support/temporary_directory.hpp"
+
+namespace kelvora::recording {
+namespace {
+
+class FileIdentityTest : public ::testing::Test {
+protected:
+    FileIdentityTest() {
+        std::filesystem::create_directory(directory.file("inner"));
+        std::filesystem::create_directory_symlink("inner", directory.file("outer"));
+    }
+
+    FileIdentity identityOf(const std::filesystem::path& name) const {
+        return FileIdentity(targetOf(directory.path() / name));
+    }
+
+    void expectSame(const std::filesystem::path& a, const std::filesystem::path& b) const {
+        EXPECT_TRUE(identityOf(a) == identityOf(b)) << a << ' ' << b;
+    }
+
+    void expectOther(const std::filesystem::path& a, const std::filesystem::path& b) const {
+        EXPECT_FALSE(identityOf(a) == identityOf(b)) << a << ' ' << b;
+    }
+
+    test::TemporaryDirectory directory;
+};
+
+TEST_F(FileIdentityTest, TellsFilesApart) {
+    directory.file("a", "");
+    directory.file("b", "");
+    expectSame("a", "a");
+    expectOther("a", "b");
+    expectOther("a", "inner");
+    expectOther("a", "missing");
+}
+
+TEST_F(FileIdentityTest, IsTheSameForAllPathsToAFile) {
+    directory.file("inner/a", "");
+    std::filesystem::create_hard_link(directory.file("inner/a"), directory.file("hard"));
+    std::filesystem::create_symlink("inner/a", directory.file("soft"));
+    expectSame("inner/a", "hard");
+    expectSame("inner/a", "soft");
+    expectSame("inner/a", "outer/a");
+    expectSame("inner/a", "inner/../inner/./a");
+}
+
+TEST_F(FileIdentityTest, IsTheSameForAllPathsToAFileThatIsMissing) {
+    std::filesystem::create_symlink("inner/a", directory.file("dangling"));
+    expectSame("inner/a", "dangling");
+    expectSame("inner/a", "outer/a");
+    expectSame("inner/a", "inner/../inner/./a");
+    expectSame("inner/new", "inner/new/");
+    expectOther("inner/a", "a");
+    expectOther("inner/a", "inner/b");
+    expectOther("inner/a", "inner/b/a");
+    expectOther("inner/a", "inner");
+}
+
+TEST_F(FileIdentityTest, KnowsDevices) {
+    EXPECT_TRUE(identityOf("/dev/null").isDevice());
+    EXPECT_FALSE(identityOf(directory.file("a", "")).isDevice());
+    EXPECT_FALSE(identityOf("missing").isDevice());
+}
+
+TEST_F(FileIdentityTest, ComparesOpenFilesWithPaths) {
+    EXPECT_TRUE(FileIdentity({"", 0}) == FileIdentity(targetOf("/dev/stdin")));
+}
+
+}  // namespace
+}  // namespace kelvora::recording

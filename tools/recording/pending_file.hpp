@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <optional>
+
+namespace kelvora::recording {
+
+/// A file that is being written beside its final name, as `.NAME.unfinished-PID`. Until it is
+/// complete, a file of the final name stays as it is. After a kill, the unfinished file remains.
+///
+/// Functions that fail throw `std::system_error`.
+class PendingFile {
+public:
+    /// Creates the unfinished file.
+    ///
+    /// \param target_  The final name, not a symbolic link.
+    /// \param replaced  The file of that name, if there is one. The new file gets its permissions.
+    PendingFile(std::filesystem::path target_, const std::optional<struct stat>& replaced);
+
+    /// Leaves the unfinished file, if none of the functions below has ended it.
+    ~PendingFile();
+    PendingFile(const PendingFile&) = delete;
+    PendingFile& operator=(const PendingFile&) = delete;
+
+    int descriptor() const { return file; }
+
+    /// Writes everything to the disk, and gives the file its final name.
+    ///
+    /// \param overwrite  Whether to replace a file of that name. If not, that is an error.
+    void complete(bool overwrite);
+
+    /// Names the file `NAME.partial`, or `NAME.partial.2` and so on if there is one already.
+    ///
+    /// \return The name.
+    std::filesystem::path keep();
+
+    /// Removes the file.
+    void remove();
+
+private:
+    std::filesystem::path target;
+    std::filesystem::path unfinished;
+    int file;
+};
+
+}  // namespace kelvora::recording
