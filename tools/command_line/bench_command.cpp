@@ -8,13 +8,13 @@
 #include <chrono>
 #include <map>
 
+#include "command_line/file_check.hpp"
 #include "command_line/interrupt.hpp"
 #include "command_line/parameter_options.hpp"
 #include "command_line/peak_memory.hpp"
 #include "command_line/progress_line.hpp"
 #include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/recording_error.hpp"
-#include "recording/output_file.hpp"
 #include "recording/window_slicer.hpp"
 #include "sessions/methods.hpp"
 #include "sessions/window_reader.hpp"
@@ -123,8 +123,7 @@ void BenchCommand::declareOptions() {
     for (const char* const keyword : {"window_us", "from_us", "to_us"}) {
         declareParameter(*command, builder, *findParameter(keyword));
     }
-    command->add_option("--json", json, "File for the figures as JSON; - is standard output")
-        ->option_text("FILE");
+    tool::declareOptions(*command, report_options);
     for (const Parameter& parameter : parameterTable()) {
         if (isOfOneMethod(parameter)) {
             declareParameter(*command, builder, parameter);
@@ -168,21 +167,18 @@ Settings BenchCommand::settingsOf(const std::string& name) const {
 }
 
 int BenchCommand::run() const {
+    checkFiles({{{"the recording", recording.path}}, filesOf(report_options), {}});
+    ReportFiles files(report_options);
     // The figures from before a defect are still valid: report them first, then the defect.
     std::exception_ptr defect;
     const BenchReport report = measure(defect);
-    if (json != "-") {
-        fmt::print("{}", tableOf(report));
-    }
-    if (!json.empty()) {
-        recording::OutputFile file(json);
-        file.write(jsonOf(report).dump(2) + '\n');
-        file.close();
-    }
+    files.write(tableOf(report), jsonOf(report));
     if (defect) {
         std::rethrow_exception(defect);
     }
-    return isInterrupted() ? kExitInterrupted : 0;
+    throwIfTerminated();
+    files.close();
+    return exitStatus();
 }
 
 BenchReport BenchCommand::measure(std::exception_ptr& defect) const {
@@ -220,7 +216,7 @@ PassFigures BenchCommand::pass(const std::string& name, Session* session,
     ProgressLine progress(recording.path.string() + ", " + name, true);
     bool has_more = true;
     while (has_more && !isInterrupted()) {
-        has_more = reader.read();
+        has_more = readUnlessInterrupted(reader);
         timer.take(reader.slicer());
         progress.update(reader.source().bytesRead(), reader.source().fileSize());
     }

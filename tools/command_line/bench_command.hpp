@@ -9,6 +9,7 @@
 
 #include "command_line/bench_report.hpp"
 #include "command_line/recording_options.hpp"
+#include "command_line/report_files.hpp"
 #include "sessions/session.hpp"
 #include "sessions/settings_builder.hpp"
 
@@ -42,7 +43,7 @@ private:
     RecordingOptions recording;
     std::vector<std::string> methods;
     SettingsBuilder builder;
-    std::filesystem::path json;
+    ReportOptions report_options;
 };
 
 }  // namespace kelvora::tool

@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <exception>
 #include <string>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "command_line/output_options.hpp"
 #include "command_line/parameter_options.hpp"
 #include "command_line/progress_line.hpp"
+#include "command_line/standard_streams.hpp"
 #include "kelvora/recording/event_reader.hpp"
 #include "sessions/session.hpp"
 #include "sessions/window_reader.hpp"
@@ -21,20 +21,20 @@ namespace kelvora::tool {
 
 namespace {
 
-void printSummary(const Session& session, const WindowReader& reader) {
+std::string summaryOf(const Session& session, const WindowReader& reader) {
     const recording::EventCleaner& cleaner = reader.eventCleaner();
-    fmt::print(stderr,
-               "kelvora: {} clusters in {} windows with events; dropped {} events off the sensor, "
-               "corrected {} times out of order",
-               session.clusterCount(), session.windowCount(), cleaner.droppedOffSensor(),
-               cleaner.clampedTimes());
+    std::string text = fmt::format(
+        "kelvora: {} clusters in {} windows with events; dropped {} events off the sensor, "
+        "corrected {} times out of order",
+        session.clusterCount(), session.windowCount(), cleaner.droppedOffSensor(),
+        cleaner.clampedTimes());
     if (reader.source().skippedWords() > 0) {
-        fmt::print(stderr, ", skipped {} unknown words", reader.source().skippedWords());
+        text += fmt::format(", skipped {} unknown words", reader.source().skippedWords());
     }
     for (const std::string& remark : {session.remark(), reader.remark()}) {
-        fmt::print(stderr, "{}{}", remark.empty() ? "" : "; ", remark);
+        text += (remark.empty() ? "" : "; ") + remark;
     }
-    fmt::print(stderr, "\n");
+    return text + '\n';
 }
 
 }  // namespace
@@ -53,6 +53,7 @@ ClusterCommand::ClusterCommand(CLI::App& program)
 }
 
 int ClusterCommand::run() const {
+    checkFiles({{{"the recording", recording.path}}, filesOf(output), output.pictures.frames_dir});
     const Settings& settings = builder.settings;
     auto source = recording::openRecording(recording.path, recording.read);
     const recording::SensorSize sensor = requireSensorSize(*source, recording);
@@ -63,7 +64,7 @@ int ClusterCommand::run() const {
 
     bool has_more = true;
     while (has_more && !isInterrupted()) {
-        has_more = reader.read();
+        has_more = readUnlessInterrupted(reader);
         recording::Window window;
         while (!isInterrupted() && reader.slicer().next(window)) {
             files.write(window, session.cluster(window));
@@ -71,16 +72,19 @@ int ClusterCommand::run() const {
         progress.update(reader.source().bytesRead(), reader.source().fileSize());
     }
     files.finish();
-    files.close();
+    if (!reader.defect() && !isTerminated()) {
+        files.close();
+    }
     progress.clear();
 
     if (!is_quiet) {
-        printSummary(session, reader);
+        printError(summaryOf(session, reader));
     }
     if (reader.defect()) {
         std::rethrow_exception(reader.defect());
     }
-    return isInterrupted() ? kExitInterrupted : 0;
+    throwIfTerminated();
+    return exitStatus();
 }
 
 }  // namespace kelvora::tool

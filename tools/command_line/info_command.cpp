@@ -5,11 +5,14 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "command_line/file_check.hpp"
 #include "command_line/interrupt.hpp"
 #include "command_line/progress_line.hpp"
+#include "command_line/standard_streams.hpp"
 #include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/recording_error.hpp"
 #include "recording/recording_statistics.hpp"
@@ -33,23 +36,27 @@ std::string offSensorText(const recording::RecordingStatistics& statistics) {
                  : "unknown (state the size with --sensor WIDTHxHEIGHT)";
 }
 
-void printTable(const recording::EventReader& reader,
-                const recording::RecordingStatistics& statistics) {
-    fmt::print("format         {}\n", reader.format());
-    fmt::print("sensor         {}\n", sensorText(reader, statistics));
-    fmt::print("events         {}\n", statistics.events());
-    fmt::print("first event    {} us\n", statistics.firstTime());
-    fmt::print("duration       {:.6f} s\n", static_cast<double>(statistics.duration()) * 1e-6);
-    fmt::print("mean rate      {:.0f} events/s\n", statistics.meanRate());
-    fmt::print("peak rate      {:.0f} events/s (in 10 ms)\n", statistics.peakRate());
-    fmt::print("ON events      {:.1f} %\n", 100.0 * statistics.onShare());
-    fmt::print("out of order   {}\n", statistics.outOfOrder());
-    fmt::print("off sensor     {}\n", offSensorText(statistics));
-    fmt::print("skipped words  {}\n", reader.skippedWords());
+std::string tableOf(const recording::EventReader& reader,
+                    const recording::RecordingStatistics& statistics) {
+    std::string table;
+    const auto out = std::back_inserter(table);
+    fmt::format_to(out, "format         {}\n", reader.format());
+    fmt::format_to(out, "sensor         {}\n", sensorText(reader, statistics));
+    fmt::format_to(out, "events         {}\n", statistics.events());
+    fmt::format_to(out, "first event    {} us\n", statistics.firstTime());
+    fmt::format_to(out, "duration       {:.6f} s\n",
+                   static_cast<double>(statistics.duration()) * 1e-6);
+    fmt::format_to(out, "mean rate      {:.0f} events/s\n", statistics.meanRate());
+    fmt::format_to(out, "peak rate      {:.0f} events/s (in 10 ms)\n", statistics.peakRate());
+    fmt::format_to(out, "ON events      {:.1f} %\n", 100.0 * statistics.onShare());
+    fmt::format_to(out, "out of order   {}\n", statistics.outOfOrder());
+    fmt::format_to(out, "off sensor     {}\n", offSensorText(statistics));
+    fmt::format_to(out, "skipped words  {}\n", reader.skippedWords());
+    return table;
 }
 
-void printJson(const recording::EventReader& reader,
-               const recording::RecordingStatistics& statistics) {
+std::string jsonOf(const recording::EventReader& reader,
+                   const recording::RecordingStatistics& statistics) {
     nlohmann::ordered_json info = {{"format", reader.format()},
                                    {"sensor_width", nullptr},
                                    {"sensor_height", nullptr},
@@ -71,7 +78,7 @@ void printJson(const recording::EventReader& reader,
     if (const auto count = statistics.offSensor()) {
         info["off_sensor"] = *count;
     }
-    fmt::print("{}\n", info.dump(2));
+    return info.dump(2) + '\n';
 }
 
 }  // namespace
@@ -83,6 +90,7 @@ InfoCommand::InfoCommand(CLI::App& program)
 }
 
 int InfoCommand::run() const {
+    checkFiles({{{"the recording", recording.path}}, {}, {}});
     const auto reader = recording::openRecording(recording.path, recording.read);
     recording::RecordingStatistics statistics(reader->sensorSize());
     ProgressLine progress(recording.path.string(), true);
@@ -95,13 +103,15 @@ int InfoCommand::run() const {
         }
     } catch (const recording::RecordingError&) {
         defect = std::current_exception();
+    } catch (const Interrupted&) {
+        // Summarise what has arrived.
     }
     progress.clear();
-    (as_json ? printJson : printTable)(*reader, statistics);
+    print((as_json ? jsonOf : tableOf)(*reader, statistics));
     if (defect) {
         std::rethrow_exception(defect);
     }
-    return isInterrupted() ? kExitInterrupted : 0;
+    return exitStatus();
 }
 
 }  // namespace kelvora::tool

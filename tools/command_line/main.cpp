@@ -5,9 +5,12 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <nanoflann.hpp>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <opencv2/core/version.hpp>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "command_line/bench_command.hpp"
 #include "command_line/cluster_command.hpp"
@@ -16,13 +19,18 @@
 #include "command_line/score_command.hpp"
 #include "command_line/setting_names.hpp"
 #include "command_line/simulate_command.hpp"
+#include "command_line/standard_streams.hpp"
+#include "command_line/usage_error.hpp"
 #include "command_line/usage_hint.hpp"
+#include "command_line/write_options.hpp"
 #include "kelvora/recording/recording_error.hpp"
 #include "kelvora/version.hpp"
 
 namespace {
 
-constexpr int kExitBadInput = 1;
+namespace tool = kelvora::tool;
+
+constexpr int kExitFailure = 1;
 constexpr int kExitWrongUsage = 2;
 
 std::string versionText() {
@@ -35,47 +43,98 @@ std::string versionText() {
         NLOHMANN_JSON_VERSION_MINOR, NLOHMANN_JSON_VERSION_PATCH);
 }
 
-}  // namespace
+/// Prints a line for the user, and where results are that a failure has left incomplete.
+void report(const std::string& line) {
+    const std::string& kept = tool::partialOutputs();
+    tool::printError("kelvora: " + line.substr(0, line.find('\n')) +
+                     (kept.empty() ? "" : "; the results until then are in " + kept) + '\n');
+}
 
-int main(int argc, char** argv) {
+/// Answers --help and --version, and command lines that cannot be parsed.
+int answer(const CLI::App& program, const CLI::ParseError& error,
+           const std::vector<std::string>& arguments) {
+    std::ostringstream output;
+    std::ostringstream errors;
+    if (program.exit(error, output, errors) == 0) {
+        tool::print(output.str());
+        return 0;
+    }
+    const std::string hint = tool::usageHint(program, arguments);
+    tool::printError(hint.empty() ? errors.str() : "kelvora: " + hint + '\n');
+    return kExitWrongUsage;
+}
+
+int run(int argc, char** argv) {
     CLI::App program("Finds clusters of activity in the recordings of event cameras.", "kelvora");
     program.set_version_flag("--version", versionText());
     program.require_subcommand(1);
-    const kelvora::tool::InfoCommand info(program);
-    const kelvora::tool::ClusterCommand cluster(program);
-    kelvora::tool::SimulateCommand simulate(program);
-    const kelvora::tool::ScoreCommand score(program);
-    const kelvora::tool::BenchCommand bench(program);
+    const tool::InfoCommand info(program);
+    const tool::ClusterCommand cluster(program);
+    tool::SimulateCommand simulate(program);
+    const tool::ScoreCommand score(program);
+    const tool::BenchCommand bench(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        const std::string hint = error.get_exit_code() == 0
-                                     ? ""
-                                     : kelvora::tool::usageHint(program, {argv + 1, argv + argc});
-        if (!hint.empty()) {
-            fmt::print(stderr, "kelvora: {}\n", hint);
-            return kExitWrongUsage;
-        }
-        return program.exit(error) == 0 ? 0 : kExitWrongUsage;
+        return answer(program, error, {argv + 1, argv + argc});
     }
+    if (info.isChosen()) {
+        return info.run();
+    }
+    if (score.isChosen()) {
+        return score.run();
+    }
+    if (bench.isChosen()) {
+        return bench.run();
+    }
+    return cluster.isChosen() ? cluster.run() : simulate.run();
+}
 
-    kelvora::tool::catchInterrupts();
+/// Reports the exception that is being handled.
+int statusOfFailure() {
     try {
-        if (info.isChosen()) {
-            return info.run();
-        }
-        if (score.isChosen()) {
-            return score.run();
-        }
-        if (bench.isChosen()) {
-            return bench.run();
-        }
-        return cluster.isChosen() ? cluster.run() : simulate.run();
+        throw;
+    } catch (const tool::Interrupted& end) {
+        report(end.what());
+        return tool::exitStatus();
+    } catch (const tool::UsageError& error) {
+        report(error.what());
+        return kExitWrongUsage;
     } catch (const kelvora::recording::RecordingError& error) {
-        fmt::print(stderr, "kelvora: {}\n", error.message(kelvora::tool::optionOf));
-        return kExitBadInput;
+        const bool has_reader = error.kind() != kelvora::recording::ErrorKind::ReaderEnded;
+        if (!has_reader && tool::partialOutputs().empty()) {
+            tool::endByBrokenPipe();
+        }
+        report(error.message(tool::optionOf));
+        if (!has_reader) {
+            tool::endByBrokenPipe();
+        }
+    } catch (const std::bad_alloc&) {
+        report("not enough memory");
     } catch (const std::exception& error) {
-        fmt::print(stderr, "kelvora: {}\n", error.what());
-        return kExitBadInput;
+        report(error.what());
+    }
+    return kExitFailure;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    tool::occupyStandardStreams();
+    tool::catchSignals();
+    try {
+        const int status = run(argc, argv);
+        if (tool::isInterrupted()) {
+            report(tool::Interrupted().what());
+        }
+        return status;
+    } catch (...) {
+        try {
+            return statusOfFailure();
+        } catch (...) {
+            // No memory even for the message.
+            tool::printError("kelvora: not enough memory\n");
+            return kExitFailure;
+        }
     }
 }

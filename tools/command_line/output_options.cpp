@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "command_line/output_options.hpp"
 
-#include <fmt/format.h>
-
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <filesystem>
-#include <iterator>
 #include <map>
 #include <string>
-#include <system_error>
-#include <vector>
 
+#include "command_line/write_options.hpp"
 #include "sessions/methods.hpp"
 
 namespace kelvora::tool {
@@ -45,51 +40,14 @@ void declareOptions(CLI::App& command, OutputSettings& options) {
     add("--overview", options.pictures.overview, "FILE", "File for a sheet of some windows (PNG)");
     add("--plot3d", options.pictures.plot3d, "FILE",
         "File for a plot in space and time of the window with the most events (PNG)");
+    declareOptions(command, options.write)->group(group);
 }
 
 namespace {
 
-/// An output to a file and its option.
-struct NamedOutput {
-    const char* option;
-    std::filesystem::path path;
-};
-
-std::vector<NamedOutput> filesOf(const OutputSettings& output) {
-    const std::vector<NamedOutput> all = {{"--output", output.clusters},
-                                          {"--points", output.points},
-                                          {"--centroids", output.centroids},
-                                          {"--tracks", output.tracks},
-                                          {"--overview", output.pictures.overview},
-                                          {"--plot3d", output.pictures.plot3d}};
-    std::vector<NamedOutput> wanted;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(wanted),
-                 [](const NamedOutput& one) { return !one.path.empty(); });
-    return wanted;
-}
-
-/// Devices such as /dev/null may take several outputs.
-bool isDevice(const std::filesystem::path& path) {
-    std::error_code error;
-    return std::filesystem::is_character_file(path, error);
-}
-
-void checkNames(const OutputSettings& output) {
-    const std::vector<NamedOutput> files = filesOf(output);
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        for (std::size_t j = 0; j < i; ++j) {
-            if (files[i].path.lexically_normal() == files[j].path.lexically_normal() &&
-                !isDevice(files[i].path)) {
-                throw CLI::ValidationError(
-                    files[i].option, fmt::format("must be another file than {}", files[j].option));
-            }
-        }
-    }
-    for (const NamedOutput& picture : {NamedOutput{"--overview", output.pictures.overview},
-                                       NamedOutput{"--plot3d", output.pictures.plot3d}}) {
-        if (!picture.path.empty() && picture.path.extension() != ".png") {
-            throw CLI::ValidationError(picture.option, "must end in .png");
-        }
+void checkPicture(const char* option, const std::filesystem::path& path) {
+    if (!path.empty() && path.extension() != ".png") {
+        throw CLI::ValidationError(option, "must end in .png");
     }
 }
 
@@ -109,7 +67,17 @@ void checkOutput(const OutputSettings& output, const Settings& settings) {
     if (!settings.track.is_wanted && output.format == ClusterFormat::Mot) {
         throw CLI::ValidationError("--format", "mot needs --track");
     }
-    checkNames(output);
+    checkPicture("--overview", output.pictures.overview);
+    checkPicture("--plot3d", output.pictures.plot3d);
+}
+
+std::vector<NamedFile> filesOf(const OutputSettings& output) {
+    return {{"--output", output.clusters},
+            {"--points", output.points},
+            {"--centroids", output.centroids},
+            {"--tracks", output.tracks},
+            {"--overview", output.pictures.overview},
+            {"--plot3d", output.pictures.plot3d}};
 }
 
 }  // namespace kelvora::tool

@@ -4,8 +4,9 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <utility>
+
+#include "command_line/standard_streams.hpp"
 
 namespace kelvora::tool {
 
@@ -30,18 +31,17 @@ void ProgressLine::update(std::uint64_t done, std::uint64_t total) {
         return;
     }
     if (total == 0) {
-        fmt::print(stderr, "{}{}: {} MB", kEraseLine, title, done / 1'000'000);
+        printError(fmt::format("{}{}: {} MB", kEraseLine, title, done / 1'000'000));
     } else {
-        fmt::print(stderr, "{}{}: {} %", kEraseLine, title, 100 * done / total);
+        printError(fmt::format("{}{}: {} %", kEraseLine, title, 100 * done / total));
     }
-    static_cast<void>(std::fflush(stderr));
     is_shown = true;
     next_update = std::chrono::steady_clock::now() + kUpdateInterval;
 }
 
 void ProgressLine::clear() {
     if (is_shown) {
-        fmt::print(stderr, "{}", kEraseLine);
+        printError(kEraseLine);
         is_shown = false;
     }
 }

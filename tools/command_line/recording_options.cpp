@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "command_line/format_option.hpp"
+#include "command_line/interrupt.hpp"
 #include "command_line/quantities.hpp"
 #include "kelvora/recording/formats.hpp"
 #include "kelvora/recording/recording_error.hpp"
@@ -25,6 +26,7 @@ void setColumns(RecordingOptions& options, const std::string& text) {
 
 void declareOptions(CLI::App& command, RecordingOptions& options) {
     const char* const group = "Recording";
+    options.read.on_signal = throwIfInterrupted;
     command.add_option("recording", options.path, "The recording to read; /dev/stdin for a pipe")
         ->required()
         ->option_text("RECORDING REQUIRED");
@@ -59,6 +61,14 @@ recording::SensorSize requireSensorSize(const recording::EventReader& reader,
                                         {"state it with {}", recording::Setting::SensorSize});
     }
     return *size;
+}
+
+bool readUnlessInterrupted(WindowReader& reader) {
+    try {
+        return reader.read();
+    } catch (const Interrupted&) {
+        return false;
+    }
 }
 
 }  // namespace kelvora::tool

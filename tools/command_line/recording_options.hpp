@@ -8,6 +8,7 @@
 
 #include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/sensor_size.hpp"
+#include "sessions/window_reader.hpp"
 
 namespace kelvora::tool {
 
@@ -24,5 +25,10 @@ void declareOptions(CLI::App& command, RecordingOptions& options);
 /// \throws recording::RecordingError  if neither the recording nor an option states it.
 recording::SensorSize requireSensorSize(const recording::EventReader& reader,
                                         const RecordingOptions& options);
+
+/// Reads more of a recording. A signal that arrives during a wait for it ends the recording.
+///
+/// \returns what `WindowReader::read` returns.
+bool readUnlessInterrupted(WindowReader& reader);
 
 }  // namespace kelvora::tool

@@ -5,15 +5,17 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
-#include <cstdio>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "command_line/file_check.hpp"
+#include "command_line/interrupt.hpp"
+#include "command_line/standard_streams.hpp"
 #include "kelvora/recording/recording_error.hpp"
-#include "recording/output_file.hpp"
 #include "scoring/box_table.hpp"
 #include "scoring/frame.hpp"
 
@@ -48,32 +50,38 @@ nlohmann::ordered_json jsonOf(std::optional<Figure> figure) {
     return figure ? nlohmann::ordered_json(*figure) : nlohmann::ordered_json(nullptr);
 }
 
-void printTable(const Score& score) {
+std::string tableOf(const Score& score) {
+    std::string table;
+    const auto out = std::back_inserter(table);
     const scoring::ScoreFigures& figures = score.figures;
-    fmt::print("frames             {}\n", figures.frames);
-    fmt::print("objects            {} ({} more ignored)\n", figures.objects,
-               figures.ignored_objects);
-    fmt::print("clusters           {} ({} of them on ignored objects)\n", figures.clusters,
-               figures.ignored_clusters);
-    fmt::print("matches            {} (IoU of {} or more)\n", figures.matches,
-               score.options.min_iou);
-    fmt::print("misses             {}\n", figures.misses());
-    fmt::print("false positives    {}\n", figures.falsePositives());
-    fmt::print("precision          {}\n", textOf(figures.precision()));
-    fmt::print("recall             {}\n", textOf(figures.recall()));
-    fmt::print("MOTA               {}{}\n", textOf(figures.mota()),
-               figures.has_tracks ? "" : " (without switches, that is MODA: no track_id)");
-    fmt::print("MOTP               {} (mean IoU of matches)\n", textOf(figures.motp()));
-    fmt::print("switches           {}\n", textOf(score.ifTracked(figures.switches)));
-    fmt::print("switches per 10 s  {}\n", textOf(figures.switchesPerTenSeconds(score.interval_us)));
-    fmt::print("fragmentations     {}\n", textOf(score.ifTracked(figures.fragmentations)));
-    fmt::print("trajectories       {}\n", figures.trajectories);
-    fmt::print("mostly tracked     {} (80 % of their frames or more)\n", figures.mostly_tracked);
-    fmt::print("partially tracked  {}\n", figures.partially_tracked);
-    fmt::print("mostly lost        {} (less than 20 %)\n", figures.mostly_lost);
-    fmt::print(
+    fmt::format_to(out, "frames             {}\n", figures.frames);
+    fmt::format_to(out, "objects            {} ({} more ignored)\n", figures.objects,
+                   figures.ignored_objects);
+    fmt::format_to(out, "clusters           {} ({} of them on ignored objects)\n", figures.clusters,
+                   figures.ignored_clusters);
+    fmt::format_to(out, "matches            {} (IoU of {} or more)\n", figures.matches,
+                   score.options.min_iou);
+    fmt::format_to(out, "misses             {}\n", figures.misses());
+    fmt::format_to(out, "false positives    {}\n", figures.falsePositives());
+    fmt::format_to(out, "precision          {}\n", textOf(figures.precision()));
+    fmt::format_to(out, "recall             {}\n", textOf(figures.recall()));
+    fmt::format_to(out, "MOTA               {}{}\n", textOf(figures.mota()),
+                   figures.has_tracks ? "" : " (without switches, that is MODA: no track_id)");
+    fmt::format_to(out, "MOTP               {} (mean IoU of matches)\n", textOf(figures.motp()));
+    fmt::format_to(out, "switches           {}\n", textOf(score.ifTracked(figures.switches)));
+    fmt::format_to(out, "switches per 10 s  {}\n",
+                   textOf(figures.switchesPerTenSeconds(score.interval_us)));
+    fmt::format_to(out, "fragmentations     {}\n", textOf(score.ifTracked(figures.fragmentations)));
+    fmt::format_to(out, "trajectories       {}\n", figures.trajectories);
+    fmt::format_to(out, "mostly tracked     {} (80 % of their frames or more)\n",
+                   figures.mostly_tracked);
+    fmt::format_to(out, "partially tracked  {}\n", figures.partially_tracked);
+    fmt::format_to(out, "mostly lost        {} (less than 20 %)\n", figures.mostly_lost);
+    fmt::format_to(
+        out,
         "left out           {} tentative, {} without track, {} outside the time of the truth\n",
         score.tentative_left_out, score.untracked_left_out, score.outside_truth);
+    return table;
 }
 
 nlohmann::ordered_json toJson(const Score& score) {
@@ -110,10 +118,10 @@ nlohmann::ordered_json toJson(const Score& score) {
 void warnOfIntervals(const scoring::FrameSequence& sequence) {
     if (sequence.truth_interval_us != 0 && sequence.cluster_interval_us != 0 &&
         sequence.truth_interval_us != sequence.cluster_interval_us) {
-        fmt::print(stderr,
-                   "kelvora: the truth has rows every {} us, but the clusters every {} us: were "
-                   "--truth-interval and --window the same?\n",
-                   sequence.truth_interval_us, sequence.cluster_interval_us);
+        printError(fmt::format(
+            "kelvora: the truth has rows every {} us, but the clusters every {} us: were "
+            "--truth-interval and --window the same?\n",
+            sequence.truth_interval_us, sequence.cluster_interval_us));
     }
 }
 
@@ -144,8 +152,7 @@ ScoreCommand::ScoreCommand(CLI::App& program)
     command->add_flag("--include-still", options.include_still, "Include objects that do not move");
     command->add_flag("--tentative", with_tentative,
                       "Include tentative tracks, which are not confirmed yet");
-    command->add_option("--json", json, "File for the figures as JSON; - is standard output")
-        ->option_text("FILE");
+    declareOptions(*command, report_options);
     command->parse_complete_callback([this] {
         if (!(options.min_iou > 0.0)) {
             throw CLI::ValidationError("--min-iou", "must be above 0");
@@ -154,8 +161,11 @@ ScoreCommand::ScoreCommand(CLI::App& program)
 }
 
 int ScoreCommand::run() const {
-    scoring::ClusterTable table = scoring::readClusters(clusters, with_tentative);
-    std::vector<scoring::TruthBox> objects = scoring::readTruth(truth);
+    checkFiles({{{"--truth", truth}, {"--clusters", clusters}}, filesOf(report_options), {}});
+    ReportFiles report(report_options);
+    scoring::ClusterTable table =
+        scoring::readClusters(clusters, with_tentative, throwIfInterrupted);
+    std::vector<scoring::TruthBox> objects = scoring::readTruth(truth, throwIfInterrupted);
     const bool has_both = !objects.empty() && !table.clusters.empty();
     const scoring::FrameSequence sequence =
         scoring::joinFrames(std::move(objects), std::move(table.clusters));
@@ -175,15 +185,10 @@ int ScoreCommand::run() const {
     }
     const Score score = {tracking.figures(), options,         sequence.truth_interval_us,
                          table.tentative,    table.untracked, sequence.clusters_outside};
-    if (json != "-") {
-        printTable(score);
-    }
-    if (!json.empty()) {
-        recording::OutputFile file(json);
-        file.write(toJson(score).dump(2) + '\n');
-        file.close();
-    }
-    return 0;
+    throwIfInterrupted();
+    report.write(tableOf(score), toJson(score));
+    report.close();
+    return exitStatus();
 }
 
 }  // namespace kelvora::tool

@@ -4,6 +4,7 @@
 #include <CLI/App.hpp>
 #include <filesystem>
 
+#include "command_line/report_files.hpp"
 #include "scoring/tracking_score.hpp"
 
 namespace kelvora::tool {
@@ -26,7 +27,7 @@ private:
     CLI::App* command;
     std::filesystem::path truth;
     std::filesystem::path clusters;
-    std::filesystem::path json;
+    ReportOptions report_options;
     scoring::ScoreOptions options;
     bool with_tentative = false;
 };

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "command_line/file_check.hpp"
 #include "command_line/format_option.hpp"
 #include "command_line/interrupt.hpp"
 #include "command_line/progress_line.hpp"
+#include "command_line/write_options.hpp"
 #include "kelvora/recording/event_writer.hpp"
 #include "kelvora/recording/formats.hpp"
 #include "recording/output_file.hpp"
@@ -23,10 +25,10 @@ namespace {
 /// Writes the true positions of the objects, if requested.
 class TruthWriter {
 public:
-    explicit TruthWriter(const std::filesystem::path& path) {
+    TruthWriter(const std::filesystem::path& path, const recording::WriteOptions& options) {
         if (!path.empty()) {
-            file.emplace(path);
-            file->write(simulation::groundTruthCsvHeader() + '\n');
+            file.emplace(path, options);
+            file->writeHeader(simulation::groundTruthCsvHeader() + '\n');
         }
     }
 
@@ -72,6 +74,7 @@ void SimulateCommand::declareOutput() {
         ->add_option("--truth-interval", truth_interval,
                      "Time between two rows of an object, with unit")
         ->option_text("TIME [" + toString(truth_interval) + "]");
+    declareOptions(*command, write);
 }
 
 void SimulateCommand::declareScene() {
@@ -100,14 +103,15 @@ void SimulateCommand::declareScene() {
 }
 
 int SimulateCommand::run() {
+    checkFiles({{}, {{"--output", output}, {"--truth", truth}}, {}});
     scene.width = sensor.width;
     scene.height = sensor.height;
     scene.duration_us = duration.microseconds;
     scene.truth_interval_us = truth_interval.microseconds;
     simulation::EventSimulator simulator(scene);
     const auto writer = recording::createRecording(
-        output, format ? *format : recording::formatFromExtension(output), sensor);
-    TruthWriter truth_writer(truth);
+        output, format ? *format : recording::formatFromExtension(output), sensor, write);
+    TruthWriter truth_writer(truth, write);
     ProgressLine progress(output.string(), true);
 
     std::vector<Event2D> events;
@@ -121,9 +125,10 @@ int SimulateCommand::run() {
         simulated_us += scene.truth_interval_us;
         progress.update(simulated_us, scene.duration_us);
     }
+    throwIfTerminated();
     writer->close();
     truth_writer.close();
-    return isInterrupted() ? kExitInterrupted : 0;
+    return exitStatus();
 }
 
 }  // namespace kelvora::tool

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "command_line/quantities.hpp"
+#include "kelvora/recording/event_writer.hpp"
 #include "kelvora/recording/sensor_size.hpp"
 #include "simulation/scene_options.hpp"
 
@@ -32,6 +33,7 @@ private:
     std::filesystem::path output;
     std::filesystem::path truth;
     std::optional<std::string> format;
+    recording::WriteOptions write;
     recording::SensorSize sensor{640, 480};
     Duration duration{2'000'000};
     Duration truth_interval{10'000};

@@ -89,8 +89,9 @@ private:
 
 }  // namespace
 
-std::vector<TruthBox> readTruth(const std::filesystem::path& path) {
-    TableReader table(path, {"timestamp_us", "id", "x", "y", "width", "height"});
+std::vector<TruthBox> readTruth(const std::filesystem::path& path,
+                                const std::function<void()>& on_signal) {
+    TableReader table(path, {"timestamp_us", "id", "x", "y", "width", "height"}, on_signal);
     std::vector<TruthBox> rows;
     UniqueIds<std::int64_t> ids;
     while (table.next()) {
@@ -101,8 +102,9 @@ std::vector<TruthBox> readTruth(const std::filesystem::path& path) {
     return rows;
 }
 
-ClusterTable readClusters(const std::filesystem::path& path, bool with_tentative) {
-    TableReader table(path, {"timestamp_us", "x", "y", "width", "height"});
+ClusterTable readClusters(const std::filesystem::path& path, bool with_tentative,
+                          const std::function<void()>& on_signal) {
+    TableReader table(path, {"timestamp_us", "x", "y", "width", "height"}, on_signal);
     ClusterTable result;
     result.has_tracks = table.has("track_id");
     UniqueIds<std::uint64_t> tracks;

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "kelvora/recording/recording_error.hpp"
 #include "recording/coding/in_quotes.hpp"
@@ -44,8 +45,8 @@ std::string textOf(const nlohmann::ordered_json& value) {
 }  // namespace
 
 TableReader::TableReader(const std::filesystem::path& path,
-                         const std::vector<std::string>& required)
-    : file(path) {
+                         const std::vector<std::string>& required, std::function<void()> on_signal)
+    : file(path, std::move(on_signal)) {
     if (!nextLine()) {
         throw recording::RecordingError(recording::ErrorKind::Damaged, file.name(), "is empty", {},
                                         "give a CSV file with a header line, or JSON lines");

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,9 @@ namespace kelvora::scoring {
 class TableReader {
 public:
     /// \param required  Columns that must exist.
-    TableReader(const std::filesystem::path& path, const std::vector<std::string>& required);
+    /// \param on_signal  As for `recording::InputFile`.
+    TableReader(const std::filesystem::path& path, const std::vector<std::string>& required,
+                std::function<void()> on_signal = {});
 
     /// Whether the table has this column.
     bool has(std::string_view column) const;
