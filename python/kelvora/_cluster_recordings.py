@@ -4,12 +4,15 @@
 from __future__ import annotations
 
 import os
-from typing import Any, Iterable, Literal
+from typing import TYPE_CHECKING, Any, Iterable, Literal
 
 from kelvora._kelvora import check_clustering
 from kelvora._recordings import Format, TimeUnit, integer, sensor_size
 from kelvora._worker import ClusteredRecording, cluster, failed
 from kelvora._worker_pool import WorkerPool
+
+if TYPE_CHECKING:
+    from kelvora._kelvora import _Method
 
 _DURATIONS = ("window_us", "from_us", "to_us", "time_length_us")
 
@@ -19,7 +22,7 @@ def cluster_recordings(
     client: Any = None,
     *,
     workers: int | None = None,
-    method: Literal["grid", "density", "centroid"] = "grid",
+    method: _Method = "grid",
     window_us: int = 10_000,
     from_us: int = 0,
     to_us: int | None = None,
@@ -46,8 +49,8 @@ def cluster_recordings(
         recordings under the same paths. Without a client, processes on this machine do the work.
     workers : int, optional
         Number of processes on this machine. By default, one per processor.
-    method : {'grid', 'density', 'centroid'}
-        Clustering method.
+    method : str
+        Clustering method: ``'grid'``, or another one that ``kelvora cluster --help`` lists.
     window_us : int
         Length of a window, microseconds. Windows begin at multiples of it.
     from_us, to_us : int, optional

@@ -12,6 +12,7 @@ __version__: str
 EVENT_DTYPE: np.dtype[np.void]
 
 _Dim = Literal[2, 3]
+_Method = Literal["grid", "density", "centroid"]
 _Polarity = Literal["all", "on", "off"]
 _Precision = Literal["float", "double"]
 _TimeUnit = Literal["s", "ms", "us", "ns"]

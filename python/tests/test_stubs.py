@@ -136,6 +136,11 @@ def test_formats_are_those_of_the_module():
     assert "{" + str(formats)[1:-1] + "}" in kelvora.read.__doc__
 
 
+def test_methods_are_those_of_the_module():
+    (row,) = [row for row in _kelvora.parameters() if row["name"] == "method"]
+    assert "_Method = Literal" + str(row["words"]).replace("'", '"') in STUB_TEXT
+
+
 def run(*arguments, cwd):
     environment = {**os.environ, "MYPYPATH": str(PACKAGE.parent)}
     environment["PYTHONPATH"] = str(PACKAGE.parent)
