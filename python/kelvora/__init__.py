@@ -15,7 +15,7 @@ from kelvora._kelvora import (
     kmeans,
     simulate,
 )
-from kelvora._recordings import read
+from kelvora._recordings import read, write
 from kelvora._worker import ClusteredRecording
 
 __all__ = [
@@ -33,4 +33,5 @@ __all__ = [
     "kmeans",
     "read",
     "simulate",
+    "write",
 ]

@@ -173,6 +173,15 @@ def open_recording(
     chunk_events: int,
     clean: bool,
 ) -> RecordingReader: ...
+def write_recording(
+    path: _Path,
+    events: NDArray[np.void],
+    *,
+    sensor: tuple[int, int] | None,
+    output_format: str | None,
+    time_unit: _TimeUnit | None,
+    overwrite: bool,
+) -> None: ...
 def simulate(
     *,
     sensor: tuple[int, int] = (640, 480),

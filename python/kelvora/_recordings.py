@@ -1,13 +1,17 @@
 # SPDX-License-Identifier: MIT
-"""Reading recordings."""
+"""Reading and writing recordings."""
 
 from __future__ import annotations
 
 import operator
 import os
-from typing import Any, Literal
+from typing import TYPE_CHECKING, Any, Literal
 
-from kelvora._kelvora import RecordingReader, open_recording
+from kelvora._kelvora import RecordingReader, open_recording, write_recording
+
+if TYPE_CHECKING:
+    import numpy as np
+    from numpy.typing import NDArray
 
 Format = Literal["records", "text", "evt2", "evt3"]
 TimeUnit = Literal["s", "ms", "us", "ns"]
@@ -88,6 +92,75 @@ def read(
         time_unit=time_unit,
         chunk_events=integer("chunk_events", chunk_events),
         clean=clean,
+    )
+
+
+def write(
+    path: str | bytes | os.PathLike[str] | os.PathLike[bytes],
+    events: NDArray[np.void],
+    *,
+    sensor: tuple[int, int] | None = None,
+    output_format: Format | None = None,
+    time_unit: TimeUnit | None = None,
+    overwrite: bool = True,
+) -> None:
+    """
+    Write events to a recording, exactly as they are.
+
+    Parameters
+    ----------
+    path : path_like
+        The file. It gets its name when it is complete; an existing file of that name stays as it is
+        until then. '-' is standard output.
+    events : numpy.ndarray
+        Structured array of events, as for `GridClusterer.process`.
+    sensor : tuple of int, optional
+        Width and height in pixels, which the recording states. Only the format 'records' can do
+        without.
+    output_format : {'records', 'text', 'evt2', 'evt3'}, optional
+        By default, the format that the name of the file suggests.
+    time_unit : {'s', 'ms', 'us', 'ns'}, optional
+        Unit of the times of the array, as for `GridClusterer.process`.
+    overwrite : bool
+        Replace an existing file.
+
+    Raises
+    ------
+    RecordingError
+        If the file cannot be written, exists and must not be replaced, or if the format cannot
+        hold an event.
+    TypeError, ValueError
+        For arguments of a wrong type or with an invalid value. Nothing is written then.
+
+    Notes
+    -----
+    After an error or Ctrl-C, the events so far are kept as ``PATH.partial``.
+
+    Examples
+    --------
+    >>> import pathlib, tempfile
+    >>> import kelvora
+    >>> events, _ = kelvora.simulate(sensor=(160, 120), duration_us=50_000)
+    >>> path = pathlib.Path(tempfile.mkdtemp(), "scene.raw")
+    >>> kelvora.write(path, events, sensor=(160, 120))
+    >>> reader = kelvora.read(path)
+    >>> sum(len(chunk) for chunk in reader) == len(events), reader.format
+    (True, 'evt3')
+    >>> try:
+    ...     kelvora.write(path, events, sensor=(160, 120), overwrite=False)
+    ... except kelvora.RecordingError as error:
+    ...     print(error.problem)
+    exists already
+    """
+    if "\0" in os.fsdecode(path):
+        raise ValueError("path must not hold a null character")
+    write_recording(
+        path,
+        events,
+        sensor=None if sensor is None else sensor_size(sensor),
+        output_format=output_format,
+        time_unit=time_unit,
+        overwrite=overwrite,
     )
 
 

@@ -15,6 +15,7 @@ void bindCentroidClusterer(pybind11::module_& module);
 void bindPointClustering(pybind11::module_& module);
 void bindTracker(pybind11::module_& module);
 void bindRecordings(pybind11::module_& module);
+void bindWriting(pybind11::module_& module);
 void bindSimulation(pybind11::module_& module);
 void bindParameters(pybind11::module_& module);
 void bindClustering(pybind11::module_& module);

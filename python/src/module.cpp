@@ -22,6 +22,7 @@ PYBIND11_MODULE(_kelvora, module) {
     kelvora::python::bindPointClustering(module);
     kelvora::python::bindTracker(module);
     kelvora::python::bindRecordings(module);
+    kelvora::python::bindWriting(module);
     kelvora::python::bindSimulation(module);
     kelvora::python::bindParameters(module);
     kelvora::python::bindClustering(module);

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
 #include "kelvora/recording/formats.hpp"
 #include "settings.hpp"
@@ -23,7 +22,8 @@ Value parsed(const std::optional<Value>& value, const char* message) {
     return *value;
 }
 
-/// Lets Ctrl-C end a wait for a pipe. Python runs signal handlers in the main thread only.
+}  // namespace
+
 void handleSignals() {
     const py::gil_scoped_acquire acquire;
     if (PyErr_CheckSignals() != 0) {
@@ -31,10 +31,7 @@ void handleSignals() {
     }
 }
 
-}  // namespace
-
-std::string formatsInWords() {
-    std::vector<std::string> names = recording::readableFormats();
+std::string inWords(std::vector<std::string> names) {
     const std::string last = names.back();
     names.pop_back();
     return fmt::format("'{}' or '{}'", fmt::join(names, "', '"), last);
@@ -52,7 +49,7 @@ recording::ReadOptions toReadOptions(const std::optional<Size>& sensor,
     if (input_format) {
         const std::vector<std::string> names = recording::readableFormats();
         require(std::find(names.begin(), names.end(), *input_format) != names.end(),
-                ("input_format must be " + formatsInWords()).c_str());
+                ("input_format must be " + inWords(names)).c_str());
         options.format = input_format;
     }
     if (columns) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "kelvora/recording/event_reader.hpp"
 
@@ -13,8 +14,12 @@ namespace kelvora::python {
 /// Width and height, pixels.
 using Size = std::pair<std::int64_t, std::int64_t>;
 
-/// The names of all readable formats: "'records', 'text', ... or 'evt3'".
-std::string formatsInWords();
+/// Names of formats: "'records', 'text', ... or 'evt3'".
+std::string inWords(std::vector<std::string> names);
+
+/// Lets Ctrl-C end a wait for a pipe. Python runs signal handlers in the main thread only.
+/// \throws pybind11::error_already_set  if a handler raises.
+void handleSignals();
 
 /// How to read a recording, from the keyword arguments of `read`.
 /// \throws std::invalid_argument  for an invalid argument.

@@ -164,7 +164,7 @@ void bindRecordings(py::module_& module) {
     type.def("__next__", &next);
     type.def_property_readonly(
         "format", [](const RecordingReader& self) { return self.format(); },
-        (formatsInWords() + ".").c_str());
+        (inWords(recording::readableFormats()) + ".").c_str());
     type.def_property_readonly("sensor", &sensorOf, "Width and height in pixels, None if unknown.");
     const auto count = [&](const char* name, auto member, const char* doc) {
         type.def_property_readonly(
