@@ -97,7 +97,7 @@ void PendingFile::complete(bool overwrite) {
 
 fs::path PendingFile::keep() {
     for (int number = 1;; ++number) {
-        const fs::path name = beside(target, "", numbered(".partial", number));
+        fs::path name = beside(target, "", numbered(".partial", number));
         if (renameToNewName(unfinished, name)) {
             return name;
         }
