@@ -74,6 +74,13 @@ public:
     /// points are too far apart for the radius, several jobs search a tree, and take as
     /// long as one job.
     ///
+    /// With one job and more than 300 neighbours on average, groups of points that are all
+    /// neighbours count as one: points at the same position take n log n time however many
+    /// they are, and 200 bytes of memory per point.
+    ///
+    /// If an exception is thrown, `clusters` and `boxes` may hold some of the results. The object
+    /// can be used again.
+    ///
     /// \param points  Must not change during the call; not used afterwards.
     /// \param clusters  Emptied first. Receives the point indices of each cluster. With one job,
     ///     clusters are in the order of their first core points. With several, clusters are in any

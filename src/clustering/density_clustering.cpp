@@ -6,6 +6,8 @@
 #include <thread>
 
 #include "clustering/cell_list.hpp"
+#include "clustering/crowded_expansion.hpp"
+#include "clustering/crowding.hpp"
 #include "clustering/first_failure.hpp"
 #include "clustering/grid_search.hpp"
 #include "clustering/ordered_expansion.hpp"
@@ -37,6 +39,7 @@ struct DensityClustering<DIM, T>::Engines {
 
     // One job.
     OrderedExpansion<DIM, T> expansion;
+    CrowdedExpansion<DIM, T> crowded_expansion{expansion.tree};
 
     // Several jobs.
     bool findsSparseCells(const std::vector<Point>& some, std::size_t step, T radius);
@@ -86,8 +89,14 @@ void DensityClustering<DIM, T>::generateClustersPrivate(
     }
     clusters.reserve(points.size() / requiredPoints());
     boxes.reserve(points.size() / requiredPoints());
+    const T radius = static_cast<T>(eps);
     engines->expansion.tree.build(points);
-    engines->expansion.run(points, static_cast<T>(eps), requiredPoints(), clusters, boxes);
+    if (points.size() <= engines->crowded_expansion.kMostPoints &&
+        isCrowded(engines->expansion.tree, radius)) {
+        engines->crowded_expansion.run(points, radius, requiredPoints(), clusters, boxes);
+    } else {
+        engines->expansion.run(points, radius, requiredPoints(), clusters, boxes);
+    }
 }
 
 /// Returns how many points make a neighbourhood dense. Without a positive `min_pts`, none is dense.

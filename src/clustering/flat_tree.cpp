@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "clustering/lane_bits.hpp"
+
 namespace kelvora {
 
 template <int DIM, typename T>
@@ -20,6 +22,18 @@ void FlatTree<DIM, T>::build(const std::vector<Point>& points_) {
         const Range all = {entries.data(), entries.data() + entries.size()};
         Bounds bounds = boundsOf(all);
         depth = addNode(all, bounds);
+    }
+}
+
+template <int DIM, typename T>
+void FlatTree<DIM, T>::listSlots(std::vector<std::uint32_t>& slot_of) const {
+    slot_of.assign(points, kNoSlot);
+    for (std::size_t leaf = 0; leaf < leaves(); ++leaf) {
+        for (unsigned lanes_left = finite_lanes[leaf]; lanes_left != 0;
+             lanes_left &= lanes_left - 1) {
+            const std::uint32_t slot = slotAt(leaf, lowestBit(lanes_left));
+            slot_of[order[slot]] = slot;
+        }
     }
 }
 

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <utility>
 #include <vector>
 
 #include "kelvora/kd_point.hpp"
@@ -31,6 +33,8 @@ public:
     /// Lanes in a leaf, which are compared together. Some are unused.
     static constexpr std::size_t kLanes = 12;
     static constexpr unsigned kLaneBits = 4;
+    /// Not the slot of any point.
+    static constexpr std::uint32_t kNoSlot = std::numeric_limits<std::uint32_t>::max();
 
     struct Node {
         T low;                ///< End of the first child's points on the axis.
@@ -50,6 +54,22 @@ public:
     void build(const std::vector<Point>& points);
 
     std::size_t leaves() const { return finite_lanes.size(); }
+
+    /// Slots are less than this number.
+    std::size_t slots() const { return leaves() << kLaneBits; }
+
+    /// Writes the slot of each of the caller's points, `kNoSlot` for those that are not finite.
+    void listSlots(std::vector<std::uint32_t>& slot_of) const;
+
+    /// The children of an inner node in the order in which a walk around `center` visits them.
+    std::pair<std::uint32_t, std::uint32_t> childrenFrom(const std::array<T, DIM>& center,
+                                                         std::uint32_t number) const {
+        const Node& node = nodes[number];
+        const T value = center[node.axis];
+        const bool is_first_nearer = (value - node.low) + (value - node.high) < 0;
+        const std::uint32_t first = number + 1;
+        return is_first_nearer ? std::pair(first, node.other) : std::pair(node.other, first);
+    }
 
     const T* lanesOf(std::size_t leaf) const { return lanes.data() + leaf * DIM * kLanes; }
 

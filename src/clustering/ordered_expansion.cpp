@@ -1,55 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "clustering/ordered_expansion.hpp"
 
-#include <limits>
-
+#include "clustering/lane_bits.hpp"
 #include "clustering/point_box.hpp"
 
 namespace kelvora {
-
-namespace {
-
-constexpr std::uint32_t kNoSlot = std::numeric_limits<std::uint32_t>::max();
-
-/// Number of bits set among the lowest 16. Not every processor has an instruction for it.
-unsigned countBits(unsigned bits) {
-    bits -= bits >> 1U & 0x5555U;
-    bits = (bits & 0x3333U) + (bits >> 2U & 0x3333U);
-    bits = (bits + (bits >> 4U)) & 0x0f0fU;
-    return (bits + (bits >> 8U)) & 0x1fU;
-}
-
-unsigned lowestBit(unsigned bits) {
-    return static_cast<unsigned>(__builtin_ctz(bits));
-}
-
-unsigned highestBit(unsigned bits) {
-    return 31U - static_cast<unsigned>(__builtin_clz(bits));
-}
-
-/// Clears the lowest `count` of the bits that are set.
-unsigned withoutLowest(unsigned bits, std::size_t count) {
-    for (; count > 0; --count) {
-        bits &= bits - 1;
-    }
-    return bits;
-}
-
-/// Minima and extents.
-template <int DIM, typename T>
-std::vector<T> boxOf(const std::vector<KDPoint<DIM, T>>& points,
-                     const std::vector<std::size_t>& members) {
-    const auto& first = points[members[0]].coordinates;
-    std::vector<T> box(first.begin(), first.end());
-    box.insert(box.end(), first.begin(), first.end());
-    for (const std::size_t member : members) {
-        widenBox(box, points[member]);
-    }
-    maximaToExtents<DIM>(box);
-    return box;
-}
-
-}  // namespace
 
 template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::run(const std::vector<Point>& points, T radius, std::size_t min_pts,
@@ -60,8 +15,8 @@ void OrderedExpansion<DIM, T>::run(const std::vector<Point>& points, T radius, s
     for (const std::uint32_t slot : slot_of) {
         // A point that is not core stays unvisited: it may become a border point
         // of a later cluster.
-        const bool is_unvisited =
-            slot != kNoSlot && (unvisited[Tree::leafOf(slot)] >> Tree::laneOf(slot) & 1U) != 0;
+        const bool is_unvisited = slot != Tree::kNoSlot &&
+                                  (unvisited[Tree::leafOf(slot)] >> Tree::laneOf(slot) & 1U) != 0;
         if (is_unvisited && findNeighbours(slot, walk, min_pts)) {
             std::vector<std::size_t>& members = clusters.emplace_back();
             members.reserve(neighbour_count);
@@ -75,17 +30,10 @@ template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::reset() {
     unvisited = tree.finite_lanes;
     may_be_core = tree.finite_lanes;
-    slot_of.assign(tree.points, kNoSlot);
-    const std::size_t leaves = tree.leaves();
-    for (std::size_t leaf = 0; leaf < leaves; ++leaf) {
-        for (unsigned lanes = tree.finite_lanes[leaf]; lanes != 0; lanes &= lanes - 1) {
-            const std::uint32_t slot = Tree::slotAt(leaf, lowestBit(lanes));
-            slot_of[tree.order[slot]] = slot;
-        }
-    }
-    neighbours.resize(leaves + 1);
+    tree.listSlots(slot_of);
+    neighbours.resize(tree.leaves() + 1);
     behind.resize(tree.points);
-    seeds.reset(leaves << Tree::kLaneBits, tree.points);
+    seeds.reset(tree.slots(), tree.points);
 }
 
 /// Returns whether a point is core. If so, lists its neighbours.

@@ -34,4 +34,18 @@ void maximaToExtents(std::vector<T>& box) {
     }
 }
 
+/// Returns minima and extents of some points, at least one.
+template <int DIM, typename T>
+std::vector<T> boxOf(const std::vector<KDPoint<DIM, T>>& points,
+                     const std::vector<std::size_t>& members) {
+    const auto& first = points[members[0]].coordinates;
+    std::vector<T> box(first.begin(), first.end());
+    box.insert(box.end(), first.begin(), first.end());
+    for (const std::size_t member : members) {
+        widenBox(box, points[member]);
+    }
+    maximaToExtents<DIM>(box);
+    return box;
+}
+
 }  // namespace kelvora

@@ -44,14 +44,24 @@ public:
     /// until it returns false.
     template <class OnLeaf>
     void neighboursOf(std::uint32_t slot, OnLeaf onLeaf) {
-        const std::array<T, DIM> center = tree.coordinatesAt(slot);
+        visitAround(
+            tree.coordinatesAt(slot), [](std::uint32_t) { return false; }, onLeaf);
+    }
+
+    /// The same around any position. Also calls `takePart(number)` for each node: if it returns
+    /// true, the leaves below the node are not visited.
+    ///
+    /// \param center  By value, so that the compiler knows that nothing else changes it.
+    template <class TakePart, class OnLeaf>
+    void visitAround(std::array<T, DIM> center, TakePart takePart, OnLeaf onLeaf) {
         std::uint32_t number = 0;
         T squared_distance = 0;
         std::array<T, DIM> squared_sides{};  // the share of each axis in the distance
         std::size_t waiting = 0;
         while (true) {
             const Node* node = &tree.nodes[number];
-            while (node->axis != FlatTree<DIM, T>::kLeaf) {
+            bool is_taken = takePart(number);
+            while (!is_taken && node->axis != FlatTree<DIM, T>::kLeaf) {
                 const T value = center[node->axis];
                 const T beyond_low = value - node->low;
                 const T beyond_high = value - node->high;
@@ -72,8 +82,9 @@ public:
                     ++waiting;
                 }
                 node = &tree.nodes[number];
+                is_taken = takePart(number);
             }
-            if (!onLeaf(nearPoints(center, node->other)) || waiting == 0) {
+            if ((!is_taken && !onLeaf(nearPoints(center, node->other))) || waiting == 0) {
                 return;
             }
             --waiting;
