@@ -98,7 +98,9 @@ public:
     ///     seen; predictions then stay where they are. Clusters without area, or whose centre or
     ///     area is not finite, belong to no track.
     /// \returns the id of the track of each cluster, 0 for none.
-    /// \throws std::invalid_argument  if the timestamp is lower than before; nothing changes.
+    /// \throws std::invalid_argument  if the timestamp is lower than before.
+    /// \throws std::bad_alloc  if there is not enough memory.
+    /// \note After an exception, the tracker is as it was before the call.
     std::vector<int> update(const std::vector<ClusterGeometry>& clusters);
 
     /// Returns the tracks after the last update, tentative ones included.
@@ -121,6 +123,7 @@ private:
         int hidden = 0;                   ///< Hidden updates since the last sighting.
     };
 
+    KELVORA_NO_EXPORT std::vector<int> advance(const std::vector<ClusterGeometry>& clusters);
     KELVORA_NO_EXPORT void predictTargets();
     KELVORA_NO_EXPORT void matchTargets(std::vector<ClusterGeometry> clusters);
     KELVORA_NO_EXPORT void matchByOverlap(const std::vector<ClusterGeometry>& clusters);

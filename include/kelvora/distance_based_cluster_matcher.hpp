@@ -54,7 +54,8 @@ public:
     /// Copies the thresholds, the callback and the records of the last pass.
     /// \param other  The matcher to copy.
     DistanceBasedClusterMatcher(const DistanceBasedClusterMatcher& other);
-    /// Copies the thresholds, the callback and the records of the last pass.
+    /// Copies the thresholds, the callback and the records of the last pass. If an exception is
+    /// thrown, this matcher is as before.
     /// \param other  The matcher to copy.
     /// \returns this matcher.
     DistanceBasedClusterMatcher& operator=(const DistanceBasedClusterMatcher& other);
@@ -62,7 +63,7 @@ public:
     /// Destroys the callback and the records.
     ~DistanceBasedClusterMatcher();
 
-    /// Replaces the callback.
+    /// Replaces the callback. If an exception is thrown, the old callback stays.
     /// \param callback  Copied. An empty function removes the callback.
     void setDetectedMatchCallback(const DetectedMatchCallback& callback);
 
@@ -81,8 +82,8 @@ public:
     ///     cluster then matches itself, if it matches at all. The pass changes no cluster.
     /// \param match_tag  Passed to the callback and stored in the records, for the caller's use.
     /// \returns the number of pairs.
-    /// \note An exception from the callback propagates at once. The records then hold the pairs
-    /// before.
+    /// \note An exception from the callback propagates at once. After any exception, the records
+    /// hold the pairs that were accepted before, and the matcher can be used again.
     /// \note Candidates and their order are fixed before the first call of the callback; sizes are
     /// compared when it is a pair's turn. The callback may change clusters. It must not resize the
     /// batches, and must not use this matcher except to read the records.

@@ -2,10 +2,13 @@
 #include "kelvora/cluster_tracker.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 namespace kelvora {
 
@@ -55,9 +58,13 @@ bool liesLargelyWithin(const ClusterGeometry& part, const ClusterGeometry& whole
     return commonArea(part, whole) >= kLargeShare * part.getArea();
 }
 
-float median(std::vector<float> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
+/// Returns the median of a size of all sightings, at least one.
+template <class Sightings, class SizeOf>
+float medianOf(const Sightings& sightings, SizeOf sizeOf) {
+    std::array<float, kMostSightings> sizes;
+    const auto end = std::transform(sightings.begin(), sightings.end(), sizes.begin(), sizeOf);
+    const auto middle = sizes.begin() + (end - sizes.begin()) / 2;
+    std::nth_element(sizes.begin(), middle, end);
     return *middle;
 }
 
@@ -101,10 +108,25 @@ ClusterTracker::ClusterTracker(float max_distance, float max_size_change, int ma
       min_hits(requireAtLeast(1, min_hits_, "ClusterTracker: min_hits must be at least 1")) {}
 
 std::vector<int> ClusterTracker::update(const std::vector<ClusterGeometry>& clusters) {
+    if (!clusters.empty() && clusters.front().timestamp < last_timestamp) {
+        throw std::invalid_argument("ClusterTracker: timestamps must not decrease");
+    }
+    std::vector<Target> targets_before = targets;
+    const std::uint64_t timestamp_before = last_timestamp;
+    const int id_before = next_id;
+    try {
+        return advance(clusters);
+    } catch (...) {
+        targets.swap(targets_before);
+        last_timestamp = timestamp_before;
+        next_id = id_before;
+        throw;
+    }
+}
+
+/// Updates the tracks. If this fails, they are invalid.
+std::vector<int> ClusterTracker::advance(const std::vector<ClusterGeometry>& clusters) {
     if (!clusters.empty()) {
-        if (clusters.front().timestamp < last_timestamp) {
-            throw std::invalid_argument("ClusterTracker: timestamps must not decrease");
-        }
         last_timestamp = clusters.front().timestamp;
     }
     predictTargets();
@@ -138,14 +160,9 @@ void ClusterTracker::predictTargets() {
         const double elapsed = secondsBetween(last.timestamp, last_timestamp);
         const auto x = static_cast<float>(last.x + track.vx * elapsed);
         const auto y = static_cast<float>(last.y + track.vy * elapsed);
-        std::vector<float> widths;
-        std::vector<float> heights;
-        for (const Sighting& sighting : target.sightings) {
-            widths.push_back(sighting.width);
-            heights.push_back(sighting.height);
-        }
-        const float width = median(widths);
-        const float height = median(heights);
+        const auto& sightings = target.sightings;
+        const float width = medianOf(sightings, [](const Sighting& one) { return one.width; });
+        const float height = medianOf(sightings, [](const Sighting& one) { return one.height; });
         track.box = {x - width / 2, y - height / 2, width, height, last_timestamp};
         track.cluster = -1;
         track.is_hidden = false;
@@ -259,10 +276,10 @@ void ClusterTracker::beginTargets(const std::vector<ClusterGeometry>& clusters) 
             Target target{};
             target.track.id = next_id++;
             sight(target, clusters[i], i);
-            begun.push_back(target);
+            begun.push_back(std::move(target));
         }
     }
-    targets.insert(targets.end(), begun.begin(), begun.end());
+    std::move(begun.begin(), begun.end(), std::back_inserter(targets));
 }
 
 /// Whether a cluster lies largely within the box of a confirmed track, or contains one.

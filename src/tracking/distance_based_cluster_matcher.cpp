@@ -181,7 +181,14 @@ DistanceBasedClusterMatcher::DistanceBasedClusterMatcher(float distance_threshol
 DistanceBasedClusterMatcher::DistanceBasedClusterMatcher(const DistanceBasedClusterMatcher&) =
     default;
 DistanceBasedClusterMatcher& DistanceBasedClusterMatcher::operator=(
-    const DistanceBasedClusterMatcher&) = default;
+    const DistanceBasedClusterMatcher& other) {
+    DistanceBasedClusterMatcher copy(other);  // before anything changes, as it may fail
+    distance_threshold_squared = copy.distance_threshold_squared;
+    size_threshold = copy.size_threshold;
+    detected_match_callback.swap(copy.detected_match_callback);
+    pair_records.swap(copy.pair_records);
+    return *this;
+}
 DistanceBasedClusterMatcher::~DistanceBasedClusterMatcher() = default;
 
 void DistanceBasedClusterMatcher::setDetectedMatchCallback(const DetectedMatchCallback& callback) {
@@ -194,6 +201,8 @@ std::size_t DistanceBasedClusterMatcher::matchClusters(std::vector<ClusterGeomet
     pair_records.clear();
     const std::vector<Candidate> candidates =
         CandidateSearch(first, second, distance_threshold_squared).run();
+    // Now, so that every pair reported to the callback is recorded.
+    pair_records.reserve(std::min({candidates.size(), first.size(), second.size()}));
     std::unordered_set<ClusterGeometry*> used;
     for (const Candidate& pair : candidates) {
         if (tryClusterAssociation(used, first[static_cast<std::size_t>(pair.first)],

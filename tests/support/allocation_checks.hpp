@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <vector>
 
 #include "kelvora/cluster_geometry.hpp"
@@ -42,6 +43,30 @@ void expectAllIsFreedWheneverAnAllocationFails(const Work& work, std::size_t few
         EXPECT_EQ(unfreed, 0) << "after " << allowed << " allocations";
     }
     EXPECT_EQ(failures, needed);
+}
+
+/// Does `work(object)` on an object from `make` for each allocation that it needs, and lets this
+/// allocation fail. Calls `check(object)` after each failure.
+///
+/// \returns the number of failures.
+template <class Make, class Work, class Check>
+std::size_t failEachAllocation(const Make& make, const Work& work, const Check& check) {
+    for (std::size_t allowed = 0;; ++allowed) {
+        auto object = make();
+        bool has_failed = false;
+        {
+            const AllocationWatch watch(allowed);
+            try {
+                work(object);
+            } catch (const std::bad_alloc&) {
+                has_failed = true;
+            }
+        }
+        if (!has_failed) {
+            return allowed;
+        }
+        check(object);
+    }
 }
 
 /// Feeds millions of events, and generates clusters after every `batch` of them.
