@@ -26,5 +26,8 @@
 /// The function unlocks the mutex.
 #define KELVORA_RELEASE(...) KELVORA_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
 
+/// The function may only be called while the mutex is locked.
+#define KELVORA_REQUIRES(...) KELVORA_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+
 /// The function uses guarded members without the lock on purpose. Say why.
 #define KELVORA_NO_THREAD_SAFETY_ANALYSIS KELVORA_THREAD_ANNOTATION(no_thread_safety_analysis)

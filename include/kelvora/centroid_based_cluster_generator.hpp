@@ -155,6 +155,8 @@ public:
     ///
     /// \tparam EventT  `Event2D`, `Event2DFrequency` or `Event2DPeriod<T>`.
     /// \param event  Null is ignored.
+    /// \throws std::bad_alloc  if there is no memory for the point. The event counts in the time
+    ///     window then, but is not clustered. Events before it are kept.
     template <class EventT>
     void processEvent(const EventT* event);
 
@@ -174,6 +176,8 @@ public:
     ///     sensor; none if there are fewer than k points. A cluster without points, without area,
     ///     or off the sensor has the box (0, 0, 0, 0). In three dimensions, start and duration hold
     ///     the low 32 bits of the microseconds, and 0 for a number that does not fit into 64 bits.
+    /// \note After an exception, `clusters` may hold some of the clusters. The events since the
+    /// previous call are then not clustered again, and the generator can be used as before.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Empties the time window, so that the events since the last `generateClusters` are not

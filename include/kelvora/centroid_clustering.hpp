@@ -77,6 +77,8 @@ public:
     /// \param cluster_boxes  Emptied first. Receives for each cluster, in the same order, the
     ///     smallest coordinate on each axis, then the extent on each axis. The box of a cluster
     ///     without points has the largest number as minimum and minus infinity as extent.
+    /// \note After an exception, the outputs and the centroids may hold some of the results. The
+    /// object can be used again.
     void generateClusters(const std::vector<Point>& points,
                           std::vector<std::vector<std::size_t>>& clusters,
                           std::vector<std::vector<T>>& cluster_boxes);

@@ -151,6 +151,8 @@ public:
     ///
     /// \tparam EventT  `Event2D`, `Event2DFrequency` or `Event2DPeriod<T>`.
     /// \param event  Null is ignored.
+    /// \throws std::bad_alloc  if there is no memory for the point. The event counts in the time
+    ///     window then, but is not clustered. Events before it are kept.
     template <class EventT>
     void processEvent(const EventT* event);
 
@@ -173,6 +175,8 @@ public:
     /// \throws std::runtime_error  "n_jobs must be greater than 0" if the number of threads works
     ///     out to 0.
     /// \throws std::system_error  if a thread cannot be started.
+    /// \note After an exception, `clusters` may hold some of the clusters. The events since the
+    /// previous call are then not clustered again, and the generator can be used as before.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Forgets the points of the last `generateClusters`, but keeps the events since.

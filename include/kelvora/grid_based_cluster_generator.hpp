@@ -120,11 +120,15 @@ public:
     void processEvents(const Event* events, std::size_t count);
 
     /// Reports the clusters of the events since the previous call, and resets all counts. Takes
-    /// time linear in the number of cells and pixels. Allocates only to enlarge `clusters`.
+    /// time linear in the number of cells and pixels. Allocates only to enlarge `clusters`, and
+    /// for more regions of active cells than in any call before.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
     /// \param clusters  Emptied first. Ordered by the first cell of each cluster, rows from top to
     ///     bottom and columns from left to right.
+    /// \note After an exception, `clusters` may hold some of the clusters. The events since the
+    /// previous call then either count for the next call or are forgotten, and the generator can
+    /// be used as before.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Sets all counters to 0, in time linear in the number of cells and pixels.

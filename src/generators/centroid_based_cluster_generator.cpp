@@ -143,10 +143,17 @@ void CentroidBasedClusterGenerator<DIM, T>::Impl::generateClusters(
 }
 
 /// Clusters while the mutex is not locked, so that the lock is held only briefly. The caller must
-/// not run any other operation at the same time, and so needs no lock.
+/// not run any other operation at the same time, and so needs no lock. If this fails, there are no
+/// clusters.
 template <int DIM, typename T>
 void CentroidBasedClusterGenerator<DIM, T>::Impl::clusterWithoutLock() {
-    clustering.generateClustersPrivate(working_points, clusters, cluster_boxes);
+    try {
+        clustering.generateClustersPrivate(working_points, clusters, cluster_boxes);
+    } catch (...) {
+        clusters.clear();
+        cluster_boxes.clear();
+        throw;
+    }
     reported_events.setClustered(working_points.size());
 }
 

@@ -83,6 +83,8 @@ public:
     bool setMaxTimeLength(unsigned long long max_time_length_);
 
 private:
+    void clusterWorkingPoints() KELVORA_REQUIRES(points_mutex);
+
     PointScales scales;
     EventFilterType filter_type;
     std::uint8_t rejected_polarity = 0;
@@ -154,14 +156,25 @@ void DensityBasedClusterGenerator<DIM, T>::Impl::generateClusters(
         const MutexLock lock(points_mutex);
         reported_events.replace(incoming_points.size());
         exchangePoints(working_points, incoming_points, *event_counter, max_capacity);
-        // They refer to the previous points, and would stay like that if clustering fails.
-        clusters.clear();
-        boxes.clear();
-        clustering.generateClustersMultiThread(working_points, clusters, boxes,
-                                               jobsFor(n_jobs, working_points.size()));
-        reported_events.setClustered(working_points.size());
+        clusterWorkingPoints();
     }
     boxesToGeometries<DIM>(boxes, scales, sensor_width, sensor_height, timestamp, out);
+}
+
+/// If this fails, there are no clusters.
+template <int DIM, typename T>
+void DensityBasedClusterGenerator<DIM, T>::Impl::clusterWorkingPoints() {
+    clusters.clear();
+    boxes.clear();
+    try {
+        clustering.generateClustersMultiThread(working_points, clusters, boxes,
+                                               jobsFor(n_jobs, working_points.size()));
+    } catch (...) {
+        clusters.clear();
+        boxes.clear();
+        throw;
+    }
+    reported_events.setClustered(working_points.size());
 }
 
 template <int DIM, typename T>
