@@ -95,9 +95,12 @@ public:
     ///
     /// \tparam Event  `Event2D`, `Event2DFrequency`, or `Event2DPeriod` of `int`, `unsigned int`,
     ///     `float`, `double`, `long long` or `unsigned long long`.
-    /// \param event  Must not be null, and must be on the sensor. Neither is checked in release
-    ///     builds; debug builds assert both. Polarities other than 0 and 1 count as positive,
-    ///     except that a filter that ignores nothing does ignore polarity 2.
+    /// \param event  Must not be null, and must be on the sensor unless the filter ignores it.
+    ///     Neither is checked, except in hardened builds. Polarities other than 0 and 1 count as
+    ///     positive, except that a filter that ignores nothing does ignore polarity 2.
+    /// \throws std::invalid_argument  "GridBasedClusterGenerator: null event pointer" or
+    ///     "GridBasedClusterGenerator: event off the sensor", in hardened builds only: debug
+    ///     builds, and builds with the CMake option `KELVORA_HARDENED`. Nothing changes.
     /// \throws std::out_of_range  "invalid unordered_map<K, T> key" if the filter type is not one
     ///     of the four, and no polarity is stored yet for this event type (see the note).
     ///
@@ -116,6 +119,8 @@ public:
     /// \param count  Number of events; 0 does nothing.
     /// \throws std::out_of_range  like `processEvent` for the first event; no
     ///     event is counted then.
+    /// \throws std::invalid_argument  for an event off the sensor, in hardened builds only. The
+    ///     events before it are counted.
     template <class Event>
     void processEvents(const Event* events, std::size_t count);
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cassert>
 #include <cstdint>
 #include <stdexcept>
 
@@ -18,6 +17,12 @@ namespace {
 
 /// No decision yet on the rejected polarity.
 constexpr std::uint8_t kUndecided = 255;
+
+#ifdef KELVORA_HARDENED
+constexpr bool kIsHardened = true;
+#else
+constexpr bool kIsHardened = false;
+#endif
 
 constexpr std::uint8_t kNone = 0;
 constexpr std::uint8_t kOne = 1;
@@ -106,6 +111,20 @@ std::vector<std::uint16_t> cellOfPixel(int sensor_size, int cell_size) {
         cells[static_cast<std::size_t>(pixel)] = static_cast<std::uint16_t>(pixel / cell_size);
     }
     return cells;
+}
+
+[[noreturn, gnu::cold]] void refuse(const char* problem) {
+    throw std::invalid_argument(problem);
+}
+
+/// Throws if an event is off the sensor, in hardened builds.
+template <class Event>
+void requireOnSensor(const Event& event, int sensor_width, int sensor_height) {
+    if constexpr (kIsHardened) {
+        if (event.x >= sensor_width || event.y >= sensor_height) {
+            refuse("GridBasedClusterGenerator: event off the sensor");
+        }
+    }
 }
 
 }  // namespace
@@ -228,7 +247,7 @@ void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
     if (polarity == rejected) {
         return;
     }
-    assert(event.x < sensor_width && event.y < sensor_height);
+    requireOnSensor(event, sensor_width, sensor_height);
     const std::size_t row = row_to_cell[event.y];
     const std::size_t col = column_to_cell[event.x];
     // A cell becomes active only when a counter reaches the threshold. This is rare, so the branch
@@ -290,6 +309,8 @@ template <class Event, bool kIsSeparate, bool kIsPixelOnce>
 const Event* GridBasedClusterGenerator::Impl::countUntilActivation(const Event* event,
                                                                    const Event* end) const {
     const std::uint8_t rejected = rejectedPolarityOf<Event>().load(std::memory_order_relaxed);
+    const int width = sensor_width;
+    const int height = sensor_height;
     const std::uint16_t* const row_to_cell_of = row_to_cell.data();
     const std::uint16_t* const column_to_cell_of = column_to_cell.data();
     AddToCell add_to = add_to_cell;
@@ -303,7 +324,7 @@ const Event* GridBasedClusterGenerator::Impl::countUntilActivation(const Event* 
         if (polarity == rejected) {
             continue;
         }
-        assert(event->x < sensor_width && event->y < sensor_height);
+        requireOnSensor(*event, width, height);
         const std::size_t row = row_to_cell_of[event->y];
         const std::size_t col = column_to_cell_of[event->x];
         if (add_to(row, col, polarity != 0, add_pixel(event->x, event->y)) && is_active(row, col)) {
@@ -370,7 +391,9 @@ GridBasedClusterGenerator::~GridBasedClusterGenerator() = default;
 
 template <class Event>
 void GridBasedClusterGenerator::processEvent(const Event* event) {
-    assert(event != nullptr);
+    if (kIsHardened && event == nullptr) {
+        refuse("GridBasedClusterGenerator: null event pointer");
+    }
     const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->processEvent(*event);
 }

@@ -286,15 +286,5 @@ TEST(CountingOfTheGridGenerator, CountsEventsOfDifferentTypesTogether) {
     EXPECT_THAT(generate(generator), SizeIs(1));
 }
 
-#ifndef NDEBUG
-TEST(GridGeneratorDeathTest, AssertsThatThereIsAnEventOnTheSensor) {
-    auto generator = GridSettings().sensor(10, 10).build();
-    const Event2D* const no_event = nullptr;
-    EXPECT_DEATH(generator.processEvent(no_event), "");
-    EXPECT_DEATH(feed(generator, positiveEvent(10, 0)), "");
-    EXPECT_DEATH(feed(generator, positiveEvent(0, 10)), "");
-}
-#endif
-
 }  // namespace
 }  // namespace kelvora::test
