@@ -51,7 +51,7 @@ auto readSession(Clusterer& clusterer, const Read& read) {
     return clusterer.read(read);
 }
 
-py::array_t<double> toArray(const Table& table, std::size_t dim) {
+py::array_t<double> toPointArray(const Table& table, std::size_t dim) {
     py::array_t<double> array({table.size() / dim, dim});
     std::copy(table.begin(), table.end(), array.mutable_data());
     return array;
@@ -64,7 +64,7 @@ py::list clusterPoints(Clusterer& clusterer) {
     py::list arrays;
     for (const Table& table : readSession(
              clusterer, [dim](const tool::Session& session) { return pointsOf(session, dim); })) {
-        arrays.append(toArray(table, dim));
+        arrays.append(toPointArray(table, dim));
     }
     return arrays;
 }
@@ -78,7 +78,7 @@ py::array_t<std::int64_t> eventLabels(Clusterer& clusterer) {
 }
 
 py::array_t<double> clusterCentroids(Clusterer& clusterer) {
-    return toArray(readSession(clusterer, centroidsOf), clusterer.dim());
+    return toPointArray(readSession(clusterer, centroidsOf), clusterer.dim());
 }
 
 py::array_t<std::int64_t> clusterSizes(Clusterer& clusterer) {
