@@ -11,7 +11,7 @@ import kelvora
 from recordings import run_tool, simulate
 
 WINDOW = 10_000
-WINDOWS = 60
+WINDOWS = 30
 VARIANTS = [
     {"method": "grid"},
     {"method": "density", "dim": 2, "jobs": 1},
@@ -33,7 +33,7 @@ TOOL_NAMES = {"k": "clusters"}
 @pytest.fixture(scope="module")
 def scene(tmp_path_factory):
     path = tmp_path_factory.mktemp("scene") / "scene.raw"
-    return simulate(path, seed=7, duration="600ms", sensor="640x480")
+    return simulate(path, seed=7, duration="300ms", sensor="640x480")
 
 
 @pytest.fixture(scope="module")

@@ -12,6 +12,7 @@
 
 #include "support/kmeans_outcome.hpp"
 #include "support/points.hpp"
+#include "support/rounds.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -160,20 +161,20 @@ TYPED_TEST_SUITE(RandomSetsAndCentroids, PointKinds, PointKindNames);
 
 TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesFromOneOfThePoints) {
     Variety variety;
-    for (std::uint64_t seed = 0; seed < 10'000; ++seed) {
+    for (std::uint64_t seed = 0; seed < rounds(10'000U); ++seed) {
         Random random(seed);
         const Settings settings(random);
         typename TestFixture::Tested clustering(settings.k, settings.max_iter, settings.tol);
         this->compareWithModel(random, clustering, settings, variety);
         ASSERT_FALSE(this->HasFailure()) << "seed " << seed;
     }
-    EXPECT_GT(variety.with_empty_clusters, 100);
-    EXPECT_GT(variety.with_far_moves, 40);
-    EXPECT_GT(variety.with_several_leaves, 500);
-    EXPECT_GT(variety.stopped_early, 3000);
-    EXPECT_GT(variety.long_runs, 1000);
-    EXPECT_GT(variety.from_other_points, 4000);
-    EXPECT_GT(variety.too_few_points, 1000);
+    EXPECT_GT(variety.with_empty_clusters, rounds(100));
+    EXPECT_GT(variety.with_far_moves, rounds(40));
+    EXPECT_GT(variety.with_several_leaves, rounds(500));
+    EXPECT_GT(variety.stopped_early, rounds(3000));
+    EXPECT_GT(variety.long_runs, rounds(1000));
+    EXPECT_GT(variety.from_other_points, rounds(4000));
+    EXPECT_GT(variety.too_few_points, rounds(1000));
 }
 
 TYPED_TEST(RandomSetsAndCentroids, GiveTheSameWithAnObjectThatRanBefore) {

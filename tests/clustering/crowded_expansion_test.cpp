@@ -12,6 +12,7 @@
 #include "support/density_cases.hpp"
 #include "support/density_models.hpp"
 #include "support/points.hpp"
+#include "support/rounds.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -60,11 +61,11 @@ TYPED_TEST(CrowdedExpansions, FindNothingWithoutPoints) {
 }
 
 TYPED_TEST(CrowdedExpansions, FindTheSameAsTheModelInSmallSets) {
-    this->compareMany(300, 120);
+    this->compareMany(rounds(300), 120);
 }
 
 TYPED_TEST(CrowdedExpansions, FindTheSameAsTheModelInLargerSets) {
-    this->compareMany(20, 2000);
+    this->compareMany(rounds(20), 2000);
 }
 
 // From one pixel, all of whose points are neighbours, to a block much larger than the radius. Some

@@ -11,6 +11,7 @@
 #include "support/density_cases.hpp"
 #include "support/density_models.hpp"
 #include "support/points.hpp"
+#include "support/rounds.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -27,10 +28,10 @@ public:
         found_members = in_order.clusters;
     }
 
-    static void compareMany(int rounds, std::size_t most_points) {
+    static void compareMany(int count, std::size_t most_points) {
         for (const Scatter scatter : kScatters) {
             int with_clusters = 0;
-            for (int round = 0; round < rounds; ++round) {
+            for (int round = 0; round < count; ++round) {
                 Random random(static_cast<std::uint64_t>(round));
                 const DensityCase<Kind> set(random, scatter, most_points);
                 for (const int jobs : {1, 2}) {
@@ -41,18 +42,18 @@ public:
                     with_clusters += found.empty() ? 0 : 1;
                 }
             }
-            EXPECT_GT(with_clusters, rounds / 4);
+            EXPECT_GT(with_clusters, count / 4);
         }
     }
 };
 TYPED_TEST_SUITE(LiteralPasses, PointKinds, PointKindNames);
 
 TYPED_TEST(LiteralPasses, FindTheSameInSmallSets) {
-    this->compareMany(300, 120);
+    this->compareMany(rounds(300), 120);
 }
 
 TYPED_TEST(LiteralPasses, FindTheSameInLargerSets) {
-    this->compareMany(20, 3000);
+    this->compareMany(rounds(20), 3000);
 }
 
 /// Points all over a space that is long in its last axis, and some in ten clumps, each denser than

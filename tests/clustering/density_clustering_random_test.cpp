@@ -7,6 +7,7 @@
 
 #include "support/density_models.hpp"
 #include "support/points.hpp"
+#include "support/rounds.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -54,7 +55,7 @@ public:
     static void compareWithModels(std::uint64_t first_seed) {
         constexpr std::array<int, 4> kJobs = {2, 3, 4, 16};
         Variety variety;
-        for (std::uint64_t seed = first_seed; seed < first_seed + 1000; ++seed) {
+        for (std::uint64_t seed = first_seed; seed < first_seed + rounds(1000U); ++seed) {
             Random random(seed);
             const RandomCase<Kind> set(random);
             const auto one = modelOfOneJob<Kind>(set.points, set.eps, set.min_pts);
@@ -70,9 +71,9 @@ public:
             variety.add(one, set.points.size());
             variety.add(many, set.points.size());
         }
-        EXPECT_GT(variety.none, 100);
-        EXPECT_GT(variety.several, 200);
-        EXPECT_GT(variety.with_noise, 300);
+        EXPECT_GT(variety.none, rounds(100));
+        EXPECT_GT(variety.several, rounds(200));
+        EXPECT_GT(variety.with_noise, rounds(300));
     }
 };
 TYPED_TEST_SUITE(ThousandRandomSets, PointKinds, PointKindNames);

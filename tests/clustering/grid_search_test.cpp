@@ -5,6 +5,7 @@
 
 #include "support/parallel_search_cases.hpp"
 #include "support/points.hpp"
+#include "support/rounds.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -14,11 +15,11 @@ class GridSearchByItself : public ::testing::Test {};
 TYPED_TEST_SUITE(GridSearchByItself, PointKinds, PointKindNames);
 
 TYPED_TEST(GridSearchByItself, FindsTheSetsOfTheLiteralPassInSmallSets) {
-    compareWithLiteralPass<TypeParam, GridSearch>(300, 120);
+    compareWithLiteralPass<TypeParam, GridSearch>(rounds(300), 120);
 }
 
 TYPED_TEST(GridSearchByItself, FindsTheSetsOfTheLiteralPassInLargerSets) {
-    compareWithLiteralPass<TypeParam, GridSearch>(20, 3000);
+    compareWithLiteralPass<TypeParam, GridSearch>(rounds(20), 3000);
 }
 
 }  // namespace

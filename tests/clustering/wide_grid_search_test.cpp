@@ -5,6 +5,7 @@
 
 #include "support/parallel_search_cases.hpp"
 #include "support/points.hpp"
+#include "support/rounds.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -14,11 +15,11 @@ class WideGridSearchByItself : public ::testing::Test {};
 TYPED_TEST_SUITE(WideGridSearchByItself, PointKinds, PointKindNames);
 
 TYPED_TEST(WideGridSearchByItself, FindsTheSetsOfTheLiteralPassInSmallSets) {
-    compareWithLiteralPass<TypeParam, WideGridSearch>(300, 120);
+    compareWithLiteralPass<TypeParam, WideGridSearch>(rounds(300), 120);
 }
 
 TYPED_TEST(WideGridSearchByItself, FindsTheSetsOfTheLiteralPassInLargerSets) {
-    compareWithLiteralPass<TypeParam, WideGridSearch>(20, 3000);
+    compareWithLiteralPass<TypeParam, WideGridSearch>(rounds(20), 3000);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "support/random_grid_case.hpp"
+#include "support/rounds.hpp"
 
 namespace kelvora::test {
 namespace {
@@ -12,7 +13,7 @@ namespace {
 class ThousandRandomCases : public ::testing::TestWithParam<std::uint64_t> {};
 
 TEST_P(ThousandRandomCases, GiveTheClustersOfTheModel) {
-    for (std::uint64_t seed = GetParam(); seed < GetParam() + 1000; ++seed) {
+    for (std::uint64_t seed = GetParam(); seed < GetParam() + rounds(1000U); ++seed) {
         const GridCase grid_case = randomGridCase(seed);
         const auto difference = compareWithModel(grid_case, grid_case.settings);
         ASSERT_FALSE(difference) << *difference << "\nseed " << seed << ": " << grid_case.settings;
@@ -20,7 +21,7 @@ TEST_P(ThousandRandomCases, GiveTheClustersOfTheModel) {
 }
 
 TEST_P(ThousandRandomCases, GiveTheClustersOfTheModelAlsoIfFedInBatches) {
-    for (std::uint64_t seed = GetParam(); seed < GetParam() + 1000; ++seed) {
+    for (std::uint64_t seed = GetParam(); seed < GetParam() + rounds(1000U); ++seed) {
         const GridCase grid_case = randomGridCase(seed);
         const auto difference =
             compareWithModel(grid_case, grid_case.settings, Feeding::kInBatches);
