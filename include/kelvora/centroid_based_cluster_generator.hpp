@@ -14,8 +14,8 @@
 
 namespace kelvora {
 
-/// Parameters of a `CentroidBasedClusterGenerator`, by name. The defaults are the same as in
-/// the command-line tool, and suit windows of about 10 ms. The number of clusters has no default.
+/// Named parameters of a `CentroidBasedClusterGenerator`. The defaults are the same as in the
+/// command-line tool, and suit windows of about 10 ms. The number of clusters has no default.
 struct CentroidBasedClusterGeneratorOptions {
     float scale_width = 1.0F;   ///< Scaled units per pixel column, larger than 0.
     float scale_height = 1.0F;  ///< Scaled units per pixel row, larger than 0.
@@ -23,12 +23,12 @@ struct CentroidBasedClusterGeneratorOptions {
     float scale_time = 0.001F;
     /// Events to ignore. `POLARITY_SEPARATE` is refused.
     EventFilterType filter_type = POLARITY_FREE;
-    /// Most points to cluster, at least 1; the newest are kept. The largest number means no limit.
+    /// Maximum number of points, at least 1; the newest are kept. The largest value means no limit.
     unsigned long long max_capacity = std::numeric_limits<unsigned long long>::max();
     /// Time window of the events to cluster, microseconds, at least 1.
     unsigned long long max_time_length = std::numeric_limits<unsigned long long>::max();
     unsigned long long k_clusters = 0;  ///< Number of clusters. Must be set: 0 is refused.
-    unsigned long long max_iter = 50;   ///< Most iterations, at least 1.
+    unsigned long long max_iter = 50;   ///< Maximum number of iterations, at least 1.
     /// Iterations end when the sum of squared distances changes by less than this, squared scaled
     /// units, larger than 0.
     double tol = 1.0;
@@ -64,8 +64,8 @@ struct CentroidBasedClusterGeneratorOptions {
 /// \note Timestamps are used as they are, not relative to a start. As `float`, times beyond 17
 /// seconds lose single microseconds, and times since 1970 lose whole minutes. Subtract a start time
 /// before you feed events, or use `double`.
-/// \note The time window advances by the gaps between events, see `SlidingEventCounter`: a dense
-/// stream is never forgotten, however long it lasts. If the time window matters, call
+/// \note The time window advances by the gaps between events, see `SlidingEventCounter`: in a dense
+/// stream it discards nothing, however long the stream is. If the time window matters, call
 /// `generateClusters` once per window. An event older than the previous one empties the counter,
 /// even without a time limit: the events before it are then not clustered.
 ///
@@ -94,14 +94,14 @@ public:
     ///     checked for being finite: points with an infinite or undefined coordinate belong to the
     ///     first cluster.
     /// \param scale_time  Scaled units per microsecond, larger than 0; with 0.001, a millisecond
-    ///     weighs as much as a pixel. Unused in two dimensions.
+    ///     counts as much as a pixel. Unused in two dimensions.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
-    /// \param max_capacity  Most points to cluster, at least 1; the newest are kept. Each of two
-    ///     buffers reserves room for 1.5 times as many. The largest number means no limit, and
-    ///     nothing is reserved.
+    /// \param max_capacity  Maximum number of points to cluster, at least 1; the newest are kept.
+    ///     Each of two buffers reserves memory for 1.5 times as many. The largest value means no
+    ///     limit, and nothing is reserved.
     /// \param max_time_length  Time window of the events to cluster, microseconds, at least 1.
     /// \param k_clusters  Number of clusters, at least 1.
-    /// \param max_iter  Most iterations, at least 1.
+    /// \param max_iter  Maximum number of iterations, at least 1.
     /// \param tol  Iterations end when the sum of squared distances changes by less than this,
     ///     squared scaled units, larger than 0.
     /// \throws std::runtime_error  for an invalid argument, or if the points cannot be reserved.
@@ -120,7 +120,7 @@ public:
     /// \param scale_time  Scaled units per microsecond, larger than 0.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
     /// \param k_clusters  Number of clusters, at least 1.
-    /// \param max_iter  Most iterations, at least 1.
+    /// \param max_iter  Maximum number of iterations, at least 1.
     /// \param tol  Change that ends the iterations, squared scaled units, larger than 0.
     /// \throws std::runtime_error  for an invalid argument.
     /// \throws std::out_of_range  for an unknown `filter_type`.
@@ -134,7 +134,7 @@ public:
     /// \param sensor_width,sensor_height  Size of the sensor, pixels, at least 1.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
     /// \param k_clusters  Number of clusters, at least 1.
-    /// \param max_iter  Most iterations, at least 1.
+    /// \param max_iter  Maximum number of iterations, at least 1.
     /// \param tol  Change that ends the iterations, squared scaled units, larger than 0.
     /// \throws std::runtime_error  for an invalid argument.
     /// \throws std::out_of_range  for an unknown `filter_type`.
@@ -163,7 +163,7 @@ public:
     /// Adds several events. Does the same as `processEvent` for each of them, events off the sensor
     /// included, but faster.
     ///
-    /// \param events  Array of `count` events. Null is ignored, whatever `count` is.
+    /// \param events  Array of `count` events. Null is ignored for any `count`.
     /// \param count  Number of events; 0 does nothing.
     template <class EventT>
     void processEvents(const EventT* events, std::size_t count);
@@ -206,14 +206,14 @@ public:
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
 
-    /// Replaces `labels` by the cluster of each event that was taken between the last
-    /// `generateClusters` and the one before: its index in the reported clusters, or -1.
+    /// Replaces `labels` by the cluster of each event that was fed between the last two calls
+    /// of `generateClusters`: its index in the reported clusters, or -1.
     ///
-    /// There is one label per event, in order of arrival. Events that the filter ignores are not
-    /// taken and have no label. The label is -1 for events that were
+    /// There is one label per event, in order of arrival. Events that the filter ignores
+    /// have no label. The label is -1 for events that were
     /// left out because of the capacity or the time window. All labels are -1 if clustering
     /// failed, or if there were fewer than k points. `reset` changes no label of the last
-    /// `generateClusters`. Events taken since then have no label yet.
+    /// `generateClusters`. Events fed since then have no label yet.
     ///
     /// Takes time linear in the number of events.
     ///
@@ -236,8 +236,8 @@ public:
     /// \returns whether it was set. For 0, returns false and changes nothing.
     bool setClusterNumber(unsigned long long k_clusters);
 
-    /// Sets how many points are clustered at most. With 0, there are no clusters. Reserves nothing.
-    /// \param max_capacity  Points; the largest number means no limit.
+    /// Sets the maximum number of points. With 0, there are no clusters. Reserves nothing.
+    /// \param max_capacity  Points; the largest value means no limit.
     /// \returns true.
     bool setMaxCapacity(unsigned long long max_capacity);
 

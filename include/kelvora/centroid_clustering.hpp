@@ -36,8 +36,8 @@ class NearestCentroid;
 ///
 /// Only one thread at a time may use an object.
 ///
-/// \note The system seeds the random start: two runs on the same points may differ, and the seed
-/// cannot be fixed.
+/// \note The first centroid is drawn at random, with a seed from the system that cannot be set: two
+/// runs on the same points may differ.
 /// \note Centroids move once more after the last assignment: a point may be closer to the centroid
 /// of another cluster than to its own.
 /// \note A point with a coordinate that is not finite has no nearest centroid. It belongs to the
@@ -52,7 +52,7 @@ public:
     using Point = KDPoint<DIM, T>;
 
     /// \param k  Number of clusters, at least 1.
-    /// \param max_iter  Most iterations, at least 1.
+    /// \param max_iter  Maximum number of iterations, at least 1.
     /// \param tol  Iterations end when the sum of the squared distances of all points to their
     ///     centroids changes by less than this, squared units of the coordinates, larger than 0.
     ///     NaN is accepted, and never ends them early. They also continue after an iteration that
@@ -121,11 +121,11 @@ private:
     std::size_t k;
     std::size_t max_iter;
     double tol;
-    KDTree<DIM, T> kd_tree;  ///< Over `centroids`, before their last move.
+    KDTree<DIM, T> kd_tree;  ///< Of the `centroids` before their last move.
     std::vector<Point> centroids;
     std::vector<std::size_t> num_points_per_cluster;
     std::vector<std::size_t> labels;         ///< The cluster of each point.
-    std::vector<std::size_t> nearest_index;  ///< Answer of the tree, kept to allocate once.
+    std::vector<std::size_t> nearest_index;  ///< Result of the tree, kept to allocate once.
     std::vector<T> nearest_squared_distance;
 };
 

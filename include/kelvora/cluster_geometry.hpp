@@ -37,27 +37,27 @@ struct KELVORA_EXPORT ClusterGeometry {
 
     /// A box in the image plane; `z` and `depth` are 0, the extent in time is not set.
     /// \param rect  Left edge, top edge, width and height, pixels.
-    /// \param timestamp  Of the batch, microseconds.
+    /// \param timestamp  Time of the batch, microseconds.
     ClusterGeometry(const cv::Rect_<float>& rect, unsigned long long timestamp);
 
     /// A box with an extent in time; `z` and `depth` are 0.
     /// \param rect  Left edge, top edge, width and height, pixels.
     /// \param start_time,duration  Microseconds; the low 32 bits are kept.
-    /// \param timestamp  Of the batch, microseconds.
+    /// \param timestamp  Time of the batch, microseconds.
     ClusterGeometry(const cv::Rect_<float>& rect, unsigned long long start_time,
                     unsigned long long duration, unsigned long long timestamp);
 
     /// A box in the image plane; `z` and `depth` are 0, the extent in time is not set.
     /// \param x,y  Left and top edge, pixels.
     /// \param width,height  Pixels.
-    /// \param timestamp  Of the batch, microseconds.
+    /// \param timestamp  Time of the batch, microseconds.
     ClusterGeometry(float x, float y, float width, float height, unsigned long long timestamp);
 
     /// A box with an extent in time; `z` and `depth` are 0.
     /// \param x,y  Left and top edge, pixels.
     /// \param width,height  Pixels.
     /// \param start_time,duration  Microseconds.
-    /// \param timestamp  Of the batch, microseconds.
+    /// \param timestamp  Time of the batch, microseconds.
     ClusterGeometry(float x, float y, float width, float height, int start_time, int duration,
                     unsigned long long timestamp);
 
@@ -66,7 +66,7 @@ struct KELVORA_EXPORT ClusterGeometry {
     /// \param z,depth  Start and extent along a third axis.
     /// \param width,height  Pixels.
     /// \param start_time,duration  Microseconds.
-    /// \param timestamp  Of the batch, microseconds.
+    /// \param timestamp  Time of the batch, microseconds.
     ClusterGeometry(float x, float y, unsigned long long z, float width, float height,
                     unsigned long long depth, int start_time, int duration,
                     unsigned long long timestamp);
@@ -79,22 +79,22 @@ struct KELVORA_EXPORT ClusterGeometry {
     ~ClusterGeometry() = default;
     /// \endcond
 
-    /// Gives the box in the image plane.
+    /// Returns the box in the image plane.
     /// \returns left edge, top edge, width and height, pixels.
     // The const return type is part of the interface.
     // NOLINTNEXTLINE(readability-const-return-type)
     const cv::Rect_<float> get2DBoundingBox() const;
 
-    /// Multiplies width and height.
+    /// Returns width times height.
     /// \returns square pixels.
     float getArea() const;
 
-    /// Divides width by height.
+    /// Returns width divided by height.
     /// \returns the quotient.
     /// \note Not guarded: infinite for a height of 0, NaN for an empty box.
     float getAspectRatio() const;
 
-    /// Gives the centre of the box.
+    /// Returns the centre of the box.
     /// \returns x and y, pixels.
     cv::Point_<float> getCenter() const;
 };

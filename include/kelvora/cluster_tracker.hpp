@@ -13,10 +13,10 @@ namespace kelvora {
 
 /// Follows objects from one batch of clusters to the next, and gives each object a number.
 ///
-/// Tracking by detection without appearance, in the manner of SORT (A. Bewley, Z. Ge, L. Ott, F.
+/// This is tracking by detection without appearance, similar to SORT (A. Bewley, Z. Ge, L. Ott, F.
 /// Ramos, B. Upcroft: "Simple Online and Realtime Tracking", ICIP 2016): each track predicts where
 /// its object is with a motion model, the predictions are associated with the clusters, and tracks
-/// begin and end depending on how often that succeeds. Unlike SORT, the motion model is a straight
+/// begin and end depending on how often this succeeds. Unlike SORT, the motion model is a straight
 /// line through the last positions (least squares) instead of a Kalman filter. A
 /// `DistanceBasedClusterMatcher` associates by distance and size, nearest pairs first.
 ///

@@ -14,8 +14,8 @@
 
 namespace kelvora {
 
-/// Parameters of a `DensityBasedClusterGenerator`, by name. The defaults are the same as in
-/// the command-line tool, and suit windows of about 10 ms.
+/// Named parameters of a `DensityBasedClusterGenerator`. The defaults are the same as in the
+/// command-line tool, and suit windows of about 10 ms.
 struct DensityBasedClusterGeneratorOptions {
     float scale_width = 1.0F;   ///< Scaled units per pixel column, larger than 0.
     float scale_height = 1.0F;  ///< Scaled units per pixel row, larger than 0.
@@ -23,7 +23,7 @@ struct DensityBasedClusterGeneratorOptions {
     float scale_time = 0.001F;
     /// Events to ignore. `POLARITY_SEPARATE` is refused.
     EventFilterType filter_type = POLARITY_FREE;
-    /// Most points to cluster, at least 1; the newest are kept. The largest number means no limit.
+    /// Maximum number of points, at least 1; the newest are kept. The largest value means no limit.
     unsigned long long max_capacity = std::numeric_limits<unsigned long long>::max();
     /// Time window of the events to cluster, microseconds, at least 1.
     unsigned long long max_time_length = std::numeric_limits<unsigned long long>::max();
@@ -63,8 +63,8 @@ struct DensityBasedClusterGeneratorOptions {
 /// \note Timestamps are used as they are, not relative to a start. As `float`, times beyond 17
 /// seconds lose single microseconds, and times since 1970 lose whole minutes. Subtract a start time
 /// before you feed events, or use `double`.
-/// \note The time window advances by the gaps between events, see `SlidingEventCounter`: a dense
-/// stream is never forgotten, however long it lasts. If the time window matters, call
+/// \note The time window advances by the gaps between events, see `SlidingEventCounter`: in a dense
+/// stream it discards nothing, however long the stream is. If the time window matters, call
 /// `generateClusters` once per window. An event older than the previous one empties the counter,
 /// even without a time limit: the events before it are then not clustered.
 ///
@@ -91,11 +91,11 @@ public:
     /// \param scale_width,scale_height  Scaled units per pixel, larger than 0. The scales are not
     ///     checked for being finite: points with an infinite or undefined coordinate are noise.
     /// \param scale_time  Scaled units per microsecond, larger than 0; with 0.001, a millisecond
-    ///     weighs as much as a pixel. Unused in two dimensions.
+    ///     counts as much as a pixel. Unused in two dimensions.
     /// \param filter_type  Events to ignore. `POLARITY_SEPARATE` is refused.
-    /// \param max_capacity  Most points to cluster, at least 1; the newest are kept. Each of two
-    ///     buffers reserves room for 1.5 times as many. The largest number means no limit, and
-    ///     nothing is reserved.
+    /// \param max_capacity  Maximum number of points to cluster, at least 1; the newest are kept.
+    ///     Each of two buffers reserves memory for 1.5 times as many. The largest value means no
+    ///     limit, and nothing is reserved.
     /// \param max_time_length  Time window of the events to cluster, microseconds, at least 1.
     /// \param eps  Radius of a neighbourhood, scaled units, larger than 0. Points at exactly this
     ///     distance are not neighbours.
@@ -159,7 +159,7 @@ public:
     /// Adds several events. Does the same as `processEvent` for each of them, events off the sensor
     /// included, but faster.
     ///
-    /// \param events  Array of `count` events. Null is ignored, whatever `count` is.
+    /// \param events  Array of `count` events. Null is ignored for any `count`.
     /// \param count  Number of events; 0 does nothing.
     template <class EventT>
     void processEvents(const EventT* events, std::size_t count);
@@ -206,21 +206,21 @@ public:
     /// \param restore_scale  Divide coordinates by the scales: pixels and microseconds.
     void getClusterPoints(cv::Mat& points, bool restore_scale);
 
-    /// Replaces `labels` by the cluster of each event that was taken between the last
-    /// `generateClusters` and the one before: its index in the reported clusters, or -1.
+    /// Replaces `labels` by the cluster of each event that was fed between the last two calls
+    /// of `generateClusters`: its index in the reported clusters, or -1.
     ///
-    /// There is one label per event, in order of arrival. Events that the filter ignores are not
-    /// taken and have no label. The label is -1 for noise, and for events that were
+    /// There is one label per event, in order of arrival. Events that the filter ignores
+    /// have no label. The label is -1 for noise, and for events that were
     /// left out because of the capacity or the time window. All labels are -1 if clustering
-    /// failed, and after `reset`. Events taken since then have no label yet.
+    /// failed, and after `reset`. Events fed since then have no label yet.
     ///
     /// Takes time linear in the number of events.
     ///
     /// \param labels  Receives one label per event; none before the first `generateClusters`.
     void getClusterLabels(std::vector<int>& labels);
 
-    /// Sets how many points are clustered at most. Reserves nothing.
-    /// \param max_capacity  Points, at least 1; the largest number means no limit.
+    /// Sets the maximum number of points to cluster. Reserves nothing.
+    /// \param max_capacity  Points, at least 1; the largest value means no limit.
     /// \returns whether it was set. For 0, returns false and changes nothing.
     bool setMaxCapacity(unsigned long long max_capacity);
 

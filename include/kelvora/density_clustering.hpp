@@ -112,7 +112,7 @@ private:
 
     double eps;
     int min_pts;
-    // Unused, kept for compatibility: `engines` holds the working data in less memory.
+    // Unused, but part of the layout: `engines` holds the working data in less memory.
     KDTree<DIM, T> kd_tree;
     std::vector<bool> visited;
     std::vector<std::uint32_t> unused;

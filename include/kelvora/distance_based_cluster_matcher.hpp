@@ -12,8 +12,8 @@
 
 namespace kelvora {
 
-/// Associates the clusters of two batches, for instance of two successive calls of a generator, so
-/// that objects can be followed over time.
+/// Pairs the clusters of two batches, for example of two successive calls of a generator, so that
+/// objects can be followed over time.
 ///
 /// Two clusters can form a pair if their centres are close enough and their boxes are of similar
 /// size. The closest pair is accepted first, and each cluster belongs to at most one pair.
@@ -32,7 +32,7 @@ namespace kelvora {
 class KELVORA_EXPORT DistanceBasedClusterMatcher {
 public:
     /// Called for each accepted pair with its cluster in the first batch, its cluster in the second
-    /// batch, and the tag of the pass.
+    /// batch, and the `match_tag` passed to `matchClusters`.
     using DetectedMatchCallback = std::function<void(ClusterGeometry&, ClusterGeometry&, int)>;
 
     /// An accepted pair.
@@ -40,7 +40,7 @@ public:
         std::int32_t first_index;   ///< Position in the first batch.
         std::int32_t second_index;  ///< Position in the second batch.
         std::int32_t match_tag;     ///< As passed to `matchClusters`.
-        float squared_distance;     ///< Between the centres, before the pass; square pixels.
+        float squared_distance;     ///< Between the centres, before any callback; square pixels.
     };
 
     /// Neither threshold is checked. If one of them is NaN, there are no pairs.
@@ -51,16 +51,16 @@ public:
     ///     heights, pixels. If it is negative, there are no pairs.
     DistanceBasedClusterMatcher(float distance_threshold, float size_threshold);
 
-    /// Copies the thresholds, the callback and the records of the last pass.
+    /// Copies the thresholds, the callback and the pairs of the last call.
     /// \param other  The matcher to copy.
     DistanceBasedClusterMatcher(const DistanceBasedClusterMatcher& other);
-    /// Copies the thresholds, the callback and the records of the last pass. If an exception is
-    /// thrown, this matcher is as before.
+    /// Copies the thresholds, the callback and the pairs of the last call. If an exception is
+    /// thrown, this matcher does not change.
     /// \param other  The matcher to copy.
     /// \returns this matcher.
     DistanceBasedClusterMatcher& operator=(const DistanceBasedClusterMatcher& other);
 
-    /// Destroys the callback and the records.
+    /// Destroys the callback and the pairs.
     ~DistanceBasedClusterMatcher();
 
     /// Replaces the callback. If an exception is thrown, the old callback stays.
@@ -74,24 +74,24 @@ public:
     /// candidate is accepted if both clusters are still free and the sizes match. Distances are
     /// computed in `float`. A cluster whose centre is NaN has no candidates.
     ///
-    /// For n clusters and c candidates, a pass takes about n log n + c log c time and c memory, as
+    /// For n clusters and c candidates, a call takes about n log n + c log c time and c memory, as
     /// long as the centres are within about 10^9 pixels. A threshold as large as the sensor makes
     /// every pair a candidate.
     ///
     /// \param first,second  At most 2^31 - 1 clusters each. They may be the same vector; each
-    ///     cluster then matches itself, if it matches at all. The pass changes no cluster.
-    /// \param match_tag  Passed to the callback and stored in the records, for the caller's use.
+    ///     cluster then matches itself, if it matches at all. The matcher changes no cluster.
+    /// \param match_tag  Passed to the callback and stored in the pairs, for use by the caller.
     /// \returns the number of pairs.
-    /// \note An exception from the callback propagates at once. After any exception, the records
-    /// hold the pairs that were accepted before, and the matcher can be used again.
-    /// \note Candidates and their order are fixed before the first call of the callback; sizes are
-    /// compared when it is a pair's turn. The callback may change clusters. It must not resize the
-    /// batches, and must not use this matcher except to read the records.
+    /// \note An exception from the callback propagates at once. After any exception, the pairs
+    /// accepted before remain, and the matcher can be used again.
+    /// \note Candidates and their order are determined before the first call of the callback. The
+    /// sizes of a pair are compared later, when the pair is considered. The callback may change
+    /// clusters. It must not resize the batches, and may use this matcher only to read the pairs.
     std::size_t matchClusters(std::vector<ClusterGeometry>& first,
                               std::vector<ClusterGeometry>& second, int match_tag = 0);
 
-    /// Returns the pairs of the last pass.
-    /// \returns pairs in the order in which they were accepted; valid until the next pass.
+    /// Returns the pairs of the last `matchClusters`.
+    /// \returns pairs in the order in which they were accepted; valid until the next call.
     const std::vector<PairRecord>& getPairRecords() const;
 
 private:

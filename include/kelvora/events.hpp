@@ -32,7 +32,7 @@ struct KELVORA_EXPORT Event2D {
     unsigned char polarity;        ///< 1: the pixel became brighter, 0: darker.
     unsigned long long timestamp;  ///< Microseconds.
 
-    /// All fields 0.
+    /// Sets all fields to 0.
     Event2D();
     /// Stores the values as they are.
     /// \param x,y  Pixel column and row.
@@ -57,7 +57,7 @@ struct KELVORA_EXPORT Event2DFrequency {
     unsigned long long timestamp;  ///< Microseconds.
     float frequency;               ///< Hertz; never read by the library.
 
-    /// All fields 0.
+    /// Sets all fields to 0.
     Event2DFrequency();
     /// Stores the values as they are.
     /// \param x,y  Pixel column and row.
@@ -107,7 +107,7 @@ struct KELVORA_EXPORT EventTriggerIn {
     unsigned long long timestamp;  ///< Microseconds.
     short trigger_value;           ///< Level after the edge.
 
-    /// All fields 0.
+    /// Sets all fields to 0.
     EventTriggerIn();
     /// Stores the values as they are.
     /// \param trigger_value  Level after the edge.
@@ -128,7 +128,7 @@ struct KELVORA_EXPORT KvStatisticInfo {
     unsigned long long first_count;   ///< First count.
     unsigned long long second_count;  ///< Second count.
 
-    /// Both counts 0.
+    /// Sets both counts to 0.
     KvStatisticInfo();
     /// Stores the values as they are.
     /// \param first_count,second_count  The counts.

@@ -12,8 +12,8 @@
 
 namespace kelvora {
 
-/// Parameters of a `GridBasedClusterGenerator`, by name. The defaults are the same as in
-/// the command-line tool, and suit windows of about 10 ms.
+/// Named parameters of a `GridBasedClusterGenerator`. The defaults are the same as in the
+/// command-line tool, and suit windows of about 10 ms.
 struct GridBasedClusterGeneratorOptions {
     int cell_width = 5;   ///< Pixels, at least 1.
     int cell_height = 5;  ///< Pixels, at least 1.
@@ -51,8 +51,8 @@ struct GridBasedClusterGeneratorOptions {
 /// }
 /// \endcode
 ///
-/// The result depends only on the events and their order; timestamps are not read. The work is
-/// constant per event, and one pass over the grid per `generateClusters`.
+/// The result depends only on the events and their order; timestamps are not read. An event
+/// takes constant time, and `generateClusters` visits each cell once.
 ///
 /// Only one thread at a time may use a generator; debug builds assert this. Different generators
 /// are independent, except for the note at `processEvent`. Generators are
@@ -106,7 +106,7 @@ public:
     ///
     /// \note The polarity to ignore is looked up once per event type and process, by the first grid
     /// generator that gets an event of this type. Every later grid generator uses it for this event
-    /// type, whatever its own filter is. To use several filters in one program, filter the events
+    /// type, regardless of its own filter. To use several filters in one program, filter the events
     /// before you feed them, and construct all grid generators with `POLARITY_FREE` or
     /// `POLARITY_SEPARATE`, which both ignore nothing.
     template <class Event>
@@ -115,7 +115,7 @@ public:
     /// Counts several events. Does the same as `processEvent` for each of them, in
     /// about half the time.
     ///
-    /// \param events  Array of `count` events. Null is ignored, whatever `count` is.
+    /// \param events  Array of `count` events. Null is ignored for any `count`.
     /// \param count  Number of events; 0 does nothing.
     /// \throws std::out_of_range  like `processEvent` for the first event; no
     ///     event is counted then.

@@ -101,7 +101,7 @@ private:
     class KELVORA_NO_EXPORT __KDPointAdaptor;
     class KELVORA_NO_EXPORT Index;
 
-    std::vector<Point> points;  ///< Always empty, kept for compatibility.
+    std::vector<Point> points;  ///< Always empty, but part of the layout.
     bool built = false;
     std::unique_ptr<Index> index;
     std::unique_ptr<__KDPointAdaptor> adaptor;
