@@ -116,7 +116,7 @@ def cluster_recordings(
         raise TypeError("paths must be several paths: give [path] for a single one")
     names = [os.fsdecode(path) for path in paths]
     if any("\0" in name for name in names):
-        raise ValueError("paths must not hold null characters")
+        raise ValueError("paths must not contain null characters")
     if client is not None:
         if workers is not None:
             raise TypeError("workers must not be given with a client, which has its own")

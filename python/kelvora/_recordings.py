@@ -83,7 +83,7 @@ def read(
     ('text', 1)
     """
     if "\0" in os.fsdecode(path):
-        raise ValueError("path must not hold a null character")
+        raise ValueError("path must not contain a null character")
     return open_recording(
         path,
         sensor=None if sensor is None else sensor_size(sensor),

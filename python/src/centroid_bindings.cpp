@@ -22,8 +22,8 @@ constexpr const char* kDoc =
 Divide all events into k clusters around centroids, by k-means. No event is noise.
 
 Call `generate` once per time window: otherwise, events of a dense stream are never discarded. With
-fewer than k events there are no clusters, and with coinciding events there can be fewer than k. Results differ from run to run, because the first
-centroid is drawn at random.
+fewer than k events there are no clusters. If events coincide, there can be fewer than k clusters.
+Results differ from run to run, because the first centroid is drawn at random.
 
 Parameters
 ----------

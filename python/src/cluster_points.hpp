@@ -22,11 +22,11 @@ scale_x, scale_y : float
 us_per_pixel : float
     Microseconds that count as much as one pixel, in three dimensions.
 scale_time : float, optional
-    The same as scaled units per microsecond, as an alternative.
+    Scaled units per microsecond, instead of `us_per_pixel`.
 capacity : int, optional
     Maximum number of events to cluster; the newest are kept. All by default.
 time_length_us : int, optional
-    Window of the event counter, microseconds: forgets events only across gaps longer than a
+    Window of the event counter, microseconds. It discards old events only at gaps of at least a
     hundredth of it. All by default.
 precision : {'float', 'double'}
     Type of the points. Times are relative to the first event since the last `generate`, so that

@@ -37,7 +37,7 @@ py::array_t<T> field(const py::array& rows, const std::string& name) {
     }
     if (!names.contains(name)) {
         throw py::value_error(
-            fmt::format("clusters have no field '{}', but {}", name, std::string(py::str(names))));
+            fmt::format("clusters have no field '{}', only {}", name, std::string(py::str(names))));
     }
     const py::array values = rows.attr("__getitem__")(name);
     const char kind = values.dtype().kind();

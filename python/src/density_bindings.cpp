@@ -19,7 +19,7 @@ namespace {
 constexpr const char* kDoc =
     R"(DensityClusterer(width, height, *, eps=10.0, min_pts=10, jobs=1, dim=2, scale_x=1.0, scale_y=1.0, us_per_pixel=1000.0, scale_time=None, capacity=None, time_length_us=None, precision='float', keep_zero_boxes=False, polarity='all')
 
-Find clusters of any shape where events lie densely, by DBSCAN. Other events are noise.
+Find clusters of any shape where events are dense, by DBSCAN. Other events are noise.
 
 Call `generate` once per time window: otherwise, events of a dense stream are never discarded. The
 defaults suit windows of about 10 ms.
@@ -34,9 +34,9 @@ eps : float
 min_pts : int
     Number of events that make a neighbourhood dense.
 jobs : int
-    Number of threads. 0: chosen by the number of events, -1: all. Two or more count a core point
-    differently (one neighbour more) and let border points join clusters, so results differ from
-    one thread.
+    Number of threads. 0: depends on the number of events, -1: one per processor. With two or
+    more, a core point needs one more neighbour, and border points join clusters, so results
+    differ from one thread.
 )";
 
 constexpr const char* kExamplesDoc = R"(

@@ -111,8 +111,8 @@ private:
         const py::object names_object = events.dtype().attr("names");
         if (names_object.is_none()) {
             throw py::type_error(fmt::format(
-                "events must be an array with named fields, not of dtype {}: columns are not "
-                "mapped by position; give them as x=, y=, t= and p=",
+                "events must be an array with named fields, not of dtype {}: fields are found by "
+                "name, not by position; pass four arrays as x=, y=, t= and p=",
                 typeName(events.dtype())));
         }
         if (events.ndim() != 1) {
@@ -136,9 +136,9 @@ private:
         }
         if (candidates.size() != 1) {
             throw py::value_error(
-                fmt::format("events need exactly one field called {}; among their fields {} {}",
+                fmt::format("events need exactly one field called {}; their fields {} include {}",
                             fmt::join(quotedEach(namesOf(role)), " or "), quoted(names),
-                            candidates.empty() ? "is none" : "are " + quoted(candidates)));
+                            candidates.empty() ? "none" : quoted(candidates)));
         }
         const std::string& name = candidates.front();
         const py::object values = events.attr("__getitem__")(name);
@@ -157,7 +157,7 @@ private:
         checkKind(values.dtype(), role, name);
         if (values.ndim() != 1) {
             throw py::value_error(
-                fmt::format("{} must hold one number per event: its array has {} "
+                fmt::format("{} must have one number per event: its array has {} "
                             "dimensions",
                             name, values.ndim()));
         }

@@ -25,7 +25,7 @@ constexpr const char* kDoc =
 
 Find clusters by counting events in the cells of a grid and joining neighbouring active cells.
 
-The fastest method: constant time per event, and one pass over the grid per `generate`. The
+This is the fastest method: an event takes constant time, and `generate` visits each cell once. The
 defaults suit windows of about 10 ms.
 
 Parameters

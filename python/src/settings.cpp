@@ -33,7 +33,7 @@ const tool::Wording kWording = {
 
 [[noreturn]] void refuse(const ParameterError& error) {
     if (error.kind == ParameterError::Kind::NotUsed) {
-        throw py::type_error(fmt::format("{} is no parameter of the method '{}'",
+        throw py::type_error(fmt::format("{} is not a parameter of the method '{}'",
                                          error.parameter->keyword, error.value));
     }
     throw std::invalid_argument(
@@ -47,7 +47,7 @@ const Parameter& parameterOf(const std::string& keyword) {
         for (const Parameter& one : tool::parameterTable()) {
             keywords.emplace_back(one.keyword);
         }
-        throw py::type_error(fmt::format("no option is called {}{}", keyword,
+        throw py::type_error(fmt::format("there is no parameter {}{}", keyword,
                                          tool::suggestionFor(keyword, keywords)));
     }
     return *parameter;

@@ -41,10 +41,10 @@ sensor : tuple of int
 duration_us : int
     Length of the recording, microseconds.
 truth_interval_us : int
-    Time between two rows of an object in the truth, microseconds, 100 to 1000000. Clusters of
+    Time between two rows of the same object in the truth, microseconds, 100 to 1000000. Clusters of
     windows of this length can be compared with the rows of the same timestamp.
 seed : int
-    Selects the scene.
+    Seed of the random numbers.
 discs, bars, polygons : int, optional
     Number of moving objects, 0 to 100 each. 3, 2 and 3 by default, fewer below 120 pixels.
 lights : int
@@ -54,13 +54,13 @@ light_frequency_hz : float
 noise_rate_hz : float
     Background noise, events per pixel and second, 0 to 100.
 hot_pixels : int
-    Number of pixels that fire without cause, 0 to 1000.
+    Number of pixels that report events all the time, 0 to 1000.
 hot_pixel_rate_hz : float
     Events per hot pixel and second, 0 to 100000.
 contrast_threshold : float
-    Change of the logarithm of the brightness that makes an event, 0.01 to 10.
+    Change of the logarithm of the brightness that causes an event, 0.01 to 10.
 threshold_spread : float
-    Standard deviation of the threshold among pixels, relative, 0 to 0.2.
+    Relative standard deviation of the threshold among pixels, 0 to 0.2.
 
 Returns
 -------

@@ -32,11 +32,11 @@ Parameters
 max_distance : float
     Largest distance between a cluster and the predicted position of its track, pixels.
 max_size_change : float
-    Largest difference between a cluster and the usual width and height of its track, pixels.
+    Largest difference in width, and in height, between a cluster and its track, pixels.
 max_missed : int
     Number of windows that a track survives without a cluster.
 min_hits : int
-    Number of windows with a cluster that confirm a track.
+    Number of windows with a cluster after which a track is confirmed.
 
 Examples
 --------

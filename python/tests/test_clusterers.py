@@ -361,9 +361,9 @@ def test_refuses_negative_timestamps():
 
 
 def test_unknown_keywords_are_refused_with_a_suggestion():
-    with pytest.raises(TypeError, match="no option is called epss; did you mean eps\\?"):
+    with pytest.raises(TypeError, match="there is no parameter epss; did you mean eps\\?"):
         kelvora.DensityClusterer(WIDTH, HEIGHT, epss=3)
-    with pytest.raises(TypeError, match="cell_width is no parameter of the method 'density'"):
+    with pytest.raises(TypeError, match="cell_width is not a parameter of the method 'density'"):
         kelvora.DensityClusterer(WIDTH, HEIGHT, cell_width=3)
     with pytest.raises(TypeError, match="a clusterer has no parameter window_us"):
         kelvora.GridClusterer(WIDTH, HEIGHT, window_us=3)

@@ -235,7 +235,7 @@ REFUSED_VALUES = [
     ),
     (dict(time_unit="minutes"), "not 'minutes'"),
     (dict(x=[0, 1]), "x has 2 elements, but y has 3"),
-    (dict(p=np.zeros((3, 1), int)), "p must hold one number per event"),
+    (dict(p=np.zeros((3, 1), int)), "p must have one number per event"),
 ]
 REFUSED_TYPES = [
     (dict(x=np.zeros(3, bool)), "x must be integers or floating-point numbers, not bool"),
@@ -263,11 +263,11 @@ def test_refuses_types_without_meaning(changes, message):
 @pytest.mark.parametrize(
     "names, message",
     [
-        ("abtp", "called 'x'; among their fields 'a', 'b', 't', 'p' is none"),
-        (["x", "y", "t", "ts", "p"], "among their fields 'x', 'y', 't', 'ts', 'p' are 't', 'ts'"),
+        ("abtp", "called 'x'; their fields 'a', 'b', 't', 'p' include none"),
+        (["x", "y", "t", "ts", "p"], "their fields 'x', 'y', 't', 'ts', 'p' include 't', 'ts'"),
         (["x", "y", "t"], "'p' or 'on' or 'pol' or 'polarity'"),
-        (["X", "Y", "t", "p"], "'X', 'Y', 't', 'p' is none"),
-        (["x", "y", "t", "p", "polarity"], "are 'p', 'polarity'"),
+        (["X", "Y", "t", "p"], "'X', 'Y', 't', 'p' include none"),
+        (["x", "y", "t", "p", "polarity"], "include 'p', 'polarity'"),
     ],
 )
 def test_refuses_missing_and_ambiguous_fields_with_the_names_found(names, message):

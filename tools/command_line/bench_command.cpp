@@ -104,7 +104,7 @@ private:
 }  // namespace
 
 BenchCommand::BenchCommand(CLI::App& program)
-    : command(program.add_subcommand("bench", "Time the methods on a recording")),
+    : command(program.add_subcommand("bench", "Measure the speed of the methods on a recording")),
       methods(kDefaultMethods) {
     builder.settings.centroid.clusters = 12;
     declareOptions();
@@ -115,7 +115,7 @@ void BenchCommand::declareOptions() {
     tool::declareOptions(*command, recording);
     command
         ->add_option("--methods", methods,
-                     "Methods to time, separated by commas: grid, density2d, density3d, "
+                     "Methods to measure, separated by commas: grid, density2d, density3d, "
                      "centroid2d, centroid3d")
         ->delimiter(',')
         ->check(CLI::IsMember(timedMethods()).description(""))

@@ -66,7 +66,7 @@ bool areMixed(const KnownFile& a, const KnownFile& b) {
 }
 
 [[noreturn]] void refuse(const KnownFile& file, const KnownFile& other) {
-    throw UsageError(fmt::format("{}: must be another file than {}", file.name, other.name));
+    throw UsageError(fmt::format("{}: must not be the same file as {}", file.name, other.name));
 }
 
 /// Refuses files that have the name of a frame, in the directory of the frames.
@@ -77,7 +77,7 @@ void checkFrames(const std::filesystem::path& directory, const std::vector<Known
         if (Pictures::isFrame(path.filename()) &&
             recording::FileIdentity({path.parent_path()}) == identity) {
             throw UsageError(
-                fmt::format("{}: must be another file than the pictures of --frames", file.name));
+                fmt::format("{}: must not be one of the pictures of --frames", file.name));
         }
     }
 }

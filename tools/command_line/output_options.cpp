@@ -29,15 +29,16 @@ void declareOptions(CLI::App& command, OutputSettings& options) {
         ->option_text("csv|jsonl|mot [csv]")
         ->group(group);
     add("--points", options.points, "FILE",
-        "File for every event of a cluster with its cluster's number (CSV); not with --method "
-        "grid");
+        "File for the events of all clusters, each with the index of its cluster (CSV); not with "
+        "--method grid");
     add("--centroids", options.centroids, "FILE",
         "File for the centroid and size of every cluster (CSV); with --method centroid");
     add("--tracks", options.tracks, "FILE",
         "File for the lifetime, path length and speed of every object (CSV); with --track");
     add("--frames", options.pictures.frames_dir, "DIR",
         "Directory for a picture (PNG) of each window");
-    add("--overview", options.pictures.overview, "FILE", "File for a sheet of some windows (PNG)");
+    add("--overview", options.pictures.overview, "FILE",
+        "File for a picture of several windows side by side (PNG)");
     add("--plot3d", options.pictures.plot3d, "FILE",
         "File for a plot in space and time of the window with the most events (PNG)");
     declareOptions(command, options.write)->group(group);

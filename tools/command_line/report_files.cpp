@@ -19,7 +19,7 @@ bool hasTable(const ReportOptions& options) {
 
 void declareOptions(CLI::App& command, ReportOptions& options) {
     command
-        .add_option("--json", options.json, "File for the figures as JSON; - is standard output")
+        .add_option("--json", options.json, "File for the results as JSON; - is standard output")
         ->option_text("FILE");
     declareOptions(command, options.write);
 }

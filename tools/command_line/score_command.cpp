@@ -66,7 +66,7 @@ std::string tableOf(const Score& score) {
     fmt::format_to(out, "precision          {}\n", textOf(figures.precision()));
     fmt::format_to(out, "recall             {}\n", textOf(figures.recall()));
     fmt::format_to(out, "MOTA               {}{}\n", textOf(figures.mota()),
-                   figures.has_tracks ? "" : " (without switches, that is MODA: no track_id)");
+                   figures.has_tracks ? "" : " (MODA: without track_id, switches do not count)");
     fmt::format_to(out, "MOTP               {} (mean IoU of matches)\n", textOf(figures.motp()));
     fmt::format_to(out, "switches           {}\n", textOf(score.ifTracked(figures.switches)));
     fmt::format_to(out, "switches per 10 s  {}\n",
@@ -129,7 +129,7 @@ void warnOfIntervals(const scoring::FrameSequence& sequence) {
 
 ScoreCommand::ScoreCommand(CLI::App& program)
     : command(program.add_subcommand(
-          "score", "Compare clusters with the truth: precision, recall, CLEAR MOT figures")) {
+          "score", "Compare clusters with the truth: precision, recall, CLEAR MOT measures")) {
     command
         ->add_option("--truth", truth,
                      "True boxes of the objects, as written by 'kelvora simulate --truth'")
@@ -146,7 +146,7 @@ ScoreCommand::ScoreCommand(CLI::App& program)
         ->capture_default_str();
     command
         ->add_option("--min-visibility", options.min_visibility,
-                     "Ignore objects with a smaller visible share")
+                     "Ignore objects of which a smaller share is visible")
         ->check(CLI::Range(0.0, 1.0).description(""))
         ->capture_default_str();
     command->add_flag("--include-still", options.include_still, "Include objects that do not move");

@@ -56,8 +56,8 @@ private:
 }  // namespace
 
 SimulateCommand::SimulateCommand(CLI::App& program)
-    : command(
-          program.add_subcommand("simulate", "Make a recording of a scene with known objects")) {
+    : command(program.add_subcommand("simulate",
+                                     "Simulate a recording of a scene with known objects")) {
     declareOutput();
     declareScene();
 }
@@ -72,7 +72,7 @@ void SimulateCommand::declareOutput() {
         ->option_text("FILE");
     command
         ->add_option("--truth-interval", truth_interval,
-                     "Time between two rows of an object, with unit")
+                     "Time between two rows of the same object, with unit")
         ->option_text("TIME [" + toString(truth_interval) + "]");
     declareOptions(*command, write);
 }
@@ -82,7 +82,9 @@ void SimulateCommand::declareScene() {
         ->option_text("WIDTHxHEIGHT [640x480]");
     command->add_option("--duration", duration, "Length of the recording, with unit")
         ->option_text("TIME [" + toString(duration) + "]");
-    command->add_option("--seed", scene.seed, "Selects the scene: same seed, same events")
+    command
+        ->add_option("--seed", scene.seed,
+                     "Seed of the random numbers; the same seed gives the same events")
         ->capture_default_str();
     const char* const group = "Scene";
     command->add_option("--discs", scene.discs, "Number of discs [3]")->group(group);
@@ -92,14 +94,14 @@ void SimulateCommand::declareScene() {
         command->add_option(name, value, description)->capture_default_str()->group(group);
     };
     add("--lights", scene.lights, "Number of flickering lights");
-    add("--light-frequency", scene.light_frequency_hz, "Periods of a light per second");
+    add("--light-frequency", scene.light_frequency_hz, "Periods of each light per second");
     add("--noise-rate", scene.noise_rate_hz, "Background noise, events per pixel and second");
     add("--hot-pixels", scene.hot_pixels, "Number of hot pixels");
     add("--hot-pixel-rate", scene.hot_pixel_rate_hz, "Events per hot pixel and second");
     add("--contrast-threshold", scene.contrast_threshold,
-        "Change of the logarithm of the brightness that makes an event");
+        "Change of the logarithm of the brightness that causes an event");
     add("--threshold-spread", scene.threshold_spread,
-        "Standard deviation of the threshold among pixels, relative");
+        "Relative standard deviation of the threshold among pixels");
 }
 
 int SimulateCommand::run() {

@@ -69,7 +69,7 @@ private:
         if (event.polarity > 1) {
             throw RecordingError(
                 ErrorKind::CannotHold, file.name(),
-                fmt::format("cannot hold the polarity {}", static_cast<unsigned>(event.polarity)),
+                fmt::format("cannot store the polarity {}", static_cast<unsigned>(event.polarity)),
                 {ErrorPlace::Unit::EventAt, event.timestamp}, "write polarities of 0 and 1 only");
         }
     }

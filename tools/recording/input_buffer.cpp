@@ -45,10 +45,10 @@ void InputBuffer::makeRoom() {
         return;
     }
     if (buffer.size() >= kMaxItemBytes) {
-        throw RecordingError(ErrorKind::Damaged, file.name(),
-                             fmt::format("holds an item of more than {} MiB", kMaxItemBytes >> 20U),
-                             {ErrorPlace::Unit::Byte, skipped},
-                             "check that the file is not damaged");
+        throw RecordingError(
+            ErrorKind::Damaged, file.name(),
+            fmt::format("contains an item of more than {} MiB", kMaxItemBytes >> 20U),
+            {ErrorPlace::Unit::Byte, skipped}, "check that the file is not damaged");
     }
     buffer.resize(std::min(2 * buffer.size(), kMaxItemBytes));
 }

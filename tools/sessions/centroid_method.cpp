@@ -44,8 +44,9 @@ public:
     std::string remark() const override {
         return windows_with_few_events == 0
                    ? ""
-                   : fmt::format("{} windows had fewer than {} events, and no clusters",
-                                 windows_with_few_events, k);
+                   : fmt::format(
+                         "windows without clusters, because they had fewer than {1} events: {0}",
+                         windows_with_few_events, k);
     }
 
 private:

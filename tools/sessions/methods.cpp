@@ -35,7 +35,7 @@ const Method& methodOf(std::string_view name) {
             return method;
         }
     }
-    throw std::invalid_argument("no method is called " + std::string(name));
+    throw std::invalid_argument("there is no method " + std::string(name));
 }
 
 std::string suggestedMethod(std::string_view word) {

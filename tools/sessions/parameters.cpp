@@ -41,14 +41,13 @@ std::vector<std::string> methodNames() {
 // clang-format off
 const std::vector<Parameter> kTable = {
     {Group::General, "window_us", "--window", "TIME", kAny,
-     "Length of a window in event time, with its unit: us, ms or s. Windows begin at multiples of "
-     "it",
+     "Length of a window, with unit: us, ms or s; windows begin at multiples of it",
      [](Settings& all) -> Field { return &all.windows.window; }},
     {Group::General, "from_us", "--from", "TIME", kAny,
      "Ignore events before this time, counted from the first event, with unit",
      [](Settings& all) -> Field { return &all.windows.from; }},
     {Group::General, "to_us", "--to", "TIME", kAny,
-     "Ignore events from this time on, counted from the first event, with unit",
+     "Ignore events at or after this time, counted from the first event, with unit",
      [](Settings& all) -> Field { return &all.windows.to; }},
     {Group::General, "polarity", "--polarity", "", kAny,
      "Events to cluster; 'separate' uses all, but requires both polarities in a cell",
@@ -90,13 +89,13 @@ const std::vector<Parameter> kTable = {
      "Microseconds that count as much as one pixel in three dimensions",
      [](Settings& all) -> Field { return &all.point.us_per_pixel; }},
     {Group::Points, "scale_time", "--scale-time", "FACTOR", kPositive,
-     "The same as scaled units per microsecond",
+     "Scaled units per microsecond, instead of microseconds per pixel",
      [](Settings& all) -> Field { return &all.point.scale_time; }},
     {Group::Points, "capacity", "--capacity", "EVENTS", kAtLeastOne,
      "Maximum number of events to cluster; the newest are kept",
      [](Settings& all) -> Field { return &all.point.capacity; }},
     {Group::Points, "time_length_us", "--time-length", "TIME", kAny,
-     "Window of the event counter, with unit: forgets events only across gaps longer than a "
+     "Window of the event counter, with unit; it discards old events only at gaps of at least a "
      "hundredth of it",
      [](Settings& all) -> Field { return &all.point.time_length; }},
     {Group::Points, "precision", "--precision", "", kAny,
@@ -114,8 +113,8 @@ const std::vector<Parameter> kTable = {
      "Number of events that make a neighbourhood dense",
      [](Settings& all) -> Field { return &all.density.min_pts; }},
     {Group::Density, "jobs", "--jobs", "THREADS", kJobs,
-     "Number of threads; 0: chosen by the number of events, -1: all. Two or more count a core "
-     "point differently (one neighbour more) and let border points join groups, so results "
+     "Number of threads; 0: depends on the number of events, -1: one per processor. With two or "
+     "more, a core point needs one more neighbour, and border points join clusters, so results "
      "differ from one thread",
      [](Settings& all) -> Field { return &all.density.jobs; }},
 
@@ -137,13 +136,13 @@ const std::vector<Parameter> kTable = {
      "Largest distance between a cluster and the predicted position of its track",
      [](Settings& all) -> Field { return &all.track.max_distance; }},
     {Group::Tracking, "max_size_change", "--max-size-change", "PIXELS", kNotNegative,
-     "Largest difference between a cluster and the usual width and height of its track",
+     "Largest difference in width, and in height, between a cluster and its track",
      [](Settings& all) -> Field { return &all.track.max_size_change; }},
     {Group::Tracking, "max_missed", "--max-missed", "WINDOWS", kNotNegative,
      "Number of windows that a track survives without a cluster",
      [](Settings& all) -> Field { return &all.track.max_missed; }},
     {Group::Tracking, "min_hits", "--min-hits", "WINDOWS", kAtLeastOne,
-     "Number of windows with a cluster that confirm a track",
+     "Number of windows with a cluster after which a track is confirmed",
      [](Settings& all) -> Field { return &all.track.min_hits; }},
 };
 // clang-format on

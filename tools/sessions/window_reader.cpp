@@ -33,9 +33,10 @@ bool WindowReader::read() {
 
 std::string WindowReader::remark() const {
     if (range.isAhead()) {
-        return "the recording ends before the wanted range";
+        return "the recording ends before the requested time range";
     }
-    return range.isOpen() && !reading_defect ? "the recording ends within the wanted range" : "";
+    return range.isOpen() && !reading_defect ? "the recording ends within the requested time range"
+                                             : "";
 }
 
 }  // namespace kelvora::tool

@@ -19,7 +19,7 @@ namespace kelvora::simulation {
 class PixelArray {
 public:
     /// \param canvas the first picture, which makes no events
-    /// \param threshold the change of log brightness that makes an event
+    /// \param threshold the change of log brightness that causes an event
     /// \param threshold_spread standard deviation of the thresholds of the pixels, relative to
     ///     `threshold`
     PixelArray(const Canvas& canvas, int width_, int height_, double threshold,

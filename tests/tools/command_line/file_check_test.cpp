@@ -31,14 +31,14 @@ TEST_F(FileCheck, AcceptsFilesThatDiffer) {
 
 TEST_F(FileCheck, RefusesAnOutputThatIsAnInput) {
     EXPECT_EQ(errorOf({{{"--in", a}}, {{"--out", a}}, {}}),
-              "--out: must be another file than --in");
+              "--out: must not be the same file as --in");
 }
 
 TEST_F(FileCheck, RefusesTwoOutputsInOneFile) {
     EXPECT_EQ(errorOf({{}, {{"--out", b}, {"--more", b}}, {}}),
-              "--more: must be another file than --out");
+              "--more: must not be the same file as --out");
     EXPECT_EQ(errorOf({{}, {{"--out", "-"}, {"--more", "-"}}, {}}),
-              "standard output (--more): must be another file than standard output (--out)");
+              "standard output (--more): must not be the same file as standard output (--out)");
 }
 
 TEST_F(FileCheck, AcceptsInputsThatAreTheSame) {
@@ -58,11 +58,11 @@ TEST_F(FileCheck, AcceptsADeviceTwice) {
 TEST_F(FileCheck, RefusesFilesWithTheNamesOfFrames) {
     const std::filesystem::path frame = directory.file("frame_000001.png");
     EXPECT_EQ(errorOf({{}, {{"--out", frame}}, directory.path()}),
-              "--out: must be another file than the pictures of --frames");
+              "--out: must not be one of the pictures of --frames");
     EXPECT_EQ(errorOf({{{"--in", frame}}, {}, directory.path()}),
-              "--in: must be another file than the pictures of --frames");
+              "--in: must not be one of the pictures of --frames");
     EXPECT_EQ(errorOf({{}, {{"--out", frame}}, directory.file("frames")}), "");
-    EXPECT_EQ(errorOf({{}, {{"--out", b}}, b}), "--frames: must be another file than --out");
+    EXPECT_EQ(errorOf({{}, {{"--out", b}}, b}), "--frames: must not be the same file as --out");
 }
 
 }  // namespace

@@ -206,7 +206,7 @@ TEST_F(Program, RemarksOnWindowsWithTooFewEventsForTheClusters) {
     const Outcome outcome =
         run("cluster --method centroid --clusters 900000 " + simulate("scene.raw"));
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
-    EXPECT_THAT(outcome.errors, HasSubstr("10 windows had fewer than 900000 events"));
+    EXPECT_THAT(outcome.errors, HasSubstr("because they had fewer than 900000 events: 10"));
 }
 
 TEST_F(Program, RefusesCentroidOptionsThatContradict) {
@@ -320,7 +320,7 @@ TEST_F(Program, SuggestsTheWordThatWasMeant) {
 TEST_F(Program, RemarksOnARangeBehindTheEnd) {
     const Outcome outcome = run("cluster --from 5s " + simulate("scene.raw"));
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.errors, HasSubstr("the recording ends before the wanted range"));
+    EXPECT_THAT(outcome.errors, HasSubstr("the recording ends before the requested time range"));
 }
 
 TEST_F(Program, TellsWhatIsInARecording) {

@@ -85,7 +85,7 @@ TEST(ScoreCommand, PrintsATableOfClustersWithoutTracks) {
               "false positives    1\n"
               "precision          0.6667\n"
               "recall             0.6667\n"
-              "MOTA               0.3333 (without switches, that is MODA: no track_id)\n"
+              "MOTA               0.3333 (MODA: without track_id, switches do not count)\n"
               "MOTP               0.8333 (mean IoU of matches)\n"
               "switches           -\n"
               "switches per 10 s  -\n"

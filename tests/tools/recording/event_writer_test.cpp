@@ -116,7 +116,7 @@ TEST_P(EventWriterTest, ReplacesNothingUnlessAllowedTo) {
 
 TEST_P(EventWriterTest, RefusesOtherPolarities) {
     EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(17, 2, 3, 2)}),
-                EndsWith("recording: cannot hold the polarity 2, event at 17 us, write polarities "
+                EndsWith("recording: cannot store the polarity 2, event at 17 us, write polarities "
                          "of 0 and 1 only"));
 }
 
@@ -169,21 +169,21 @@ TEST_P(EvtWriterTest, KeepsTimesAcrossAllPausesItAccepts) {
     writeRecording(path, GetParam(), events);
     EXPECT_EQ(readRecording(path).events, events);
     EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(longest + 1, 1, 2, 1)}),
-                HasSubstr("a pause of more than 12 days, event 0, let times begin near 0"));
+                HasSubstr("a pause of more than 12 days, event 0, subtract a start time from all"));
 }
 
 TEST_P(EvtWriterTest, RefusesPixelsBeyondElevenBits) {
     EXPECT_THAT(
         errorOfWriting(path, GetParam(), {eventAt(0, 1, 1, 1), eventAt(0, 2048, 3, 1)}),
         HasSubstr(
-            "cannot hold the pixel (2048, 3), because EVT coordinates end at 2047, event 1, write "
+            "cannot store the pixel (2048, 3), because EVT coordinates end at 2047, event 1, write "
             "records or text"));
     EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(0, 3, 2048, 1)}), HasSubstr("(3, 2048)"));
 }
 
 TEST_P(EvtWriterTest, RefusesTimesThatGoBack) {
     EXPECT_THAT(errorOfWriting(path, GetParam(), {eventAt(5, 1, 1, 1), eventAt(4, 1, 1, 1)}),
-                HasSubstr("cannot hold the time 4 us after 5 us, event 1, sort the events"));
+                HasSubstr("cannot store the time 4 us after 5 us, event 1, sort the events"));
 }
 
 INSTANTIATE_TEST_SUITE_P(EvtFormats, EvtWriterTest, ::testing::Values("evt2", "evt3"),

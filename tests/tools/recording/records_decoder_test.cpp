@@ -28,7 +28,7 @@ TEST(RecordsDecoder, GivesTheEventsBeforeAnImpossiblePolarity) {
     EXPECT_THAT(outcome.events, ElementsAre(eventAt(1, 2, 3, 1)));
     EXPECT_THAT(
         outcome.error,
-        HasSubstr("a.bin: holds a record with polarity 2 instead of 0 or 1, byte 16, check"));
+        HasSubstr("a.bin: contains a record with polarity 2 instead of 0 or 1, byte 16, check"));
 }
 
 TEST(RecordsDecoder, RefusesPaddingOtherThanZero) {
@@ -44,7 +44,7 @@ TEST(RecordsDecoder, RefusesPaddingOtherThanZero) {
 TEST(RecordsDecoder, RefusesTimesAfterTheLatest) {
     EXPECT_EQ(decodeRecords(recordBytes(kLatestTime, 2, 3, 1)).events.size(), 1U);
     EXPECT_THAT(decodeRecords(recordBytes(kLatestTime + 1, 2, 3, 1)).error,
-                HasSubstr("the impossible time 9223372036854775808, byte 0"));
+                HasSubstr("the invalid time 9223372036854775808, byte 0"));
 }
 
 TEST(RecordsDecoder, GivesTheEventsBeforeAnEndInsideARecord) {

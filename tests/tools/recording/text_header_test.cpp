@@ -46,10 +46,9 @@ TEST(TextHeader, TellsTheSensorSizeInTwoWholeNumbers) {
 }
 
 TEST(TextHeader, RefusesAnImpossibleSensorSize) {
-    EXPECT_EQ(
-        errorOf("# size\n0 180\n"),
-        "a.txt: gives the impossible sensor size 0 x 180, line 2, correct the line: width and "
-        "height in pixels");
+    EXPECT_EQ(errorOf("# size\n0 180\n"),
+              "a.txt: states the invalid sensor size 0 x 180, line 2, correct the line: width and "
+              "height in pixels");
 }
 
 TEST(TextHeader, TellsTheOrderOfTheColumnsByTheirNames) {

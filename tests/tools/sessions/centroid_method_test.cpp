@@ -108,7 +108,8 @@ TEST(CentroidMethod, RemarksOnWindowsWithFewerEventsThanClusters) {
     const auto method = makeCentroidMethod(clusters(151), {320, 240});
     EXPECT_EQ(method->remark(), "");
     EXPECT_TRUE(found(*method, twoSquares()).clusters.empty());
-    EXPECT_EQ(method->remark(), "1 windows had fewer than 151 events, and no clusters");
+    EXPECT_EQ(method->remark(),
+              "windows without clusters, because they had fewer than 151 events: 1");
 }
 
 }  // namespace

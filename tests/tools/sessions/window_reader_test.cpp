@@ -72,7 +72,7 @@ TEST_F(WindowReaderTest, RemarksOnARangeBehindTheLastEvent) {
     options.from = Duration{30'001};
     WindowReader reader = readerOf(kEvents);
     EXPECT_TRUE(windowsOf(reader).empty());
-    EXPECT_EQ(reader.remark(), "the recording ends before the wanted range");
+    EXPECT_EQ(reader.remark(), "the recording ends before the requested time range");
     options.from = Duration{30'000};
     WindowReader inside = readerOf(kEvents);
     EXPECT_EQ(windowsOf(inside).size(), 1U);
@@ -83,7 +83,7 @@ TEST_F(WindowReaderTest, RemarksOnARangeThatEndsBehindTheLastEvent) {
     options.to = Duration{30'001};
     WindowReader reader = readerOf(kEvents);
     EXPECT_EQ(windowsOf(reader).size(), 3U);
-    EXPECT_EQ(reader.remark(), "the recording ends within the wanted range");
+    EXPECT_EQ(reader.remark(), "the recording ends within the requested time range");
     options.to = Duration{30'000};
     WindowReader complete = readerOf(kEvents);
     EXPECT_EQ(windowsOf(complete).size(), 2U);

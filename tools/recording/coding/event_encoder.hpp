@@ -21,7 +21,7 @@ public:
     /// Appends the bytes of `events`, which continue the events of the previous call.
     ///
     /// \param events  Of polarity 0 or 1.
-    /// \throws RecordingError  at an event that the format cannot hold.
+    /// \throws RecordingError  at an event that the format cannot store.
     virtual void encode(const std::vector<Event2D>& events, std::string& bytes) = 0;
 };
 

@@ -39,9 +39,10 @@ std::vector<Format> makeTable() {
     const std::vector<std::string> names = readableFormats();
     throw RecordingError(
         ErrorKind::UnusableFormat, file, "has an unknown format", {},
-        {fmt::format("give a recording in one of the formats {} and {}; if it is one, give the "
-                     "format with {{}}",
-                     fmt::join(names.begin(), std::prev(names.end()), ", "), names.back()),
+        {fmt::format(
+             "use a recording in one of the formats {} and {}; if it has one of them, state "
+             "the format with {{}}",
+             fmt::join(names.begin(), std::prev(names.end()), ", "), names.back()),
          Setting::Format});
 }
 

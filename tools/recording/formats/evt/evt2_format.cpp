@@ -22,7 +22,9 @@ Format evt2Format() {
     Format format;
     format.name = "evt2";
     format.title = "an EVT 2 recording";
-    format.description = "`%` header, then 32-bit words with 34 bits of time, one event each";
+    format.description =
+        "`%` header, then 32-bit words, one for each event and one for the upper bits of the time "
+        "(34 bits in all)";
     format.states_sensor_size = "usually, in the header";
     format.extensions = {".evt2", ".evt2.raw"};
     format.proposed_extensions = ".evt2.raw";

@@ -23,8 +23,9 @@ Format evt3Format() {
     format.name = "evt3";
     format.title = "an EVT 3 recording";
     format.description =
-        "`%` header, then 16-bit words: 24 bits of time, rows, single events and vectors of up to "
-        "12 pixels";
+        "`%` header, then 16-bit words for the time (24 bits), the row, single events, and groups "
+        "of "
+        "up to 12 pixels in a row";
     format.states_sensor_size = "usually, in the header";
     format.extensions = {".evt3", ".raw"};
     format.proposed_extensions = ".evt3.raw";

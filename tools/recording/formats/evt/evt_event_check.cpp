@@ -19,18 +19,18 @@ EvtEventCheck::EvtEventCheck(std::string file_) : file(std::move(file_)) {}
 
 void EvtEventCheck::check(const Event2D& event) {
     if (event.x > kLargestCoordinate || event.y > kLargestCoordinate) {
-        refuse(fmt::format("cannot hold the pixel ({}, {}), because EVT coordinates end at {}",
+        refuse(fmt::format("cannot store the pixel ({}, {}), because EVT coordinates end at {}",
                            event.x, event.y, kLargestCoordinate),
                "write records or text");
     }
     if (event.timestamp < last_time) {
-        refuse(fmt::format("cannot hold the time {} us after {} us", event.timestamp, last_time),
+        refuse(fmt::format("cannot store the time {} us after {} us", event.timestamp, last_time),
                "sort the events by time, or write records or text");
     }
     if (event.timestamp - last_time > kLongestPause) {
-        refuse(fmt::format("cannot hold the time {} us after {} us, a pause of more than 12 days",
+        refuse(fmt::format("cannot store the time {} us after {} us, a pause of more than 12 days",
                            event.timestamp, last_time),
-               "let times begin near 0, or write records or text");
+               "subtract a start time from all times, or write records or text");
     }
     last_time = event.timestamp;
     ++count;

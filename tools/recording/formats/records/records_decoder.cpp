@@ -54,15 +54,15 @@ void RecordsDecoder::finish(Bytes rest, std::vector<Event2D>& /*events*/) {
 
 void RecordsDecoder::refuse(Bytes record) const {
     const std::uint32_t polarity_and_padding = polarityAndPadding(record.data());
-    std::string problem = "holds a record with padding that is not zero";
+    std::string problem = "contains a record with padding that is not zero";
     if (polarity_and_padding <= 1) {
-        problem = fmt::format("holds a record with the impossible time {}", event.timestamp);
+        problem = fmt::format("contains a record with the invalid time {}", event.timestamp);
     } else if (polarity_and_padding <= 0xFF) {
-        problem =
-            fmt::format("holds a record with polarity {} instead of 0 or 1", polarity_and_padding);
+        problem = fmt::format("contains a record with polarity {} instead of 0 or 1",
+                              polarity_and_padding);
     }
     throw RecordingError(ErrorKind::Damaged, file, problem, {ErrorPlace::Unit::Byte, position},
-                         "check that the file holds records of 16 bytes and is not damaged");
+                         "check that the file consists of records of 16 bytes and is not damaged");
 }
 
 }  // namespace kelvora::recording

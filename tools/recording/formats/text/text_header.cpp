@@ -126,7 +126,7 @@ private:
     void takeSize(const std::vector<std::string_view>& fields) {
         header.sensor_size = sensorSizeFromString(fmt::format("{}x{}", fields[0], fields[1]));
         if (!header.sensor_size) {
-            refuse(fmt::format("gives the impossible sensor size {} x {}", fields[0], fields[1]),
+            refuse(fmt::format("states the invalid sensor size {} x {}", fields[0], fields[1]),
                    "correct the line: width and height in pixels");
         }
     }

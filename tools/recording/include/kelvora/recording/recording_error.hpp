@@ -18,7 +18,7 @@ enum class ErrorKind {
     UnusableFormat,  ///< The format is unknown, not supported, or another one than stated.
     Damaged,         ///< The content breaks the rules of the format.
     ReaderEnded,     ///< The file is a pipe, and the program that reads it has ended.
-    CannotHold,      ///< The format cannot hold an event that is to be written.
+    CannotHold,      ///< The format cannot store an event to be written.
     NoSensorSize,    ///< The recording does not state the size of its sensor, which is needed.
     NotSuitable      ///< The file is sound, but cannot be used for this purpose.
 };
