@@ -135,7 +135,7 @@ OPTIONS = [
 
 
 @pytest.mark.parametrize("options, arguments", OPTIONS)
-def test_rows_are_those_of_the_tool(scenes, options, arguments):
+def test_rows_are_the_same_as_in_the_tool(scenes, options, arguments):
     (found,) = kelvora.cluster_recordings(scenes[:1], **options)
     table = list(csv.DictReader(io.StringIO(run_tool("cluster", scenes[0], "-q", *arguments))))
     assert found.error is None
@@ -187,7 +187,7 @@ def test_failures_leave_the_others_alone(scenes, tmp_path):
     assert np.array_equal(cut.rows[: np.count_nonzero(whole)], last.rows[whole])
 
 
-def test_counts_tell_what_was_put_right(tmp_path):
+def test_corrected_events_are_counted(tmp_path):
     events = [(1000, 7, 5, 1), (900, 7, 5, 0), (1001, 320, 5, 1)]
     (found,) = kelvora.cluster_recordings(
         [write_records(tmp_path / "a.bin", events)], sensor=SENSOR
@@ -195,7 +195,7 @@ def test_counts_tell_what_was_put_right(tmp_path):
     assert (found.windows, found.dropped, found.clamped, found.skipped_words) == (1, 1, 1, 0)
 
 
-def test_unknown_sensor_is_told_with_its_remedy(scenes):
+def test_unknown_sensor_size_is_reported_with_a_remedy(scenes):
     (found,) = kelvora.cluster_recordings([scenes[1]])
     assert "sensor=(WIDTH, HEIGHT)" in str(found.error)
 
@@ -254,7 +254,7 @@ def test_results_compare_without_an_error(scenes):
     assert first != second
 
 
-def test_a_single_path_is_no_list_of_paths():
+def test_a_single_path_is_refused_as_list_of_paths():
     with pytest.raises(TypeError, match="paths"):
         kelvora.cluster_recordings("abc.raw")
 

@@ -162,7 +162,7 @@ def test_polarity_is_filtered_for_each_object_alone():
         assert grid.active_map().sum() == count
 
 
-def test_a_grid_can_want_both_polarities():
+def test_a_grid_can_require_both_polarities():
     for polarity, found in {"separate": 0, "all": 1}.items():
         clusterer = kelvora.GridClusterer(WIDTH, HEIGHT, polarity=polarity)
         events = square(50, 50)
@@ -369,7 +369,7 @@ def test_unknown_keywords_are_refused_with_a_suggestion():
         kelvora.GridClusterer(WIDTH, HEIGHT, window_us=3)
 
 
-def test_events_in_one_column_get_a_thin_box_unless_the_box_of_the_library_is_wanted():
+def test_events_in_one_column_get_a_thin_box_unless_zero_boxes_are_kept():
     column = dict(x=[7] * 40, y=np.arange(40), t=np.arange(40), p=[1] * 40)
     for keep, box in {False: (7.0, 0.0, 1.0, 39.0), True: (0.0, 0.0, 0.0, 0.0)}.items():
         clusterer = kelvora.DensityClusterer(WIDTH, HEIGHT, keep_zero_boxes=keep)
@@ -379,7 +379,7 @@ def test_events_in_one_column_get_a_thin_box_unless_the_box_of_the_library_is_wa
         assert rows["events"].tolist() == [40]
 
 
-def test_the_grid_does_not_know_the_number_of_events():
+def test_the_grid_reports_no_number_of_events():
     clusterer = kelvora.GridClusterer(WIDTH, HEIGHT)
     clusterer.process(square(50, 50))
     assert clusterer.generate(0)["events"].tolist() == [-1]

@@ -300,7 +300,7 @@ def test_refuses_arrays_of_other_dimensions():
             kelvora.GridClusterer(WIDTH, HEIGHT).process(shaped)
 
 
-def test_needs_either_events_or_arrays():
+def test_needs_either_events_or_four_arrays():
     events = make_events(np.dtype(LAYOUTS["packed"]), "bool", "us", 4)[0]
     for arguments in [dict(), dict(events=events, x=[1])]:
         with pytest.raises(TypeError, match="either events, or all of x, y, t and p"):

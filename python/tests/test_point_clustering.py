@@ -43,7 +43,7 @@ def test_dbscan_leaves_out_points_at_exactly_the_radius():
     assert kelvora.dbscan(points, 5.001, 2).tolist() == [0, 0]
 
 
-def test_dbscan_takes_points_that_are_not_finite_for_noise():
+def test_dbscan_treats_points_that_are_not_finite_as_noise():
     points, _ = blobs()
     points[7] = np.nan
     labels = kelvora.dbscan(points, 8.0, 5)
@@ -51,7 +51,7 @@ def test_dbscan_takes_points_that_are_not_finite_for_noise():
     assert (labels == -1).sum() == 1
 
 
-def test_points_may_lie_anyhow_in_memory():
+def test_points_may_have_any_memory_layout():
     points, which = blobs(dim=3, dtype="f8")
     for same in [
         np.asfortranarray(points),
@@ -103,7 +103,7 @@ def test_refuses_other_shapes(points):
         np.ma.masked_array(np.zeros((3, 2)), False),
     ],
 )
-def test_refuses_what_is_not_numbers(points):
+def test_refuses_arrays_that_are_not_numeric(points):
     for cluster in [lambda: kelvora.dbscan(points, 1.0, 1), lambda: kelvora.kmeans(points, 1)]:
         with pytest.raises(TypeError, match="points"):
             cluster()

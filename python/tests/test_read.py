@@ -51,7 +51,7 @@ def test_every_format_gives_the_same_events(tmp_path, scene, name, input_format)
 
 
 @pytest.mark.parametrize("chunk_events", [1000, 16_384, 20_000, 10**12])
-def test_chunks_are_of_the_wanted_size(tmp_path, scene, chunk_events):
+def test_chunks_have_the_requested_size(tmp_path, scene, chunk_events):
     chunks = list(kelvora.read(simulate(tmp_path / "a.bin"), chunk_events=chunk_events))
     assert all(len(chunk) == chunk_events for chunk in chunks[:-1])
     assert 1 <= len(chunks[-1]) <= chunk_events
@@ -65,7 +65,7 @@ def test_single_events_can_be_read(tmp_path):
     ]
 
 
-def test_end_stays_the_end(tmp_path):
+def test_iterator_stays_at_the_end(tmp_path):
     reader = kelvora.read(write_records(tmp_path / "a.bin", THREE))
     assert iter(reader) is reader
     assert len(next(reader)) == 3
@@ -74,7 +74,7 @@ def test_end_stays_the_end(tmp_path):
             next(reader)
 
 
-def test_events_are_put_right_and_counted(tmp_path):
+def test_events_are_corrected_and_counted(tmp_path):
     events = [
         *THREE,
         (900, 1, 1, 0),
@@ -94,13 +94,13 @@ def test_events_are_put_right_and_counted(tmp_path):
     assert (reader.dropped, reader.clamped) == (0, 0)
 
 
-def test_without_a_sensor_times_are_put_right_all_the_same(tmp_path):
+def test_times_are_corrected_without_a_sensor_size(tmp_path):
     reader = kelvora.read(write_records(tmp_path / "a.bin", [*THREE, (3, 65_535, 65_535, 1)]))
     assert rows_of(next(reader))[-1] == [1005, 65_535, 65_535, 1]
     assert (reader.sensor, reader.dropped, reader.clamped) == (None, 0, 1)
 
 
-def test_what_the_content_does_not_say_can_be_given(tmp_path):
+def test_missing_information_can_be_given(tmp_path):
     path = tmp_path / "a.txt"
     path.write_text("7 5 1 0.5\n8 5 0 1.5\n")
     assert rows_of(read_all(path, columns="xypt", time_unit="ms")) == [
@@ -140,7 +140,7 @@ def test_error_survives_pickling(tmp_path):
 
 
 @pytest.mark.parametrize("content", [b"", b"\x93NUMPY and more", b"\0" * 15])
-def test_what_is_no_recording_is_refused(tmp_path, content):
+def test_other_files_are_refused(tmp_path, content):
     path = tmp_path / "a"
     path.write_bytes(content)
     with pytest.raises(kelvora.RecordingError) as caught:
@@ -189,7 +189,7 @@ def test_path_may_have_any_type_and_any_bytes(tmp_path):
     assert os.fsencode(caught.value.file) == name
 
 
-def test_pipe_gives_what_has_arrived_and_others_run_meanwhile(tmp_path):
+def test_pipe_gives_events_as_they_arrive_while_other_threads_run(tmp_path):
     pipe = tmp_path / "pipe"
     os.mkfifo(pipe)
     go_on = threading.Event()
@@ -228,7 +228,7 @@ def test_threads_share_a_reader(tmp_path, scene):
     assert np.array_equal(np.sort(events, order=order), np.sort(scene, order=order))
 
 
-def test_chunks_are_as_clusterers_take_them(tmp_path, scene):
+def test_clusterers_accept_chunks(tmp_path, scene):
     from_file, at_once = (kelvora.GridClusterer(320, 240) for _ in range(2))
     for events in kelvora.read(simulate(tmp_path / "a.raw"), chunk_events=777):
         from_file.process(events)

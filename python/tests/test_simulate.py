@@ -28,7 +28,7 @@ def test_same_arguments_give_the_same_events():
     assert events["x"].max() < 160 and events["y"].max() < 120 and events["t"][-1] < 100_000
 
 
-def test_scene_is_that_of_the_tool(tmp_path):
+def test_scene_is_the_same_as_in_the_tool(tmp_path):
     options = {
         "discs": 2,
         "bars": 1,

@@ -126,7 +126,7 @@ def names_in(words):
     return re.findall(r"'([a-z0-9]+)'", words)
 
 
-def test_formats_are_those_of_the_module():
+def test_formats_are_the_same_as_in_the_module():
     with pytest.raises(ValueError) as caught:
         kelvora.read("a", input_format="")
     formats = names_in(str(caught.value))

@@ -64,7 +64,7 @@ def test_one_object_serves_many_threads_one_at_a_time():
     assert np.array_equal(shared.active_map(), alone.active_map())
 
 
-def test_all_operations_may_meet():
+def test_all_operations_may_run_at_the_same_time():
     events = random_events(2_000)
     clusterer = kelvora.CentroidClusterer(WIDTH, HEIGHT, 4, dim=3)
     tracker = kelvora.Tracker()

@@ -48,7 +48,7 @@ def test_reset_ends_tracks_and_uses_no_number_again():
     assert tracker.update(rows(1, (50, 50))).tolist() == [2]
 
 
-def test_takes_what_a_clusterer_returns():
+def test_takes_the_result_of_a_clusterer():
     clusterer = kelvora.GridClusterer(320, 240)
     x, y = (axis.ravel() for axis in np.meshgrid(np.arange(100, 120), np.arange(50, 70)))
     tracker = kelvora.Tracker()
@@ -95,7 +95,7 @@ def test_refuses_times_that_go_back_and_changes_nothing():
         (np.array([(-1, 0, 0, 1, 1)], ROW), ValueError, "negative"),
     ],
 )
-def test_refuses_what_are_no_clusters(clusters, error, message):
+def test_refuses_arrays_that_are_not_clusters(clusters, error, message):
     with pytest.raises(error, match=message):
         kelvora.Tracker().update(clusters)
 

@@ -47,7 +47,7 @@ TEST(CellListOfPoints, LeavesOutPointsThatAreNotFinite) {
     EXPECT_EQ(cells.points(), 2U);
 }
 
-TEST(CellListOfPoints, RefusesWhatCannotBeNumberedOrCompared) {
+TEST(CellListOfPoints, RefusesCoordinatesOutOfRangeAndInvalidRadii) {
     CellList<2, float> cells;
     EXPECT_TRUE(cells.findCells(line<Plane>({0, 1e9}), 1, 1, 1));
     EXPECT_FALSE(cells.findCells(line<Plane>({0, 1e10}), 1, 1, 1));

@@ -37,7 +37,7 @@ void expectEachPointIsInOneCluster(const KMeansOutcome<Kind>& found, std::size_t
     EXPECT_THAT(times, Each(1));
 }
 
-TYPED_TEST(ExtremeCentroidClusters, HoldPointsThatAreNotFiniteToo) {
+TYPED_TEST(ExtremeCentroidClusters, ContainPointsThatAreNotFinite) {
     for (const double value : {kInfinity, -kInfinity, kUndefined}) {
         for (std::size_t axis = 0; axis < TypeParam::kDim; ++axis) {
             for (const int one_in : {1, 2, 100}) {

@@ -159,7 +159,7 @@ public:
 };
 TYPED_TEST_SUITE(RandomSetsAndCentroids, PointKinds, PointKindNames);
 
-TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesFromOneOfThePoints) {
+TYPED_TEST(RandomSetsAndCentroids, GiveTheResultOfTheModelFromOneOfThePoints) {
     Variety variety;
     for (std::uint64_t seed = 0; seed < rounds(10'000U); ++seed) {
         Random random(seed);
@@ -194,7 +194,7 @@ TYPED_TEST(RandomSetsAndCentroids, GiveTheSameWithAnObjectThatRanBefore) {
 }
 
 // Enough centroids, in a small enough part of the space, that points are compared in the tree.
-TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesFromManyCentroidsAndAPointFarAway) {
+TYPED_TEST(RandomSetsAndCentroids, GiveTheResultOfTheModelFromManyCentroidsAndAPointFarAway) {
     Random random(1);
     Settings settings(random);
     settings.k = 90;
@@ -205,7 +205,7 @@ TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesFromManyCentroidsAndAPoi
     EXPECT_TRUE(firstCentroidOf<TypeParam>(found, points, settings).has_value());
 }
 
-TYPED_TEST(RandomSetsAndCentroids, IterateOnAfterAChangeOfExactlyTheTolerance) {
+TYPED_TEST(RandomSetsAndCentroids, ContinueAfterAChangeOfExactlyTheTolerance) {
     int sets_where_it_matters = 0;
     for (std::uint64_t seed = 0; seed < 100'000 && sets_where_it_matters < 10; ++seed) {
         Random random(seed);
@@ -255,7 +255,7 @@ TYPED_TEST(RandomSetsAndCentroids, GiveEachOfThePossibleOutcomesAndNoOther) {
     EXPECT_GT(most_outcomes, 3U);
 }
 
-TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesForLargeSets) {
+TYPED_TEST(RandomSetsAndCentroids, GiveTheResultOfTheModelForLargeSets) {
     for (std::uint64_t seed = 0; seed < 3; ++seed) {
         Random random(seed);
         const auto points = randomGridPoints<TypeParam>(random, 300, -30, 61, 0.25);
@@ -286,7 +286,7 @@ typename Kind::Points pointsFarFromTheOrigin(Random& random, std::size_t count, 
     return points;
 }
 
-TYPED_TEST(RandomSetsAndCentroids, GiveWhatTheModelGivesForLargeSetsFarFromTheOrigin) {
+TYPED_TEST(RandomSetsAndCentroids, GiveTheResultOfTheModelForLargeSetsFarFromTheOrigin) {
     for (std::uint64_t seed = 0; seed < 6; ++seed) {
         Random random(seed);
         const auto points = pointsFarFromTheOrigin<TypeParam>(random, 400, seed % 2 == 0);

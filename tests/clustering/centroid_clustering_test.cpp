@@ -132,7 +132,7 @@ TYPED_TEST(CentroidClusters, HaveNoCentroidsAndNoPointsBeforeTheFirstRun) {
     EXPECT_THAT(this->countsOf(clustering), ElementsAre(0, 0, 0));
 }
 
-TYPED_TEST(CentroidClusters, AreOneOfAllPointsIfOneIsWanted) {
+TYPED_TEST(CentroidClusters, ContainAllPointsIfOneIsRequested) {
     const typename TypeParam::Points points = {at<TypeParam>(-3, -1, -7), at<TypeParam>(-2, -2, -6),
                                                at<TypeParam>(2, 6, 1)};
     const auto found = kMeansOf<TypeParam>(points, 1);
@@ -220,7 +220,7 @@ TYPED_TEST(CentroidClusters, KeepThePointsTheyHadBeforeTheirCentroidsMovedLast) 
     EXPECT_LT(misplaced_once, kRuns);
 }
 
-TYPED_TEST(CentroidClusters, AreEmptyButForOneIfAllPointsCoincide) {
+TYPED_TEST(CentroidClusters, AreEmptyExceptOneIfAllPointsCoincide) {
     const auto found = kMeansOf<TypeParam>(line<TypeParam>({3, 3, 3}), 3);
     EXPECT_EQ(found.clustering.clusters, (Members{{0, 1, 2}, {}, {}}));
     EXPECT_THAT(found.counts, ElementsAre(3, 0, 0));
@@ -243,7 +243,7 @@ TYPED_TEST(CentroidClusters, HaveTheFirstPointAsCentroidWhereAllPlacesAreTaken) 
     EXPECT_EQ(seen, (std::set<Members>{{{0, 1}, {2}, {}}, {{2}, {0, 1}, {}}}));
 }
 
-TYPED_TEST(CentroidClusters, AreNoneOfTooFewPointsAndTheCountsStay) {
+TYPED_TEST(CentroidClusters, AreNoneForTooFewPointsAndTheCountsStay) {
     typename TestFixture::Tested clustering(3, 20, kTol);
     Members clusters = {{7}};
     std::vector<std::vector<typename TypeParam::T>> boxes = {{1, 2}};
@@ -263,7 +263,7 @@ TYPED_TEST(CentroidClusters, AreNoneOfTooFewPointsAndTheCountsStay) {
     }
 }
 
-TYPED_TEST(CentroidClusters, ReplaceThoseOfAnEarlierRun) {
+TYPED_TEST(CentroidClusters, ReplaceTheClustersOfAnEarlierRun) {
     typename TestFixture::Tested clustering(2, 20, kTol);
     Clustering<typename TypeParam::T> found{{{7}, {8}, {9}}, {{1}, {2}, {3}}};
     for (const double x : {4.0, 8.0}) {
@@ -276,7 +276,7 @@ TYPED_TEST(CentroidClusters, ReplaceThoseOfAnEarlierRun) {
     }
 }
 
-TYPED_TEST(CentroidClusters, AreAsManyAsWasSetForTheNextRun) {
+TYPED_TEST(CentroidClusters, HaveTheNumberThatWasSetForTheNextRun) {
     const auto points = line<TypeParam>({0, 10, 20, 30});
     typename TestFixture::Tested clustering(2, 20, kTol);
     EXPECT_THAT(outcomeOf<TypeParam>(clustering, points).counts, SizeIs(2));

@@ -55,7 +55,7 @@ TEST(ConcurrentSets, AreKnownByTheirSmallestNumber) {
     EXPECT_EQ(sets.find(0), 0U);
 }
 
-TEST(ConcurrentSets, StayAsTheyAreWhenJoinedWithThemselves) {
+TEST(ConcurrentSets, StayTheSameWhenJoinedWithThemselves) {
     ConcurrentSets sets;
     sets.reset(3);
     sets.join(1, 1);
@@ -103,7 +103,7 @@ std::vector<std::uint32_t> paintedSets(std::size_t count, const std::vector<Pair
     return colour;
 }
 
-TEST(ConcurrentSets, AreThoseOfPaintingHoweverManyThreadsJoin) {
+TEST(ConcurrentSets, AreTheSameAsByPaintingForAnyNumberOfThreads) {
     constexpr std::size_t kCount = 1000;
     for (std::uint64_t seed = 0; seed < 30; ++seed) {
         test::Random random(seed);

@@ -118,7 +118,7 @@ TEST(ThreadsOfTheDensityGenerator, AreAsManyAsTheLow8BitsOfItsJobs) {
     EXPECT_EQ(threadsFor(-2, 100), 254);
 }
 
-TEST(ThreadsOfTheDensityGenerator, AreThoseOfTheHardwareForMinusOneJobs) {
+TEST(ThreadsOfTheDensityGenerator, AreOnePerHardwareThreadForMinusOneJobs) {
     const int hardware = static_cast<int>(std::thread::hardware_concurrency());
     EXPECT_EQ(threadsFor(-1, 100), hardware == 1 ? 0 : hardware);
 }

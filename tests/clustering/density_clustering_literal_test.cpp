@@ -88,7 +88,7 @@ DensityCase<Kind> sparseCase(Random& random, double points_per_cube) {
 }
 
 // From a few points in each cell to so many that smaller cells are used.
-TYPED_TEST(LiteralPasses, FindTheSameHoweverDensePointsAre) {
+TYPED_TEST(LiteralPasses, FindTheSameForAnyDensityOfPoints) {
     for (const double points_per_cube : {0.1, 0.5, 1.0, 3.0, 8.0, 12.0, 16.0, 30.0}) {
         Random random(static_cast<std::uint64_t>(10 * points_per_cube));
         const auto set = sparseCase<TypeParam>(random, points_per_cube);

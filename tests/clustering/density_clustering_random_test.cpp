@@ -90,7 +90,7 @@ TYPED_TEST(ThousandRandomSets, GiveTheClustersOfTheModelsOnceMore) {
     this->compareWithModels(2000);
 }
 
-TYPED_TEST(ThousandRandomSets, GiveTheSameClustersHoweverManyJobsAboveOneThereAre) {
+TYPED_TEST(ThousandRandomSets, GiveTheSameClustersForAnyNumberOfJobsAboveOne) {
     for (std::uint64_t seed = 5000; seed < 5100; ++seed) {
         Random random(seed);
         const RandomCase<TypeParam> set(random);

@@ -44,7 +44,7 @@ public:
 };
 TYPED_TEST_SUITE(DensityClusters, PointKinds, PointKindNames);
 
-TYPED_TEST(DensityClusters, AreNotLookedForWithoutAJob) {
+TYPED_TEST(DensityClusters, AreRefusedWithoutAJob) {
     DensityClustering<TypeParam::kDim, typename TypeParam::T> clustering(1, 1);
     Members clusters = {{7}};
     std::vector<typename TestFixture::Box> boxes = {{1, 2}};
@@ -58,7 +58,7 @@ TYPED_TEST(DensityClusters, AreNotLookedForWithoutAJob) {
     EXPECT_THAT(boxes, ElementsAre(ElementsAre(1, 2)));
 }
 
-TYPED_TEST(DensityClusters, AreNoneWithoutPointsAndReplaceWhatWasThere) {
+TYPED_TEST(DensityClusters, AreNoneWithoutPointsAndReplaceThePreviousContents) {
     for (const int jobs : {1, 2, 255}) {
         DensityClustering<TypeParam::kDim, typename TypeParam::T> clustering(1, 1);
         Members clusters = {{7}};
@@ -70,7 +70,7 @@ TYPED_TEST(DensityClusters, AreNoneWithoutPointsAndReplaceWhatWasThere) {
     }
 }
 
-TYPED_TEST(DensityClusters, AreNoneOfPointsFarApart) {
+TYPED_TEST(DensityClusters, AreNoneForPointsFarApart) {
     const auto points = line<TypeParam>({0, 5, 10});
     EXPECT_THAT(this->oneJob(points, 1, 2).clusters, IsEmpty());
     EXPECT_THAT(this->twoJobs(points, 1, 1).clusters, IsEmpty());
@@ -141,7 +141,7 @@ TYPED_TEST(DensityClusters, HaveBoxesThatDoNotReachTheirFirstPointWithManyJobs) 
                 ElementsAre(this->boxOnLine(4, 2)));
 }
 
-TYPED_TEST(DensityClusters, AreNoneIfNoPositiveNumberOfPointsIsWanted) {
+TYPED_TEST(DensityClusters, AreNoneIfNoPositiveNumberOfPointsIsRequired) {
     const auto points = line<TypeParam>({0, 0, 1, 1, 2, 2});
     for (const int min_pts : {0, -1, -1000, INT_MIN}) {
         for (const int jobs : {1, 2}) {
@@ -152,7 +152,7 @@ TYPED_TEST(DensityClusters, AreNoneIfNoPositiveNumberOfPointsIsWanted) {
     }
 }
 
-TYPED_TEST(DensityClusters, AreNoneIfMorePointsAreWantedThanThereAre) {
+TYPED_TEST(DensityClusters, AreNoneIfMorePointsAreRequiredThanThereAre) {
     const auto points = line<TypeParam>({0, 0, 1, 1, 2, 2});
     EXPECT_THAT(this->oneJob(points, 5, INT_MAX).clusters, IsEmpty());
     EXPECT_THAT(this->twoJobs(points, 5, INT_MAX).clusters, IsEmpty());

@@ -35,7 +35,7 @@ TEST(FirstFailure, ThrowsTheFirstOfSeveralFailures) {
     }
 }
 
-TEST(FirstFailure, ThrowsWhatFailedOnAnotherThread) {
+TEST(FirstFailure, RethrowsAnExceptionOfAnotherThread) {
     FirstFailure failure;
     std::thread other([&] { failWith(failure, "elsewhere"); });
     other.join();

@@ -68,7 +68,7 @@ TYPED_TEST(KDTrees, FindNothingBeforeTheyAreBuilt) {
     this->expectNothingIsFound(tree);
 }
 
-TYPED_TEST(KDTrees, FindNothingAmongNoPoints) {
+TYPED_TEST(KDTrees, FindNothingWithoutPoints) {
     const typename TestFixture::Points points;
     typename TestFixture::Tree tree;
     EXPECT_TRUE(tree.build(points, 1));
@@ -93,7 +93,7 @@ TYPED_TEST(KDTrees, DoNotFindPointsAtExactlyTheRadius) {
     EXPECT_THAT(this->ascendingNeighbours(tree, 5.125, 0), ElementsAre(0, 1));
 }
 
-TYPED_TEST(KDTrees, DoNotEvenFindThePointItselfWithinNothing) {
+TYPED_TEST(KDTrees, DoNotEvenFindThePointItselfWithinRadiusZero) {
     const auto points = line<TypeParam>({0, 0, 0});
     typename TestFixture::Tree tree;
     tree.build(points, 1);
@@ -132,7 +132,7 @@ TYPED_TEST(KDTrees, FindAllOfManyEqualPoints) {
     EXPECT_EQ(this->neighbours(tree, 1, 500).size(), 1000U);
 }
 
-TYPED_TEST(KDTrees, FindWhatComparingAllPairsFinds) {
+TYPED_TEST(KDTrees, FindTheSameAsComparingAllPairs) {
     for (std::uint64_t seed = 0; seed < 20; ++seed) {
         Random random(seed);
         const auto points = randomGridPoints<TypeParam>(random, 150, -8, 16, 0.5);
@@ -161,7 +161,7 @@ TYPED_TEST(KDTrees, FindTheClosestPointsByAscendingDistance) {
     EXPECT_THAT(dists, ElementsAre(0.0625, 0.5625, 7.5625));
 }
 
-TYPED_TEST(KDTrees, FindAllPointsIfMoreAreWanted) {
+TYPED_TEST(KDTrees, FindAllPointsIfMoreAreRequested) {
     const auto points = line<TypeParam>({5, 1, 3});
     typename TestFixture::Tree tree;
     tree.build(points, 1);
@@ -172,7 +172,7 @@ TYPED_TEST(KDTrees, FindAllPointsIfMoreAreWanted) {
     EXPECT_THAT(dists, ElementsAre(1, 9, 25, 0, 0));
 }
 
-TYPED_TEST(KDTrees, FindNothingIfNoneIsWanted) {
+TYPED_TEST(KDTrees, FindNothingIfNoneIsRequested) {
     const auto points = line<TypeParam>({5, 1, 3});
     typename TestFixture::Tree tree;
     tree.build(points, 1);
@@ -183,7 +183,7 @@ TYPED_TEST(KDTrees, FindNothingIfNoneIsWanted) {
     EXPECT_THAT(dists, IsEmpty());
 }
 
-TYPED_TEST(KDTrees, FindTheClosestAsSortingAllDoes) {
+TYPED_TEST(KDTrees, FindTheSameClosestPointsAsSortingAll) {
     Random random(3);
     const auto points = randomGridPoints<TypeParam>(random, 500, -20, 40, 1);
     typename TestFixture::Tree tree;
@@ -228,7 +228,7 @@ TYPED_TEST(KDTrees, ForgetTheOldPointsWhenBuiltAgain) {
     EXPECT_EQ(tree.knnSearchPoint(9, indices, dists, at<TypeParam>(0)), 3U);
 }
 
-TYPED_TEST(KDTrees, FindNothingAfterTheyAreBuiltAgainOverNothing) {
+TYPED_TEST(KDTrees, FindNothingAfterTheyAreBuiltAgainWithoutPoints) {
     typename TestFixture::Tree tree;
     const typename TestFixture::Points points(50, at<TypeParam>(1));
     tree.build(points, 1);
@@ -237,7 +237,7 @@ TYPED_TEST(KDTrees, FindNothingAfterTheyAreBuiltAgainOverNothing) {
     this->expectNothingIsFound(tree);
 }
 
-TYPED_TEST(KDTrees, AreTheSameHoweverManyThreadsBuildThem) {
+TYPED_TEST(KDTrees, AreTheSameForAnyNumberOfBuildingThreads) {
     Random random(5);
     const auto points = randomGridPoints<TypeParam>(random, 3000, 0, 100, 1);
     typename TestFixture::Tree reference;
@@ -252,7 +252,7 @@ TYPED_TEST(KDTrees, AreTheSameHoweverManyThreadsBuildThem) {
     }
 }
 
-TYPED_TEST(KDTrees, AreSearchedByManyThreadsAtATime) {
+TYPED_TEST(KDTrees, CanBeSearchedByManyThreadsAtOnce) {
     Random random(6);
     const auto points = randomGridPoints<TypeParam>(random, 2000, 0, 50, 1);
     typename TestFixture::Tree tree;

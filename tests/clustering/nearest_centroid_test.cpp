@@ -81,7 +81,7 @@ public:
 };
 TYPED_TEST_SUITE(NearestCentroidByItself, PointKinds, PointKindNames);
 
-TYPED_TEST(NearestCentroidByItself, IsThatOfComparingWithAllForUnevenPoints) {
+TYPED_TEST(NearestCentroidByItself, IsTheSameAsByComparingWithAllForUnevenPoints) {
     for (int seed = 0; seed < 12; ++seed) {
         Random random(static_cast<std::uint64_t>(seed));
         const auto points = this->unevenPoints(random, 4000, 1000);
@@ -106,7 +106,7 @@ TYPED_TEST(NearestCentroidByItself, IsTiedWhereSeveralAreEquallyNear) {
 }
 
 // With centroids at equal distances all around, only rounding decides.
-TYPED_TEST(NearestCentroidByItself, IsThatOfComparingWithAllForCentroidsOnACircle) {
+TYPED_TEST(NearestCentroidByItself, IsTheSameAsByComparingWithAllForCentroidsOnACircle) {
     Random random(3);
     auto points = this->unevenPoints(random, 4000, 1e-3);
     for (const double radius : {0.01, 1.0, 300.0}) {
@@ -118,7 +118,7 @@ TYPED_TEST(NearestCentroidByItself, IsThatOfComparingWithAllForCentroidsOnACircl
     }
 }
 
-TYPED_TEST(NearestCentroidByItself, IsThatOfComparingWithAllForPointsWithoutExtent) {
+TYPED_TEST(NearestCentroidByItself, IsTheSameAsByComparingWithAllForPointsWithoutExtent) {
     Random random(4);
     const auto centroids = this->unevenPoints(random, 40, 10);
     this->compareWithForce(typename TypeParam::Points(500, at<TypeParam>(3, 4, 5)), centroids);
@@ -136,7 +136,7 @@ TYPED_TEST(NearestCentroidByItself, IsThatOfComparingWithAllForPointsWithoutExte
     this->compareWithForce(line_of_points, centroids);
 }
 
-TYPED_TEST(NearestCentroidByItself, IsThatOfComparingWithAllFarFromTheOrigin) {
+TYPED_TEST(NearestCentroidByItself, IsTheSameAsByComparingWithAllFarFromTheOrigin) {
     Random random(5);
     auto points = this->unevenPoints(random, 4000, 1000);
     auto centroids = this->unevenPoints(random, 60, 1000);

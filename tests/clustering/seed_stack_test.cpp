@@ -68,7 +68,7 @@ TEST(SeedStack, ForgetsAllNumbersWhenReset) {
     EXPECT_THAT(popAll(stack), ElementsAre(4, 2));
 }
 
-TEST(SeedStack, GivesTheOrderOfAStackWithAllCopiesWhoseOldOnesAreSkipped) {
+TEST(SeedStack, GivesTheSameOrderAsAStackThatSkipsOldCopies) {
     test::Random random(1);
     constexpr std::size_t kCount = 30;
     for (int round = 0; round < 300; ++round) {

@@ -17,7 +17,7 @@ TEST(TaskGate, IsOpenWithoutTasks) {
     EXPECT_TRUE(gate.wait());
 }
 
-TEST(TaskGate, TellsWhoDidTheLastTask) {
+TEST(TaskGate, TellsWhichThreadDidTheLastTask) {
     TaskGate gate;
     gate.close(5);
     EXPECT_FALSE(gate.done(2));
@@ -27,7 +27,7 @@ TEST(TaskGate, TellsWhoDidTheLastTask) {
     EXPECT_TRUE(gate.wait());
 }
 
-TEST(TaskGate, LetsNobodyThroughBeforeAllTasksAreDone) {
+TEST(TaskGate, BlocksThreadsUntilAllTasksAreDone) {
     constexpr std::size_t kThreads = 4;
     for (int round = 0; round < 200; ++round) {
         TaskGate gate;
@@ -51,7 +51,7 @@ TEST(TaskGate, LetsNobodyThroughBeforeAllTasksAreDone) {
     }
 }
 
-TEST(TaskGate, TellsThoseWhoWaitThatSomebodyGaveUp) {
+TEST(TaskGate, TellsWaitingThreadsThatATaskFailed) {
     TaskGate gate;
     gate.close(2);
     bool all_done = true;

@@ -43,13 +43,13 @@ std::string messageOf(Action action) {
     return "nothing was thrown";
 }
 
-TEST(SlidingEventCounter, RefusesAnEmptyWindowBeforeItLooksAtTheBins) {
+TEST(SlidingEventCounter, RefusesAnEmptyWindowBeforeItChecksTheBins) {
     const std::string message = "SlidingEventCounter: window_length must be larger than 0";
     EXPECT_EQ(messageOf([] { SlidingEventCounter(0, 10); }), message);
     EXPECT_EQ(messageOf([] { SlidingEventCounter(0, 0); }), message);
 }
 
-TEST(SlidingEventCounter, RefusesToBeWithoutBins) {
+TEST(SlidingEventCounter, RefusesZeroBins) {
     EXPECT_EQ(messageOf([] { SlidingEventCounter(10, 0); }),
               "SlidingEventCounter: num_bins must be larger than 0");
 }
@@ -121,7 +121,7 @@ TEST(SlidingEventCounter, ForgetsAllBinsItSkips) {
     EXPECT_EQ(countAfter(counter, 50), 8U);
 }
 
-TEST(SlidingEventCounter, StartsAfreshAfterExactlyOneWindow) {
+TEST(SlidingEventCounter, StartsAgainAfterExactlyOneWindow) {
     SlidingEventCounter counter(100, 10);
     count(counter, 0, 5);
     EXPECT_EQ(countAfter(counter, 100), 1U);
@@ -140,7 +140,7 @@ TEST(SlidingEventCounter, MovesOnAroundTheRingAfterAGapOfManyWindows) {
     EXPECT_EQ(countAfter(counter, 4'000'000'050), 4U);
 }
 
-TEST(SlidingEventCounter, ClearsEveryBinWhereTheyTogetherFallShortOfTheWindow) {
+TEST(SlidingEventCounter, ClearsEveryBinIfAllBinsAreShorterThanTheWindow) {
     SlidingEventCounter counter(1000, 3);  // of 333 each
     count(counter, 0);
     count(counter, 333);
@@ -180,13 +180,13 @@ TEST(SlidingEventCounter, CountsAnOlderEventAlone) {
     EXPECT_EQ(countAfter(counter, 1010), 2U);
 }
 
-TEST(SlidingEventCounter, CountsTheFirstEventWhateverItsTime) {
+TEST(SlidingEventCounter, CountsTheFirstEventAtAnyTime) {
     SlidingEventCounter counter(100, 10);
     EXPECT_EQ(countAfter(counter, std::numeric_limits<unsigned long long>::max()), 1U);
     EXPECT_EQ(countAfter(counter, std::numeric_limits<unsigned long long>::max()), 2U);
 }
 
-TEST(SlidingEventCounter, ChangesNothingWhenTheWindowIsSet) {
+TEST(SlidingEventCounter, KeepsItsWindowWhenAnotherIsSet) {
     SlidingEventCounter counter(1000, 10);
     count(counter, 0, 3);
     EXPECT_FALSE(counter.setWindowLength(0));
@@ -199,7 +199,7 @@ TEST(SlidingEventCounter, ChangesNothingWhenTheWindowIsSet) {
     EXPECT_FALSE(counter.setWindowLength(9));
 }
 
-TEST(SlidingEventCounter, StartsAfreshAfterReset) {
+TEST(SlidingEventCounter, StartsAgainAfterReset) {
     SlidingEventCounter counter(100, 10);
     count(counter, 0, 3);
     count(counter, 35);
@@ -241,7 +241,7 @@ TEST(SlidingEventCounter, MovesItsState) {
 
 class SlidingEventCounterWithTheLargestWindow : public ::testing::TestWithParam<std::size_t> {};
 
-TEST_P(SlidingEventCounterWithTheLargestWindow, OfOneBinCountsAllThereIs) {
+TEST_P(SlidingEventCounterWithTheLargestWindow, OfOneBinCountsAllEvents) {
     SlidingEventCounter counter(GetParam(), 1);
     count(counter, 0, 2);
     EXPECT_EQ(countAfter(counter, 1), 3U);
@@ -301,7 +301,7 @@ TEST(SlidingEventCounter, CountsTimestampsAsItCountsEvents) {
     }
 }
 
-TEST(SlidingEventCounter, StartsAfreshWithTimestampsAfterAReset) {
+TEST(SlidingEventCounter, StartsAgainWithTimestampsAfterAReset) {
     SlidingEventCounter counter(100, 10);
     const std::vector<unsigned long long> times = {1000, 1001, 1050};
     counter.addTimestamps(times.data(), times.size());

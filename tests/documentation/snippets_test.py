@@ -51,11 +51,11 @@ class SnippetsTest(PageTest):
         (snippet,) = self.snippets(fenced("sh", "one\n\ntwo"))
         self.assertEqual((snippet.language, snippet.text, snippet.line), ("sh", "one\n\ntwo\n", 3))
 
-    def test_takes_the_indent_of_lists_away(self) -> None:
+    def test_removes_the_indent_of_lists(self) -> None:
         (snippet,) = self.snippets("- Words.\n\n  ```sh\n  one\n    two\n  ```\n")
         self.assertEqual(snippet.text, "one\n  two\n")
 
-    def test_tells_programs_from_fragments(self) -> None:
+    def test_distinguishes_programs_from_fragments(self) -> None:
         program, fragment = fenced("cpp", "int main() {}"), fenced("cpp", "f(); // int main()")
         found = self.snippets(program + fragment)
         self.assertEqual([snippet.is_program for snippet in found], [True, False])
@@ -69,7 +69,7 @@ class SnippetsTest(PageTest):
         self.assertEqual([snippet.declarations for snippet in found], ["int i = 0;", "", ""])
         self.assertEqual([snippet.reason for snippet in found], ["", "changes the system", ""])
 
-    def test_refuses_what_is_left_out_without_a_reason(self) -> None:
+    def test_refuses_to_leave_out_snippets_without_a_reason(self) -> None:
         for mark in ("not run", "not run:", "skip", "with"):
             with self.subTest(mark), self.assertRaisesRegex(PageError, "page.md:4: .* understood"):
                 self.snippets(fenced("sh", "true", f"<!-- snippet: {mark} -->\n"))
@@ -128,7 +128,7 @@ class RunPageTest(PageTest):
         self.assertEqual(result.returncode, 1)
         self.assertIn("page.md:3: bash ended with 1", result.stderr)
 
-    def test_says_what_is_not_run_and_why(self) -> None:
+    def test_says_which_snippets_are_not_run_and_why(self) -> None:
         result = self.run_page(fenced("sh", "false", "<!-- snippet: not run: it fails -->\n"))
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertIn("page.md:4: sh, not run: it fails", result.stdout)

@@ -193,7 +193,7 @@ TEST(ClusterGeometry, HasAnInfiniteAspectRatioWithoutHeight) {
               std::numeric_limits<float>::infinity());
 }
 
-TEST(ClusterGeometry, HasNoAspectRatioWithoutWidthAndHeight) {
+TEST(ClusterGeometry, HasAnUndefinedAspectRatioWithoutWidthAndHeight) {
     EXPECT_TRUE(std::isnan(ClusterGeometry(0, 0, 0, 0, 0).getAspectRatio()));
 }
 

@@ -193,7 +193,7 @@ TEST(EventFilterType, HoldsAnyThirtyTwoBitValue) {
     EXPECT_EQ(static_cast<std::uint32_t>(static_cast<EventFilterType>(4)), 4U);
 }
 
-TEST(EventFilterType, SaysWhichPolarityIsRejectedByATable) {
+TEST(EventFilterType, HasATableOfRejectedPolarities) {
     EXPECT_THAT(kFilterTypeToRejectedPolarity, ::testing::ElementsAre(2, 1, 0, 2));
 }
 

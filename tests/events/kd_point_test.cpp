@@ -34,14 +34,14 @@ TYPED_TEST(KDPoints, RepeatASingleValue) {
     EXPECT_EQ(converted.getPoint(1), -2);
 }
 
-TYPED_TEST(KDPoints, HaveTheCoordinate0WhereThereIsNone) {
+TYPED_TEST(KDPoints, ReturnZeroForAMissingCoordinate) {
     const typename TypeParam::Point point(typename TypeParam::T{3});
     for (const int index : {TypeParam::kDim, TypeParam::kDim + 1, -1, INT_MAX, INT_MIN}) {
         EXPECT_EQ(point.getPoint(index), 0) << index;
     }
 }
 
-TYPED_TEST(KDPoints, HoldNothingButTheirCoordinates) {
+TYPED_TEST(KDPoints, ContainOnlyTheirCoordinates) {
     using Point = typename TypeParam::Point;
     EXPECT_EQ(sizeof(Point), TypeParam::kDim * sizeof(typename TypeParam::T));
     EXPECT_TRUE(std::is_trivially_copyable_v<Point>);

@@ -15,7 +15,7 @@ TEST(RejectedPolarity, IsOneForPositiveFreeAndZeroForNegativeFree) {
     EXPECT_EQ(rejectedPolarity(NEGATIVE_FREE), 0);
 }
 
-TEST(RejectedPolarity, IsAValueThatNoEventCarriesWhereNothingIsFiltered) {
+TEST(RejectedPolarity, IsAValueThatNoEventHasIfNothingIsFiltered) {
     EXPECT_EQ(rejectedPolarity(POLARITY_FREE), 2);
     EXPECT_EQ(rejectedPolarity(POLARITY_SEPARATE), 2);
 }

@@ -25,7 +25,7 @@ TYPED_TEST(ToUnsigned, KeepsTheWholePart) {
     EXPECT_EQ(toUnsigned(TypeParam{18446742974197923840.0}), 18446742974197923840U);
 }
 
-TYPED_TEST(ToUnsigned, Is0ForWhatDoesNotFit) {
+TYPED_TEST(ToUnsigned, Is0ForNumbersThatDoNotFit) {
     using Limits = std::numeric_limits<TypeParam>;
     for (const TypeParam value :
          {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), Limits::max(),
@@ -53,7 +53,7 @@ TEST(BoxToGeometry, TurnsTheThirdAxisIntoTime) {
     EXPECT_EQ(geometry.depth, 0U);
 }
 
-TEST(BoxToGeometry, HasTheTime0WhereThatIsNegativeOrUndefined) {
+TEST(BoxToGeometry, HasTheTime0IfTheTimeIsNegativeOrUndefined) {
     constexpr double kUndefined = std::numeric_limits<double>::quiet_NaN();
     const std::vector<double> box = {10, 20, -50, 30, 40, kUndefined};
     const ClusterGeometry geometry = boxToGeometry<3>(box, kScales, 100, 100, 9);

@@ -26,7 +26,7 @@ TYPED_TEST(IntakeOfTheCentroidGenerator, IgnoresNull) {
     EXPECT_THAT(generateFrom(generator), IsEmpty());
 }
 
-TYPED_TEST(IntakeOfTheCentroidGenerator, TakesEventsOfEachTypeAlike) {
+TYPED_TEST(IntakeOfTheCentroidGenerator, TreatsEventsOfEachTypeAlike) {
     using T = typename TypeParam::T;
     for (const EventFilterType filter : {POLARITY_FREE, POSITIVE_FREE, NEGATIVE_FREE}) {
         auto generator = CentroidSettings().filter(filter).build<TypeParam>();
@@ -47,7 +47,7 @@ TYPED_TEST(IntakeOfTheCentroidGenerator, TakesEventsOfEachTypeAlike) {
     }
 }
 
-TYPED_TEST(IntakeOfTheCentroidGenerator, DropsThePolarityItIsToldTo) {
+TYPED_TEST(IntakeOfTheCentroidGenerator, DropsThePolarityOfItsFilter) {
     const std::vector<Pixel> pixels = {{1, 1, 1000, 0}, {2, 1, 1000, 1}, {3, 1, 1000, 2},
                                        {4, 1, 1000, 7}, {5, 1, 1000, 0}, {6, 1, 1000, 255}};
     const auto taken = [&](EventFilterType filter) {

@@ -32,7 +32,7 @@ TYPED_TEST(LabelsOfTheCentroidGenerator, AreTheIndicesOfClustersInOrderOfArrival
     EXPECT_EQ(labelsOf(generator), (Labels{first, 1 - first, first, 1 - first}));
 }
 
-TYPED_TEST(LabelsOfTheCentroidGenerator, AreThoseOfTheLastCallOnly) {
+TYPED_TEST(LabelsOfTheCentroidGenerator, AreFromTheLastCallOnly) {
     auto generator = CentroidSettings().build<TypeParam>();
     clusterPixels(generator, {{9, 9}, {10, 9}, {11, 9}});
     feedPixels(generator, {{30, 3}, {50, 40}});

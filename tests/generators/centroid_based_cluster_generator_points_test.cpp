@@ -181,7 +181,7 @@ TYPED_TEST(PointsOfTheCentroidGenerator, OutliveTheGeneratorInMatrices) {
     EXPECT_EQ(matrices[0].template at<typename TypeParam::T>(1, 1), 60);
 }
 
-TYPED_TEST(PointsOfTheCentroidGenerator, AreThoseOfTheLastCallWhateverWasFedSince) {
+TYPED_TEST(PointsOfTheCentroidGenerator, AreFromTheLastCallRegardlessOfLaterEvents) {
     auto generator = CentroidSettings().build<TypeParam>();
     clusterPixels(generator, {{10, 20}, {11, 60}});
     clusterPixels(generator, {{3, 4, 800}});

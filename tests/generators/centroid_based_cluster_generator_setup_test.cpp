@@ -62,7 +62,7 @@ TYPED_TEST(CentroidGeneratorSetup, MakesGeneratorsThatStayInPlace) {
     EXPECT_EQ(sizeof(Tested), 2 * sizeof(void*));
 }
 
-TYPED_TEST(CentroidGeneratorSetup, RefusesWhatTheClusteringDoesWithItsMessages) {
+TYPED_TEST(CentroidGeneratorSetup, RefusesTheSameArgumentsAsTheClusteringWithTheSameMessages) {
     EXPECT_EQ(this->messageFor(CentroidSettings().clusters(0)), kNumberMessage);
     EXPECT_EQ(this->messageFor(CentroidSettings().iterations(0)), kIterationsMessage);
     for (const double tol : {0.0, -0.0, -1.0, -std::numeric_limits<double>::infinity()}) {
@@ -95,7 +95,7 @@ TYPED_TEST(CentroidGeneratorSetup, RefusesSensorsWithoutPixels) {
     EXPECT_EQ(this->messageFor(CentroidSettings().sensor(INT_MIN, -1)), kSensorMessage);
 }
 
-TYPED_TEST(CentroidGeneratorSetup, RefusesScalesThatAreNotPositiveAlsoThoseItDoesNotUse) {
+TYPED_TEST(CentroidGeneratorSetup, RefusesScalesThatAreNotPositiveEvenIfUnused) {
     for (const float scale : {0.0F, -0.0F, -1.0F, -kInfinity}) {
         EXPECT_EQ(this->messageFor(CentroidSettings().scales(scale, 1, 1)), kScalesMessage);
         EXPECT_EQ(this->messageFor(CentroidSettings().scales(1, scale, 1)), kScalesMessage);
@@ -147,7 +147,7 @@ TYPED_TEST(CentroidGeneratorSetup, ReportsTheFirstOfSeveralWrongArguments) {
     EXPECT_EQ(this->template messageFor<std::exception>(settings), "nothing was thrown");
 }
 
-TYPED_TEST(CentroidGeneratorSetup, RefusesMorePointsThanAVectorHolds) {
+TYPED_TEST(CentroidGeneratorSetup, RefusesMorePointsThanAVectorCanContain) {
     const std::string message =
         "CentroidBasedClusterGenerator: Failed to reserve memory for points: vector::reserve";
     constexpr unsigned long long kLargestSum = 0xAAAAAAAAAAAAAAA8;
@@ -157,7 +157,7 @@ TYPED_TEST(CentroidGeneratorSetup, RefusesMorePointsThanAVectorHolds) {
     }
 }
 
-TYPED_TEST(CentroidGeneratorSetup, TakesScalesWithoutBounds) {
+TYPED_TEST(CentroidGeneratorSetup, HasAConstructorWithScalesAndWithoutBounds) {
     typename TestFixture::Generator generator(100, 80, 2, 0.5, 0.25, POSITIVE_FREE, 1, 10, 1e-6);
     feedPixels(generator, {{50, 50}});
     for (int i = 0; i < 3000; ++i) {
@@ -170,7 +170,7 @@ TYPED_TEST(CentroidGeneratorSetup, TakesScalesWithoutBounds) {
     EXPECT_EQ(points[0][1].coordinates, at<TypeParam>(42, 15.5, 1e6).coordinates);
 }
 
-TYPED_TEST(CentroidGeneratorSetup, TakesNeitherScalesNorBounds) {
+TYPED_TEST(CentroidGeneratorSetup, HasAConstructorWithoutScalesAndBounds) {
     typename TestFixture::Generator generator(100, 80, NEGATIVE_FREE, 2, 10, 1e-6);
     feedPixels(generator, {{7, 3}, {8, 4}, {9, 9, 1000, 0}, {60, 50}, {61, 52, 1ULL << 50}});
     EXPECT_THAT(generateFrom(generator), SizeIs(2));
@@ -184,21 +184,21 @@ TYPED_TEST(CentroidGeneratorSetup, TakesNeitherScalesNorBounds) {
     EXPECT_EQ(points[0][0].coordinates[1] + points[1][0].coordinates[1], 53);
 }
 
-TYPED_TEST(CentroidGeneratorSetup, TakesAnyCapacityAlsoNone) {
+TYPED_TEST(CentroidGeneratorSetup, AcceptsAnyCapacityEvenZero) {
     auto generator = CentroidSettings().build<TypeParam>();
     for (const unsigned long long capacity : {0ULL, 1ULL, CentroidSettings::kUnbounded}) {
         EXPECT_TRUE(generator.setMaxCapacity(capacity));
     }
 }
 
-TYPED_TEST(CentroidGeneratorSetup, TakesAnyNumberOfClustersButNone) {
+TYPED_TEST(CentroidGeneratorSetup, AcceptsAnyNumberOfClustersExceptZero) {
     auto generator = CentroidSettings().build<TypeParam>();
     EXPECT_FALSE(generator.setClusterNumber(0));
     EXPECT_TRUE(generator.setClusterNumber(1));
     EXPECT_TRUE(generator.setClusterNumber(CentroidSettings::kUnbounded));
 }
 
-TYPED_TEST(CentroidGeneratorSetup, TakesATimeLengthOfAMicrosecondPerBinAtLeast) {
+TYPED_TEST(CentroidGeneratorSetup, AcceptsTimeLengthsOfAtLeastAMicrosecondPerBin) {
     for (const unsigned long long window : {100ULL, 100'000ULL, CentroidSettings::kUnbounded}) {
         auto generator = CentroidSettings().timeLength(window).build<TypeParam>();
         EXPECT_FALSE(generator.setMaxTimeLength(0));

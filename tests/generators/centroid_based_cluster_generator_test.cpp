@@ -64,7 +64,7 @@ TYPED_TEST(CentroidGenerator, FindsNothingInFewerPointsThanClustersButKeepsTheSi
     EXPECT_THAT(centroids, IsEmpty());
 }
 
-TYPED_TEST(CentroidGenerator, FindsAsManyClustersAsWasSet) {
+TYPED_TEST(CentroidGenerator, FindsTheNumberOfClustersThatWasSet) {
     auto generator = CentroidSettings().clusters(2).build<TypeParam>();
     const std::vector<Pixel> pixels = {{1, 1}, {30, 1}, {60, 1}, {90, 1}};
     EXPECT_THAT(clusterPixels(generator, pixels), SizeIs(2));
@@ -81,7 +81,7 @@ TYPED_TEST(CentroidGenerator, FindsAsManyClustersAsWasSet) {
     EXPECT_THAT(clusterPixels(generator, pixels), IsEmpty());
 }
 
-TYPED_TEST(CentroidGenerator, BringsBoxesBackToPixels) {
+TYPED_TEST(CentroidGenerator, ConvertsBoxesBackToPixels) {
     auto generator = CentroidSettings().scales(2, 0.5F, 0.25F).build<TypeParam>();
     const auto clusters = clusterPixels(generator, {{10, 20, 4000}, {11, 22, 4004}});
     ASSERT_THAT(boxesOf(clusters), ElementsAre(Box{10, 20, 1, 2}));
@@ -101,7 +101,7 @@ TYPED_TEST(CentroidGenerator, ClipsBoxesToTheSensor) {
     EXPECT_THAT(boxesOf(clusterPixels(generator, {{8, 6}, {11, 9}})), ElementsAre(Box{8, 6, 2, 2}));
 }
 
-TYPED_TEST(CentroidGenerator, ReportsClustersOffTheSensorAndThoseWithoutAreaAsEmptyBoxes) {
+TYPED_TEST(CentroidGenerator, ReportsClustersOffTheSensorOrWithoutAreaAsEmptyBoxes) {
     auto generator = CentroidSettings().sensor(10, 8).clusters(2).build<TypeParam>();
     feedPixels(generator, squareAt(20, 20));
     feedPixels(generator, {{4, 4}, {5, 4}});
@@ -127,7 +127,7 @@ TYPED_TEST(CentroidGenerator, ReportsClustersWithoutPointsAsEmptyBoxesAtNoTime) 
     }
 }
 
-TYPED_TEST(CentroidGenerator, ComesBackFromScalesThatAreNotFinite) {
+TYPED_TEST(CentroidGenerator, ReturnsForScalesThatAreNotFinite) {
     for (const float bad : {std::numeric_limits<float>::infinity(),
                             std::numeric_limits<float>::quiet_NaN(), 1e-45F, 3e38F}) {
         for (int axis = 0; axis < TypeParam::kDim; ++axis) {
@@ -144,7 +144,7 @@ TYPED_TEST(CentroidGenerator, ComesBackFromScalesThatAreNotFinite) {
     }
 }
 
-TYPED_TEST(CentroidGenerator, ClustersEventsAsTheModelDoesPoints) {
+TYPED_TEST(CentroidGenerator, ClustersEventsAsTheModelClustersPoints) {
     for (std::uint64_t seed = 0; seed < 40; ++seed) {
         Random random(seed);
         auto generator =

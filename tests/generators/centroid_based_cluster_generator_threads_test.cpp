@@ -40,7 +40,7 @@ public:
 };
 TYPED_TEST_SUITE(ThreadsAroundTheCentroidGenerator, PointKinds, PointKindNames);
 
-TYPED_TEST(ThreadsAroundTheCentroidGenerator, MayAskWhileOneFeeds) {
+TYPED_TEST(ThreadsAroundTheCentroidGenerator, MayReadResultsWhileOneFeeds) {
     auto generator = CentroidSettings().build<TypeParam>();
     clusterPixels(generator, squareAt(5, 5));
     std::vector<std::thread> others;
@@ -86,7 +86,7 @@ TYPED_TEST(ThreadsAroundTheCentroidGenerator, MaySetWhileOneFeeds) {
     EXPECT_THAT(generateFrom(generator), SizeIs(kRounds));
 }
 
-TYPED_TEST(ThreadsAroundTheCentroidGenerator, MayResetAndAskAtTheSameTimeWhileNoneFeeds) {
+TYPED_TEST(ThreadsAroundTheCentroidGenerator, MayResetAndReadResultsAtTheSameTimeWhileNoneFeeds) {
     auto generator = CentroidSettings().build<TypeParam>();
     clusterPixels(generator, squareAt(5, 5));
     feedPixels(generator, squareAt(50, 50));

@@ -36,7 +36,7 @@ TYPED_TEST(LabelsOfTheDensityGenerator, AreTheIndicesOfClustersInOrderOfArrival)
     EXPECT_EQ(labelsOf(generator), (Labels{0, 1, -1, 0, 1}));
 }
 
-TYPED_TEST(LabelsOfTheDensityGenerator, AreThoseOfTheLastCallOnly) {
+TYPED_TEST(LabelsOfTheDensityGenerator, AreFromTheLastCallOnly) {
     auto generator = DensitySettings().build<TypeParam>();
     clusterPixels(generator, {{9, 9}, {10, 9}, {11, 9}});
     feedPixels(generator, {{30, 3}, {50, 40}, {50, 41}});

@@ -164,7 +164,7 @@ TYPED_TEST(PointsOfTheDensityGenerator, OutliveTheGeneratorInMatrices) {
     EXPECT_EQ(matrices[1].template at<typename TypeParam::T>(0, 1), 60);
 }
 
-TYPED_TEST(PointsOfTheDensityGenerator, AreThoseOfTheLastCall) {
+TYPED_TEST(PointsOfTheDensityGenerator, AreFromTheLastCall) {
     auto generator = this->settings().density(1.125, 1).template build<TypeParam>();
     this->findTwoClusters(generator);
     clusterPixels(generator, {{3, 4, 800}});

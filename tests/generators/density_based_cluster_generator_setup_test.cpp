@@ -82,7 +82,7 @@ TYPED_TEST(DensityGeneratorSetup, RefusesSensorsWithoutPixels) {
     EXPECT_EQ(this->messageFor(DensitySettings().sensor(INT_MIN, -1)), kSensorMessage);
 }
 
-TYPED_TEST(DensityGeneratorSetup, RefusesScalesThatAreNotPositiveAlsoThoseItDoesNotUse) {
+TYPED_TEST(DensityGeneratorSetup, RefusesScalesThatAreNotPositiveEvenIfUnused) {
     for (const float scale : {0.0F, -0.0F, -1.0F, -kInfinity}) {
         EXPECT_EQ(this->messageFor(DensitySettings().scales(scale, 1, 1)), kScalesMessage);
         EXPECT_EQ(this->messageFor(DensitySettings().scales(1, scale, 1)), kScalesMessage);
@@ -149,7 +149,7 @@ TYPED_TEST(DensityGeneratorSetup, ReportsTheFirstOfSeveralWrongArguments) {
     EXPECT_EQ(this->messageFor(settings), "nothing was thrown");
 }
 
-TYPED_TEST(DensityGeneratorSetup, RefusesMorePointsThanAVectorHolds) {
+TYPED_TEST(DensityGeneratorSetup, RefusesMorePointsThanAVectorCanContain) {
     const std::string message =
         "DensityBasedClusterGenerator: Failed to reserve memory for points: vector::reserve";
     constexpr unsigned long long kLargestSum = 0xAAAAAAAAAAAAAAA8;
@@ -159,14 +159,14 @@ TYPED_TEST(DensityGeneratorSetup, RefusesMorePointsThanAVectorHolds) {
     }
 }
 
-TYPED_TEST(DensityGeneratorSetup, TakesScalesWithoutBounds) {
+TYPED_TEST(DensityGeneratorSetup, HasAConstructorWithScalesAndWithoutBounds) {
     typename TestFixture::Generator generator(100, 80, 2, 0.5, 0.25, POLARITY_FREE, 2.5, 2, 1);
     EXPECT_THAT(boxesOf(clusterPixels(generator, squareAt(7, 3))), ElementsAre(Box{7, 3, 1, 1}));
     EXPECT_TRUE(generator.setMaxTimeLength(100));
     EXPECT_FALSE(generator.setMaxTimeLength(99));
 }
 
-TYPED_TEST(DensityGeneratorSetup, TakesNeitherScalesNorBounds) {
+TYPED_TEST(DensityGeneratorSetup, HasAConstructorWithoutScalesAndBounds) {
     typename TestFixture::Generator generator(100, 80, POSITIVE_FREE, 1.5, 4, 1);
     feedPixels(generator, squareAt(7, 3));
     EXPECT_THAT(generateFrom(generator), ElementsAre());
@@ -177,14 +177,14 @@ TYPED_TEST(DensityGeneratorSetup, TakesNeitherScalesNorBounds) {
     EXPECT_THAT(boxesOf(generateFrom(generator)), ElementsAre(Box{7, 3, 1, 1}));
 }
 
-TYPED_TEST(DensityGeneratorSetup, TakesMoreThanNoCapacity) {
+TYPED_TEST(DensityGeneratorSetup, AcceptsCapacitiesAboveZero) {
     auto generator = DensitySettings().build<TypeParam>();
     EXPECT_FALSE(generator.setMaxCapacity(0));
     EXPECT_TRUE(generator.setMaxCapacity(1));
     EXPECT_TRUE(generator.setMaxCapacity(DensitySettings::kUnbounded));
 }
 
-TYPED_TEST(DensityGeneratorSetup, TakesATimeLengthOfAMicrosecondPerBinAtLeast) {
+TYPED_TEST(DensityGeneratorSetup, AcceptsTimeLengthsOfAtLeastAMicrosecondPerBin) {
     auto generator = DensitySettings().timeLength(100'000).build<TypeParam>();
     EXPECT_FALSE(generator.setMaxTimeLength(0));
     EXPECT_FALSE(generator.setMaxTimeLength(99));

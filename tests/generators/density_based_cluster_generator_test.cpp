@@ -57,7 +57,7 @@ TYPED_TEST(DensityGenerator, IgnoresNull) {
     EXPECT_THAT(generateFrom(generator), IsEmpty());
 }
 
-TYPED_TEST(DensityGenerator, TakesEventsOfEachTypeAlike) {
+TYPED_TEST(DensityGenerator, TreatsEventsOfEachTypeAlike) {
     auto generator = DensitySettings().density(1.5, 3).build<TypeParam>();
     const Event2D plain(5, 6, 1, 1000);
     const Event2DFrequency flickering(6, 6, true, 1000, 50.0F);
@@ -71,7 +71,7 @@ TYPED_TEST(DensityGenerator, TakesEventsOfEachTypeAlike) {
     EXPECT_EQ(clusters[0].duration, TypeParam::kDim == 2 ? 0 : 1);
 }
 
-TYPED_TEST(DensityGenerator, DropsThePolarityItIsToldTo) {
+TYPED_TEST(DensityGenerator, DropsThePolarityOfItsFilter) {
     const std::vector<Pixel> pixels = {{1, 1, 1000, 0},  {10, 1, 1000, 1}, {20, 1, 1000, 0},
                                        {30, 1, 1000, 1}, {40, 1, 1000, 2}, {50, 1, 1000, 255}};
     const auto count = [&](EventFilterType filter) {
@@ -145,7 +145,7 @@ TYPED_TEST(DensityGenerator, KeepsItsWindowWhenATimeLengthIsSet) {
     EXPECT_THAT(clusterPixels(generator, {{0, 0, 0}, {5, 0, 1000}}), SizeIs(1));
 }
 
-TYPED_TEST(DensityGenerator, BringsBoxesBackToPixels) {
+TYPED_TEST(DensityGenerator, ConvertsBoxesBackToPixels) {
     auto generator = DensitySettings().scales(2, 0.5F, 0.25F).density(2.5, 2).build<TypeParam>();
     feedPixels(generator, {{10, 20, 4000}, {11, 22, 4004}});
     const auto clusters = generateFrom(generator);
@@ -160,7 +160,7 @@ TYPED_TEST(DensityGenerator, ClipsBoxesToTheSensor) {
                 ElementsAre(Box{8, 6, 2, 2}));
 }
 
-TYPED_TEST(DensityGenerator, ReportsClustersOffTheSensorAndThoseWithoutAreaAsEmptyBoxes) {
+TYPED_TEST(DensityGenerator, ReportsClustersOffTheSensorOrWithoutAreaAsEmptyBoxes) {
     auto generator = DensitySettings().sensor(10, 8).build<TypeParam>();
     feedPixels(generator, squareAt(20, 20));
     feedPixels(generator, {{4, 4}, {5, 4}});
@@ -197,7 +197,7 @@ TYPED_TEST(DensityGenerator, UsesTheLow8BitsOfTheNumberOfJobs) {
     }
 }
 
-TYPED_TEST(DensityGenerator, ThrowsIfTheNumberOfJobsComesToNone) {
+TYPED_TEST(DensityGenerator, ThrowsIfTheNumberOfJobsBecomesZero) {
     for (const int jobs : {256, 512, -256}) {
         auto generator = DensitySettings().jobs(jobs).build<TypeParam>();
         std::vector<ClusterGeometry> clusters(2);
@@ -221,7 +221,7 @@ TYPED_TEST(DensityGenerator, FindsClustersWithAllHardwareThreads) {
     }
 }
 
-TYPED_TEST(DensityGenerator, TakesPointsOfScalesThatAreNotFiniteForNoise) {
+TYPED_TEST(DensityGenerator, TreatsPointsOfScalesThatAreNotFiniteAsNoise) {
     for (const float bad : {std::numeric_limits<float>::infinity(), std::nanf("")}) {
         for (int axis = 0; axis < TypeParam::kDim; ++axis) {
             for (const int jobs : {1, 2}) {
@@ -276,7 +276,7 @@ TYPED_TEST(DensityGenerator, MayBeAskedForPointsAndResetFromAnotherThread) {
     other.join();
 }
 
-TYPED_TEST(DensityGenerator, ClustersEventsAsTheModelDoesPoints) {
+TYPED_TEST(DensityGenerator, ClustersEventsAsTheModelClustersPoints) {
     for (std::uint64_t seed = 0; seed < 40; ++seed) {
         Random random(seed);
         const int jobs = seed % 2 == 0 ? 1 : 3;

@@ -44,7 +44,7 @@ TEST(AllocationsOfTheGridGenerator, AreAllFreedWheneverOneOfThemFails) {
     expectAllIsFreedWheneverAnAllocationFails([] { buildAndDestroy(GridSettings()); }, 1);
 }
 
-TEST(AllocationsOfTheGridGenerator, AreOneBytePerPixelAlsoWhereAnIntIsTooSmallForTheirNumber) {
+TEST(AllocationsOfTheGridGenerator, AreOneBytePerPixelEvenIfTheirNumberExceedsAnInt) {
     constexpr std::size_t kMegabyte = 1 << 20;
     const AllocationWatch watch(kNoLimit, kMegabyte);
     EXPECT_THROW(buildAndDestroy(GridSettings().sensor(65536, 65536).cells(64, 64)),

@@ -77,7 +77,7 @@ TYPED_TEST(BatchesOfTheGridGenerator, WithoutEventsDoNothing) {
     EXPECT_THAT(generate(generator), IsEmpty());
 }
 
-TEST(BatchOfTheGridGenerator, WrapsTheCountersOfCellsAndStopsThoseOfPixels) {
+TEST(BatchOfTheGridGenerator, WrapsTheCountersOfCellsAndSaturatesTheCountersOfPixels) {
     auto generator = GridSettings().threshold(3).build();
     const std::vector<Event2D> events(65535, positiveEvent(5, 6));
     generator.processEvents(events.data(), events.size());

@@ -82,7 +82,7 @@ TEST(CountingOfTheGridGenerator, NeedsOneEventOfAnyPolarityIfTheThresholdIsZero)
     EXPECT_THAT(boxesOf(generate(generator)), ElementsAre(Box{0, 0, 8, 8}, Box{20, 20, 8, 8}));
 }
 
-TEST(CountingOfTheGridGenerator, CountsAnyPolarityButZeroAsPositive) {
+TEST(CountingOfTheGridGenerator, CountsAnyPolarityExceptZeroAsPositive) {
     auto generator = GridSettings().filter(POLARITY_SEPARATE).threshold(2).build();
     feed(generator, eventOfPolarity(0, 0, 7));
     feed(generator, eventOfPolarity(0, 0, 255));
@@ -224,7 +224,7 @@ TEST(CountingOfTheGridGenerator, ShowsTheCountOfEachPixelAndNotOfItsCell) {
     EXPECT_EQ(std::count(map.datastart, map.dataend, 0), 13 * 7 - 2);
 }
 
-TEST(CountingOfTheGridGenerator, ShowsALiveViewOfItsOwnCounters) {
+TEST(CountingOfTheGridGenerator, ShowsALiveViewOfItsCounters) {
     auto generator = GridSettings().build();
     const cv::Mat map = activeMap(generator);
     EXPECT_EQ(map.u, nullptr) << "a matrix that owns data is no view";

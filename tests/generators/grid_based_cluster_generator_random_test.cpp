@@ -20,7 +20,7 @@ TEST_P(ThousandRandomCases, GiveTheClustersOfTheModel) {
     }
 }
 
-TEST_P(ThousandRandomCases, GiveTheClustersOfTheModelAlsoIfFedInBatches) {
+TEST_P(ThousandRandomCases, GiveTheClustersOfTheModelIfFedInBatches) {
     for (std::uint64_t seed = GetParam(); seed < GetParam() + rounds(1000U); ++seed) {
         const GridCase grid_case = randomGridCase(seed);
         const auto difference =

@@ -39,7 +39,7 @@ std::vector<Box> boxesAround(const std::vector<Pixel>& pixels,
 
 // What generateClusters reports.
 
-TEST(GridBasedClusterGenerator, EmptiesTheVectorAndAppendsNothingWhileItIsFresh) {
+TEST(GridBasedClusterGenerator, EmptiesTheVectorAndAppendsNothingBeforeTheFirstEvent) {
     auto generator = GridSettings().build();
     std::vector<ClusterGeometry> clusters(3);
     generator.generateClusters(7, clusters);
@@ -88,7 +88,7 @@ TEST(GridBasedClusterGenerator, ReportsNothingInASecondCallWithoutEvents) {
     EXPECT_THAT(generate(generator), IsEmpty());
 }
 
-TEST(GridBasedClusterGenerator, CountsAfreshAfterEachCall) {
+TEST(GridBasedClusterGenerator, CountsFromZeroAfterEachCall) {
     auto generator = GridSettings().threshold(3).build();
     feed(generator, positiveEvent(0, 0), 2);
     EXPECT_THAT(generate(generator), IsEmpty());
@@ -105,7 +105,7 @@ TEST(GridBasedClusterGenerator, IgnoresTheTimestampsOfEvents) {
     EXPECT_THAT(generate(generator, 5), SizeIs(1));
 }
 
-TEST(GridBasedClusterGenerator, KeepsNothingInCommonWithOtherGenerators) {
+TEST(GridBasedClusterGenerator, SharesNothingWithOtherGenerators) {
     auto first = GridSettings().threshold(2).build();
     auto second = GridSettings().threshold(2).build();
     feed(first, positiveEvent(0, 0));
@@ -157,7 +157,7 @@ TEST(GridBasedClusterGenerator, KeepsBlocksApartThatTouchOnlyAtACorner) {
     EXPECT_THAT(boxesAround({{0, 0}, {8, 8}}), ElementsAre(Box{0, 0, 8, 8}, Box{8, 8, 8, 8}));
 }
 
-TEST(GridBasedClusterGenerator, GivesTheSameClustersWhateverTheOrderOfTheEvents) {
+TEST(GridBasedClusterGenerator, GivesTheSameClustersForAnyOrderOfTheEvents) {
     std::vector<Pixel> pixels = {{0, 0}, {8, 4}, {20, 20}, {28, 16}, {36, 0}};
     const auto expected = boxesAround(pixels);
     std::reverse(pixels.begin(), pixels.end());
@@ -202,7 +202,7 @@ TEST(GridBasedClusterGenerator, RejectsEveryClusterIfTheSmallestSizeExceedsTheLa
                 IsEmpty());
 }
 
-TEST(GridBasedClusterGenerator, AcceptsEverythingFromANegativeSizeOn) {
+TEST(GridBasedClusterGenerator, AcceptsNegativeSizes) {
     EXPECT_THAT(boxesAround({{39, 39}}, GridSettings().clusterSizes(-1, 100)), SizeIs(1));
     EXPECT_THAT(boxesAround({{39, 39}}, GridSettings().clusterSizes(-2, -1)), IsEmpty());
 }

@@ -41,7 +41,7 @@ TYPED_TEST(AllocationsOfPointBatches, AreNotNeededUpToOneAndAHalfTimesTheCapacit
     EXPECT_EQ(watch.allocations(), 0U);
 }
 
-TYPED_TEST(AllocationsOfPointBatches, AreThoseOfSingleEventsWithoutABound) {
+TYPED_TEST(AllocationsOfPointBatches, AreTheSameAsForSingleEventsWithoutABound) {
     auto one_by_one = this->build(TypeParam());
     auto in_batch = this->build(TypeParam());
     const auto events = someEvents(10'000);

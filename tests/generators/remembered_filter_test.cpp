@@ -106,7 +106,7 @@ TEST(RememberedFilter, LeavesNoTraceOfIgnoredEvents) {
     EXPECT_THAT(boxesByPolarity<Event>(POLARITY_SEPARATE), IsEmpty());
 }
 
-TEST(RememberedFilter, IsRememberedForEachEventTypeApart) {
+TEST(RememberedFilter, IsRememberedForEachEventTypeSeparately) {
     using First = Event2DPeriod<long long>;
     using Second = Event2DPeriod<unsigned long long>;
     auto generator = GridSettings().filter(POSITIVE_FREE).build();

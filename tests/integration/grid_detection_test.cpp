@@ -89,7 +89,7 @@ Detection detect(std::uint64_t seed) {
 
 class GridDetection : public testing::TestWithParam<std::uint64_t> {};
 
-TEST_P(GridDetection, CoversNearlyAllObjectsAndHardlyAnythingElse) {
+TEST_P(GridDetection, CoversNearlyAllObjectsAndLittleElse) {
     const Detection detection = detect(GetParam());
     RecordProperty("objects", detection.objects);
     EXPECT_GT(detection.objects, 500);

@@ -77,7 +77,7 @@ protected:
     }
 };
 
-TEST_P(TrackingByMethod, FollowsNearlyAllObjectsAndHardlyEverMistakesOneForAnother) {
+TEST_P(TrackingByMethod, FollowsNearlyAllObjectsAndHardlyEverConfusesThem) {
     const simulation::SceneOptions scene;
     const scoring::ScoreFigures figures =
         follow(scene, *makeMethod({scene.width, scene.height}), ClusterTracker());

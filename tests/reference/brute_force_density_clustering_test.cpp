@@ -18,13 +18,13 @@ using Boxes = std::vector<std::vector<float>>;
 // Two groups of four with a point between them that touches one of each.
 const Kind::Points kBridge = line<Kind>({0, 1, 2, 3, 5, 7, 8, 9, 10});
 
-TEST(BruteForceDensity, GivesHandWorkedClustersForOneJob) {
+TEST(BruteForceDensity, GivesClustersComputedByHandForOneJob) {
     const auto found = modelOfOneJob<Kind>(kBridge, 2.5, 4);
     EXPECT_EQ(found.clusters, (Members{{0, 1, 2, 3, 4}, {5, 6, 7, 8}}));
     EXPECT_EQ(found.boxes, (Boxes{{0, 0, 5, 0}, {7, 0, 3, 0}}));
 }
 
-TEST(BruteForceDensity, GivesHandWorkedClustersForManyJobs) {
+TEST(BruteForceDensity, GivesClustersComputedByHandForManyJobs) {
     const auto found = modelOfManyJobs<Kind>(kBridge, 2.5, 3);
     EXPECT_EQ(found.clusters, (Members{{0, 1, 2, 3, 4, 5, 6, 7, 8}}));
     EXPECT_EQ(found.boxes, (Boxes{{0, 0, 10, 0}}));
@@ -52,7 +52,7 @@ TEST(BruteForceDensity, FindsNothingWithoutAPositiveNumberOfPoints) {
     EXPECT_EQ(modelOfManyJobs<Kind>(kBridge, 9, -1).clusters, Members{});
 }
 
-TEST(BruteForceDensity, GivesResultsThatTellWrongAnswersFromRightOnes) {
+TEST(BruteForceDensity, GivesResultsThatDistinguishWrongAnswersFromRightOnes) {
     const auto right = modelOfOneJob<Kind>(kBridge, 2.5, 4);
     auto other_cluster = right;
     other_cluster.clusters[0].pop_back();

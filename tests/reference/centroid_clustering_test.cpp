@@ -27,7 +27,7 @@ std::vector<float> xsOf(const Kind::Points& points) {
     return xs;
 }
 
-TEST(ReferenceKMeans, GivesHandWorkedResultsOfOneIteration) {
+TEST(ReferenceKMeans, GivesResultsComputedByHandOfOneIteration) {
     // From 6, the furthest is 0; then 4 lies nearer to 6.
     const auto points = line<Kind>({0, 4, 6});
     const KMeansModelRun<Kind> run(points, 2, 1, 1e-9, 2);
@@ -40,7 +40,7 @@ TEST(ReferenceKMeans, GivesHandWorkedResultsOfOneIteration) {
     EXPECT_EQ(run.iterations(), 1U);
 }
 
-TEST(ReferenceKMeans, GivesHandWorkedResultsOfSeveralIterations) {
+TEST(ReferenceKMeans, GivesResultsComputedByHandOfSeveralIterations) {
     // From 5.5, the furthest is 0: all but 0 go to 5.5, which moves to 6.9; then 3 goes to 0, and
     // the centroids move to 1.5 and 7.875, which is where they stay.
     const auto points = line<Kind>({0, 3, 5.5, 8.5, 8.5, 9});
@@ -55,7 +55,7 @@ TEST(ReferenceKMeans, GivesHandWorkedResultsOfSeveralIterations) {
     EXPECT_EQ(many.iterations(), 4U);
 }
 
-TEST(ReferenceKMeans, LeavesClustersOfCoincidingCentroidsEmptyAndIteratesOn) {
+TEST(ReferenceKMeans, LeavesClustersOfCoincidingCentroidsEmptyAndContinues) {
     const auto points = line<Kind>({7, 7});
     const KMeansModelRun<Kind> run(points, 2, 10, 1e9, 1);
     EXPECT_EQ(run.outcome.clustering.clusters, (Members{{0, 1}, {}}));
@@ -78,7 +78,7 @@ TEST(ReferenceKMeans, StopsAtOnceOnlyForAnInfiniteTolerance) {
     EXPECT_EQ(iterations(std::numeric_limits<double>::quiet_NaN()), 10U);
 }
 
-TEST(ReferenceKMeans, TellsWrongOutcomesFromRightOnes) {
+TEST(ReferenceKMeans, DistinguishesWrongOutcomesFromRightOnes) {
     const auto points = line<Kind>({0, 1, 9});
     const auto right = KMeansModelRun<Kind>(points, 2, 10, 1e-9, 0).outcome;
     EXPECT_TRUE(right == right);

@@ -45,7 +45,7 @@ TEST(ReferenceDensity, LeavesOutPointsThatAreNotFinite) {
     EXPECT_EQ(literalClusters<Kind>(points, 1.5, 1, 2).clusters, (Members{{0, 2}}));
 }
 
-TEST(ReferenceDensity, FindsWhatFollowsFromTheDefinition) {
+TEST(ReferenceDensity, FindsTheClustersOfTheDefinition) {
     std::size_t clusters = 0;
     for (unsigned seed = 0; seed < 200; ++seed) {
         Random random(seed);

@@ -37,7 +37,7 @@ std::vector<Box> clustersOfCells(const std::vector<std::pair<int, int>>& cells) 
     return boxesFrom(model);
 }
 
-TEST(ReferenceGrid, ReportsWhatWasWorkedOutByHand) {
+TEST(ReferenceGrid, ReportsClustersComputedByHand) {
     // The last cell column and row are two pixels wide and high.
     auto model = GridSettings().sensor(10, 10).cells(4, 4).threshold(2).build<Model>();
     feedOneByOne<Model, Event2D>(
@@ -70,7 +70,7 @@ TEST(ReferenceGrid, FollowsASpiralToItsEnd) {
         ElementsAre(Box{0, 0, 12, 12}));
 }
 
-TEST(ReferenceGrid, IgnoresThePolarityOfItsOwnFilter) {
+TEST(ReferenceGrid, IgnoresThePolarityOfItsFilter) {
     auto positive_free = GridSettings().filter(POSITIVE_FREE).build<Model>();
     auto negative_free = GridSettings().filter(NEGATIVE_FREE).build<Model>();
     for (Model* model : {&positive_free, &negative_free}) {

@@ -26,7 +26,7 @@ TEST(ReferenceIntake, AppendsEventsOfEitherPolarity) {
     EXPECT_EQ(intake.getEventCount(), 1U);
 }
 
-TEST(ReferenceIntake, ForgetsPointsButNotWhatItCounted) {
+TEST(ReferenceIntake, ForgetsPointsButNotItsCount) {
     reference::PointIntake<2> intake(10, 10'000, 1);
     feedOneByOne(intake, kEvents);
     EXPECT_THAT(intake.getPoints()[1].coordinates, ElementsAre(7, 8));

@@ -47,13 +47,13 @@ std::vector<ClusterGeometry> impossibleBoxes(std::uint64_t timestamp) {
     return boxes;
 }
 
-TEST(ClusterTracker, BeginsNoTracksForBoxesThatAreNone) {
+TEST(ClusterTracker, BeginsNoTracksForInvalidBoxes) {
     ClusterTracker tracker(kInfinity, kInfinity, 10, 1);
     EXPECT_THAT(tracker.update(impossibleBoxes(0)), Each(0));
     EXPECT_THAT(tracker.getTracks(), IsEmpty());
 }
 
-TEST(ClusterTracker, DoesNotMistakeBoxesThatAreNoneForItsObjects) {
+TEST(ClusterTracker, DoesNotMatchInvalidBoxes) {
     ClusterTracker tracker(kInfinity, kInfinity, 10, 1);
     tracker.update({square(100, 100, 0)});
     EXPECT_THAT(tracker.update(impossibleBoxes(0)), Each(0));
@@ -73,7 +73,7 @@ TEST(ClusterTracker, FollowsBoxesThatAreHardlyVisibleWithoutLosingSightOfOthers)
     EXPECT_THAT(tracker.update({square(300, 300, 0), tiny}), ElementsAre(2, 1));
 }
 
-TEST(ClusterTracker, SurvivesAVelocityThatNoFloatHolds) {
+TEST(ClusterTracker, SurvivesAVelocityTooLargeForFloat) {
     ClusterTracker tracker(kInfinity, kInfinity, 2, 1);
     tracker.update({square(-1e38F, 100, 0)});
     EXPECT_THAT(tracker.update({square(1e38F, 100, 1)}), ElementsAre(1));
@@ -99,7 +99,7 @@ TEST(ClusterTracker, RefusesATimestampLowerThanBeforeAndChangesNothing) {
                 ElementsAre(2, 1));
 }
 
-TEST(ClusterTracker, SaysWhatIsWrongWithATimestamp) {
+TEST(ClusterTracker, SaysThatTimestampsMustNotDecrease) {
     ClusterTracker tracker;
     tracker.update({square(100, 100, 5)});
     try {
@@ -123,7 +123,7 @@ TEST(ClusterTracker, FollowsObjectsThroughEqualTimestamps) {
 
 class ClusterTrackerSince : public testing::TestWithParam<std::uint64_t> {};
 
-TEST_P(ClusterTrackerSince, FollowsTheSameTracksWhateverTimeItIs) {
+TEST_P(ClusterTrackerSince, FollowsTheSameTracksAtAnyTime) {
     ClusterTracker tracker;
     for (std::uint64_t i = 0; i < 12; ++i) {
         const auto x = static_cast<float>(100 + 8 * i);

@@ -43,7 +43,7 @@ struct CrossingPair {
 };
 
 // The merged box is too large for both tracks at first and at last. In between, one track has it.
-TEST(ClusterTracker, KeepsTheIdsOfObjectsThatMergeAndPartAgain) {
+TEST(ClusterTracker, KeepsTheIdsOfObjectsThatMergeAndSeparateAgain) {
     ClusterTracker tracker;
     int merged_updates = 0;
     for (int i = 0; i < 40; ++i) {
@@ -59,7 +59,7 @@ TEST(ClusterTracker, KeepsTheIdsOfObjectsThatMergeAndPartAgain) {
     EXPECT_GE(merged_updates, 4);
 }
 
-TEST(ClusterTracker, TakesConfirmedTracksWithinALargerClusterToBeHidden) {
+TEST(ClusterTracker, HidesConfirmedTracksInALargerCluster) {
     ClusterTracker tracker;
     showRepeatedly(tracker, {square(100, 100, 0), square(140, 100, 0)}, 5);
     EXPECT_THAT(tracker.update({boxAround(120, 100, 60, 20, 50'000)}), ElementsAre(0));
@@ -76,7 +76,7 @@ TEST(ClusterTracker, TakesConfirmedTracksWithinALargerClusterToBeHidden) {
     EXPECT_FALSE(tracker.getTracks()[0].is_hidden);
 }
 
-TEST(ClusterTracker, TakesATrackToBeHiddenIfHalfOfItLiesWithinACluster) {
+TEST(ClusterTracker, HidesATrackIfHalfOfItLiesInACluster) {
     const auto is_hidden = [](float x) {
         ClusterTracker tracker;
         showRepeatedly(tracker, {square(100, 100, 0)}, 3);
@@ -94,7 +94,7 @@ TEST(ClusterTracker, DoesNotHideTentativeTracks) {
     EXPECT_THAT(tracker.getTracks(), SizeIs(1));
 }
 
-TEST(ClusterTracker, HidesATrackForAsManyUpdatesAsItWasSeen) {
+TEST(ClusterTracker, HidesATrackForAsManyUpdatesAsItWasMatched) {
     ClusterTracker tracker(20, 15, 2, 3);
     showRepeatedly(tracker, {square(100, 100, 0)}, 6);
     const ClusterGeometry large = boxAround(120, 100, 60, 60, 0);
@@ -112,7 +112,7 @@ TEST(ClusterTracker, HidesATrackForAsManyUpdatesAsItWasSeen) {
     EXPECT_THAT(tracker.getTracks(), SizeIs(1));
 }
 
-TEST(ClusterTracker, HidesATrackAnewAfterEachSighting) {
+TEST(ClusterTracker, HidesATrackAgainAfterEachMatch) {
     ClusterTracker tracker(20, 15, 0, 3);
     std::uint64_t time = 0;
     showRepeatedly(tracker, {square(100, 100, 0)}, 3, time);

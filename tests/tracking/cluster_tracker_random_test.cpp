@@ -262,7 +262,7 @@ TEST(ClusterTrackerRandom, GivesTheSameTracksForTheSameClusters) {
 }
 
 // Without extreme numbers. The model rounds less, which would show at a largest distance of 0.
-TEST(ClusterTrackerRandom, FollowsWhatALiteralModelFollows) {
+TEST(ClusterTrackerRandom, FollowsTheSameTracksAsTheModel) {
     int compared = 0;
     for (std::uint64_t seed = 1; seed < 1000; ++seed) {
         Parameters parameters(seed);

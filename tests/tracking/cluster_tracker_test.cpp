@@ -110,7 +110,7 @@ TEST(ClusterTracker, EndsATentativeTrackAtItsFirstMiss) {
     EXPECT_THAT(tracker.getTracks(), SizeIs(1));
 }
 
-TEST(ClusterTracker, KeepsAConfirmedTrackForMaxMissedUpdatesAndNoLonger) {
+TEST(ClusterTracker, KeepsAConfirmedTrackForExactlyMaxMissedUpdates) {
     for (const bool with_others : {false, true}) {
         ClusterTracker tracker(20, 15, 4, 3);
         showRepeatedly(tracker, {square(50, 50, 0)}, 3);
@@ -130,7 +130,7 @@ TEST(ClusterTracker, KeepsAConfirmedTrackForMaxMissedUpdatesAndNoLonger) {
     }
 }
 
-TEST(ClusterTracker, CountsMissesAnewAfterEachHit) {
+TEST(ClusterTracker, CountsMissesFromZeroAfterEachHit) {
     ClusterTracker tracker(20, 15, 2, 3);
     showRepeatedly(tracker, {square(50, 50, 0)}, 3);
     for (int i = 0; i < 5; ++i) {
@@ -148,7 +148,7 @@ TEST(ClusterTracker, EndsAConfirmedTrackAtItsFirstMissIfNoneIsAllowed) {
     EXPECT_THAT(tracker.getTracks(), IsEmpty());
 }
 
-TEST(ClusterTracker, KnowsTheVelocityOfAStraightLineWhateverTheIntervals) {
+TEST(ClusterTracker, KnowsTheVelocityOfAStraightLineForAnyIntervals) {
     ClusterTracker tracker;
     for (const std::uint64_t time :
          std::vector<std::uint64_t>{0, 5'000, 7'000, 30'000, 31'000, 31'001, 50'000}) {
@@ -177,7 +177,7 @@ TEST(ClusterTracker, ForgetsTheOldVelocityOfAnObjectThatTurns) {
     EXPECT_NEAR(tracker.getTracks().front().vx, -500, 0.01);
 }
 
-TEST(ClusterTracker, EvensOutTheJitterOfBoxes) {
+TEST(ClusterTracker, SmoothsTheJitterOfBoxes) {
     ClusterTracker tracker;
     for (int i = 0; i < 10; ++i) {
         const auto jitter = static_cast<float>(i % 2);

@@ -57,7 +57,7 @@ TEST_P(CopiedMatcher, HasTheSameRecords) {
     EXPECT_THAT(pairsOf(copy()), ElementsAre(MatchedPair{0, 0, 17, 0}));
 }
 
-TEST_P(CopiedMatcher, HasACallbackOfItsOwn) {
+TEST_P(CopiedMatcher, HasItsOwnCallback) {
     DistanceBasedClusterMatcher copied = copy();
     copied.matchClusters(origin, origin);
     matcher.matchClusters(origin, origin);

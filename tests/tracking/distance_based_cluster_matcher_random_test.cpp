@@ -169,7 +169,7 @@ TEST(DistanceBasedClusterMatcherRandom, GivesThePairsOfTheModelInLargeBatches) {
 }
 
 // Comparing all would take minutes.
-TEST(DistanceBasedClusterMatcherRandom, MatchesHugeBatchesInNoTime) {
+TEST(DistanceBasedClusterMatcherRandom, MatchesHugeBatchesQuickly) {
     constexpr int kSide = 512;
     Clusters clusters;
     for (int y = 0; y < kSide; ++y) {

@@ -268,7 +268,7 @@ TEST(DistanceBasedClusterMatcher, PairsEveryClusterOfABatchWithItselfEvenIfOther
                             call(clusters[2], clusters[2], 0)));
 }
 
-TEST(DistanceBasedClusterMatcher, HandsTheTagToTheCallbackAndKeepsItInTheRecords) {
+TEST(DistanceBasedClusterMatcher, PassesTheTagToTheCallbackAndStoresItInTheRecords) {
     Clusters first = clustersAt({0});
     Clusters second = clustersAt({1});
     std::vector<Call> calls;
@@ -291,7 +291,7 @@ TEST(DistanceBasedClusterMatcher, ChangesNoCluster) {
     EXPECT_FALSE(firstDifference(second, before));
 }
 
-TEST(DistanceBasedClusterMatcher, ForgetsThePairsOfThePassBefore) {
+TEST(DistanceBasedClusterMatcher, ForgetsThePairsOfThePreviousCall) {
     Clusters near = clustersAt({0, 1});
     Clusters far = clustersAt({100});
     DistanceBasedClusterMatcher matcher(5, 5);
@@ -303,7 +303,7 @@ TEST(DistanceBasedClusterMatcher, ForgetsThePairsOfThePassBefore) {
     EXPECT_THAT(pairsOf(matcher), IsEmpty());
 }
 
-TEST(DistanceBasedClusterMatcher, LeavesThePassWhenTheCallbackThrows) {
+TEST(DistanceBasedClusterMatcher, EndsWhenTheCallbackThrows) {
     Clusters first = clustersAt({0, 10, 20});
     Clusters second = clustersAt({1, 12, 23});
     DistanceBasedClusterMatcher matcher(5, 5);
@@ -333,7 +333,7 @@ TEST(DistanceBasedClusterMatcher, FixesThePairsBeforeTheCallbackMovesClusters) {
     EXPECT_EQ(second[2].width, 100);
 }
 
-TEST(DistanceBasedClusterMatcher, ShowsTheCallbackThePairsBefore) {
+TEST(DistanceBasedClusterMatcher, ShowsTheCallbackThePreviousPairs) {
     Clusters clusters = clustersAt({0, 10, 20});
     DistanceBasedClusterMatcher matcher(5, 5);
     std::vector<std::size_t> counts;

@@ -147,7 +147,7 @@ TEST_F(BenchCommandTest, ShowsNoRatesWithoutEvents) {
     EXPECT_TRUE(json["reading"]["real_time_factor"].is_null());
 }
 
-TEST_F(BenchCommandTest, TimesWhatIsBeforeADefectAndThenReportsIt) {
+TEST_F(BenchCommandTest, MeasuresTheEventsBeforeADefectAndThenReportsIt) {
     write(1);
     const auto json = runForJson("--methods grid");
     EXPECT_EQ(json["methods"][0]["events"], 400);

@@ -41,7 +41,7 @@ TEST(DurationHistogram, GivesTheQuantilesOfSortedDurationsToOnePercent) {
     expectAlmost(histogram.quantile(0), durations.front());
 }
 
-TEST(DurationHistogram, TellsARareLongOneFromTheMedian) {
+TEST(DurationHistogram, DistinguishesARareLongDurationFromTheMedian) {
     DurationHistogram histogram;
     for (int i = 0; i < 99; ++i) {
         histogram.add(nanoseconds(1000));
@@ -52,7 +52,7 @@ TEST(DurationHistogram, TellsARareLongOneFromTheMedian) {
     expectAlmost(histogram.quantile(1), 5'000'000);
 }
 
-TEST(DurationHistogram, TakesDurationsOfNoneAndOfYears) {
+TEST(DurationHistogram, AcceptsDurationsOfZeroAndOfYears) {
     DurationHistogram histogram;
     histogram.add(nanoseconds(0));
     expectAlmost(histogram.quantile(1), 1);

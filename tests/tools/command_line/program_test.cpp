@@ -60,7 +60,7 @@ private:
     test::TemporaryDirectory directory;
 };
 
-TEST_F(Program, StatesItsVersionAndThoseOfItsDependencies) {
+TEST_F(Program, StatesItsVersionAndTheVersionsOfItsDependencies) {
     const Outcome outcome = run("--version");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, StartsWith("kelvora 0."));
@@ -99,7 +99,7 @@ TEST_F(Program, WritesTheTruthOfASimulation) {
                 StartsWith("timestamp_us,id,kind,x,y,width,height"));
 }
 
-TEST_F(Program, RefusesAnImpossibleScene) {
+TEST_F(Program, RefusesAnInvalidScene) {
     const Outcome outcome = run("simulate -o " + path("scene.raw") + " --lights 1000");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, HasSubstr("lights"));
@@ -141,7 +141,7 @@ TEST_F(Program, WritesTheClustersBeforeADefectAndThenReportsIt) {
     EXPECT_EQ(all.substr(0, but_the_last.size()), but_the_last);
 }
 
-TEST_F(Program, CountsWhatItDropsAndCorrects) {
+TEST_F(Program, CountsDroppedAndCorrectedEvents) {
     std::ofstream(path("bad.txt")) << "10 10\n"
                                    << "0.001 1 1 1\n0.002 20 1 1\n0.0015 2 2 0\n0.003 3 3 1\n";
     const Outcome outcome = run("cluster " + path("bad.txt"));
@@ -202,7 +202,7 @@ TEST_F(Program, WritesTheCentroidsOfClusters) {
     EXPECT_THAT(test::contentOf(path("overview.png")), StartsWith("\x89PNG"));
 }
 
-TEST_F(Program, RemarksOnWindowsWithTooFewEventsForTheClusters) {
+TEST_F(Program, ReportsWindowsWithTooFewEventsForTheClusters) {
     const Outcome outcome =
         run("cluster --method centroid --clusters 900000 " + simulate("scene.raw"));
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
@@ -306,7 +306,7 @@ TEST_F(Program, RefusesTwoOutputsInOneFileAndPicturesOfOtherFormats) {
     EXPECT_EQ(run("cluster x --plot3d a").status, 2);
 }
 
-TEST_F(Program, SuggestsTheWordThatWasMeant) {
+TEST_F(Program, SuggestsASimilarWord) {
     EXPECT_EQ(run("clutser x").errors,
               "kelvora: 'clutser' is not a command; did you mean cluster?\n");
     EXPECT_EQ(run("--versoin").errors,
@@ -317,23 +317,23 @@ TEST_F(Program, SuggestsTheWordThatWasMeant) {
     EXPECT_EQ(run("clutser x").status, 2);
 }
 
-TEST_F(Program, RemarksOnARangeBehindTheEnd) {
+TEST_F(Program, SaysThatARangeIsAfterTheEnd) {
     const Outcome outcome = run("cluster --from 5s " + simulate("scene.raw"));
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.errors, HasSubstr("the recording ends before the requested time range"));
 }
 
-TEST_F(Program, TellsWhatIsInARecording) {
+TEST_F(Program, SummarisesARecording) {
     const std::string scene = simulate("scene.raw");
     EXPECT_THAT(run("info " + scene).output, HasSubstr("sensor         160 x 120 pixels"));
     EXPECT_THAT(run("info --json " + scene).output, HasSubstr("\"format\": \"evt3\""));
 }
 
-TEST_F(Program, IsSilentIfAskedTo) {
+TEST_F(Program, PrintsNothingIfQuiet) {
     EXPECT_EQ(run("cluster --quiet " + simulate("scene.raw")).errors, "");
 }
 
-TEST_F(Program, ExitsWith130AfterCtrlCOnceTheRowInHandIsWritten) {
+TEST_F(Program, ExitsWith130AfterCtrlCOnceTheCurrentRowIsWritten) {
     const std::string scene = path("long.bin");
     ASSERT_EQ(run("simulate -o " + scene + " --sensor 64x48 --duration 4s").status, 0);
     const std::string command = "cluster --quiet --sensor 64x48 --window 1ms " + scene;

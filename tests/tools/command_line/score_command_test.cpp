@@ -98,7 +98,7 @@ TEST(ScoreCommand, PrintsATableOfClustersWithoutTracks) {
     EXPECT_EQ(outcome.errors, "");
 }
 
-TEST(ScoreCommand, PrintsNullForWhatNeedsTracks) {
+TEST(ScoreCommand, PrintsNullForMeasuresThatNeedTracks) {
     const nlohmann::json json = jsonOf(kTruth, kClusters);
     EXPECT_EQ(json["matches"], 2);
     EXPECT_EQ(json["has_tracks"], false);

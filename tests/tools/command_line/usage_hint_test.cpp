@@ -8,7 +8,7 @@
 namespace kelvora::tool {
 namespace {
 
-TEST(UsageHint, NamesTheCommandOrOptionThatWasMeant) {
+TEST(UsageHint, NamesASimilarCommandOrOption) {
     CLI::App program;
     program.add_flag("--version");
     program.add_subcommand("cluster")->add_flag("--quiet");

@@ -33,7 +33,7 @@ TEST(Rasterize, LetsTheLastEventOfAPixelWin) {
     EXPECT_EQ(valueAt(raster, 1, 0), kOn);
 }
 
-TEST(Rasterize, TakesAnyPolarityButZeroAsOn) {
+TEST(Rasterize, ShowsAnyPolarityExceptZeroAsOn) {
     EXPECT_EQ(valueAt(rasterize(Events{{0, 0, 255, 0}}, {1, 1}, {1, 1}), 0, 0), kOn);
 }
 

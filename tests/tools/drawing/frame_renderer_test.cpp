@@ -195,7 +195,7 @@ TEST(FrameRenderer, DrawsNothingForBoxesOutsideOfTheSensor) {
     EXPECT_EQ(countOf(picture, kBackgroundColour), 640 * 480);
 }
 
-TEST(FrameRenderer, DrawsNothingForBoxesThatAreNoBoxes) {
+TEST(FrameRenderer, DrawsNothingForInvalidBoxes) {
     const cv::Mat picture =
         renderBoxes({box(kNaN, 10, 20, 20), box(10, kNaN, 20, 20), box(10, 10, kNaN, 20),
                      box(10, 10, 20, kNaN), box(10, 10, kInfinity, 20), box(-kInfinity, 10, 20, 20),

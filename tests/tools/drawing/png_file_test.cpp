@@ -30,7 +30,7 @@ cv::Mat noise(int width, int height) {
     return picture;
 }
 
-TEST_F(PngFile, ReadsBackWhatWasWritten) {
+TEST_F(PngFile, ReadsBackAWrittenPicture) {
     const cv::Mat picture = noise(123, 45);
     writePng(directory / "a.png", picture);
     const cv::Mat read = readPng(directory / "a.png");
@@ -86,7 +86,7 @@ TEST_F(PngFile, ReportsAFullDiskAndLeavesTheDeviceAlone) {
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 }
 
-TEST_F(PngFile, RefusesWhatIsNoColourPicture) {
+TEST_F(PngFile, RefusesEmptyAndGreyPictures) {
     EXPECT_THROW(writePng(directory / "a.png", cv::Mat{}), std::invalid_argument);
     EXPECT_THROW(writePng(directory / "a.png", cv::Mat::zeros(3, 3, CV_8UC1)),
                  std::invalid_argument);

@@ -96,7 +96,7 @@ TEST(TrackMarks, LeaveOutBoxesAndNumbersOutsideOfTheSensor) {
     EXPECT_EQ(countOf(picture, kBackgroundColour), kPixels);
 }
 
-TEST(TrackMarks, LeaveOutBoxesThatAreNoBoxes) {
+TEST(TrackMarks, LeaveOutInvalidBoxes) {
     EXPECT_EQ(drawnPixels(render({mark(1, kNaN, 10, 20, 20), mark(2, 10, kInfinity, 20, 20),
                                   mark(4, 100, 100, -20, 20)})),
               0);

@@ -52,7 +52,7 @@ TEST(DecimalTime, MayLackDigitsOnOneSideOfThePoint) {
     EXPECT_FALSE(microsecondsFromDecimal(".", TimeUnit::Seconds));
 }
 
-TEST(DecimalTime, IsNothingButANumber) {
+TEST(DecimalTime, IsOnlyANumber) {
     for (const char* text : {"", "-1", "-0.5", "nan", "inf", "-inf", "1x", "1.5.2", "0x10", "1,5",
                              "1e", "1e999", " 1", "+-1", "one"}) {
         EXPECT_FALSE(microsecondsFromDecimal(text, TimeUnit::Seconds)) << text;

@@ -54,7 +54,7 @@ TEST_F(EventCleanerTest, RaisesAndCountsTimesThatGoBackAlsoFromChunkToChunk) {
     EXPECT_EQ(cleaner.clampedTimes(), 3U);
 }
 
-TEST_F(EventCleanerTest, DoesNotTakeTheTimesOfDroppedEventsForAny) {
+TEST_F(EventCleanerTest, IgnoresTheTimesOfDroppedEvents) {
     EXPECT_EQ(cleaned(cleaner, {eventAt(900, 640, 0, 0), eventAt(2, 1, 1, 1)}), eventsAt({2}));
     EXPECT_EQ(cleaner.clampedTimes(), 0U);
 }
@@ -66,17 +66,17 @@ TEST_F(EventCleanerTest, LowersASingleTimeThatIsFarAheadOfItsNeighbours) {
     EXPECT_EQ(cleaner.clampedTimes(), 1U);
 }
 
-TEST_F(EventCleanerTest, LowersADamagedFirstTimeToThatOfTheNext) {
+TEST_F(EventCleanerTest, LowersADamagedFirstTimeToTheNextTime) {
     EXPECT_EQ(cleaned(cleaner, eventsAt({99'000'000'000, 14, 15})), eventsAt({14, 14, 15}));
 }
 
-TEST_F(EventCleanerTest, BelievesAPauseThatTheNextEventConfirms) {
+TEST_F(EventCleanerTest, AcceptsAPauseThatTheNextEventConfirms) {
     const auto events = eventsAt({10, 99'000'000'000, 98'999'999'000, 99'000'000'001});
     EXPECT_EQ(cleaned(cleaner, events),
               eventsAt({10, 99'000'000'000, 99'000'000'000, 99'000'000'001}));
 }
 
-TEST_F(EventCleanerTest, DoesNotTakeASingleTimeFarBehindForTheTruth) {
+TEST_F(EventCleanerTest, DoesNotTrustASingleTimeFarBehind) {
     EXPECT_EQ(cleaned(cleaner, eventsAt({50'000'000, 50'000'001, 7, 50'000'002})),
               eventsAt({50'000'000, 50'000'001, 50'000'001, 50'000'002}));
     EXPECT_EQ(cleaner.clampedTimes(), 1U);

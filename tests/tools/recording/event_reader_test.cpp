@@ -26,7 +26,7 @@ protected:
     test::TemporaryDirectory directory;
 };
 
-TEST_F(EventReaderTest, ReadsEachFormatByItsContentWhateverItsName) {
+TEST_F(EventReaderTest, ReadsEachFormatByItsContentUnderAnyName) {
     EXPECT_THAT(readRecording(directory.file("a", recordBytes(1, 2, 3, 1))).events,
                 ElementsAre(eventAt(1, 2, 3, 1)));
     EXPECT_THAT(readRecording(directory.file("b.bin", "1 2 3 1\n")).events,
@@ -41,7 +41,7 @@ TEST_F(EventReaderTest, ReadsEachFormatByItsContentWhateverItsName) {
         ElementsAre(eventAt(0, 2, 3, 1)));
 }
 
-TEST_F(EventReaderTest, TellsFormatAndSensorSize) {
+TEST_F(EventReaderTest, ReturnsFormatAndSensorSize) {
     const auto evt3 = openRecording(directory.file("a", evtHeader(3, {640, 480})));
     EXPECT_EQ(evt3->format(), "evt3");
     EXPECT_EQ(evt3->sensorSize(), (SensorSize{640, 480}));
@@ -55,7 +55,7 @@ TEST_F(EventReaderTest, TellsFormatAndSensorSize) {
     EXPECT_FALSE(records->sensorSize());
 }
 
-TEST_F(EventReaderTest, BelievesTheSensorSizeItIsGiven) {
+TEST_F(EventReaderTest, UsesTheGivenSensorSize) {
     ReadOptions options;
     options.sensor_size = SensorSize{100, 50};
     EXPECT_EQ(openRecording(directory.file("a", "240 180\n1 2 3 0\n"), options)->sensorSize(),
@@ -64,7 +64,7 @@ TEST_F(EventReaderTest, BelievesTheSensorSizeItIsGiven) {
               (SensorSize{100, 50}));
 }
 
-TEST_F(EventReaderTest, BelievesTheFormatItIsGiven) {
+TEST_F(EventReaderTest, UsesTheGivenFormat) {
     ReadOptions options;
     options.format = "evt3";
     EXPECT_THAT(
@@ -88,7 +88,7 @@ TEST_F(EventReaderTest, RefusesAFormatThatTheHeaderContradicts) {
                 HasSubstr("EVT 4"));
 }
 
-TEST_F(EventReaderTest, FollowsTheTextLayoutItIsGiven) {
+TEST_F(EventReaderTest, UsesTheGivenTextLayout) {
     ReadOptions options;
     options.text.columns = textColumnsFromString("xypt");
     options.text.time_unit = TimeUnit::Milliseconds;
@@ -197,7 +197,7 @@ TEST_F(EventReaderTest, DoesNotKnowTheSizeOfAPipe) {
     writer.join();
 }
 
-TEST_F(EventReaderTest, RefusesWhatCannotBeOpened) {
+TEST_F(EventReaderTest, RefusesFilesThatCannotBeOpened) {
     EXPECT_THAT(readRecording(directory.file("missing")).error,
                 EndsWith("missing: cannot be opened (No such file or directory), check the path"));
     EXPECT_THAT(readRecording(directory.file("")).error,

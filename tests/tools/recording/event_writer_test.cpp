@@ -45,7 +45,7 @@ protected:
     const std::filesystem::path path = directory.file("recording");
 };
 
-TEST_P(EventWriterTest, WritesWhatAReaderReadsBack) {
+TEST_P(EventWriterTest, WritesEventsThatAReaderReadsBack) {
     for (const unsigned seed : {1U, 2U, 3U}) {
         const std::vector<Event2D> events = randomRecording(seed, 20'000, kLongestPause);
         ASSERT_GT(events.back().timestamp, std::uint64_t{1} << 24);

@@ -65,7 +65,7 @@ protected:
     test::TemporaryDirectory directory;
 };
 
-TEST_P(EveryFormat, BearsRandomBytesWhereverTheyAreCut) {
+TEST_P(EveryFormat, SurvivesRandomBytesCutAnywhere) {
     std::mt19937_64 random(1);
     for (int round = 0; round < 300; ++round) {
         std::string bytes(random() % 3000, '\0');
@@ -80,7 +80,7 @@ TEST_P(EveryFormat, BearsRandomBytesWhereverTheyAreCut) {
     }
 }
 
-TEST_P(EveryFormat, BearsRandomPiecesOfText) {
+TEST_P(EveryFormat, SurvivesRandomPiecesOfText) {
     const std::vector<std::string> pieces = {
         "0",         "1", "17", " ",   ",", ";",  "\n",  "\r\n", ".",
         "-",         "e", "+",  "nan", "#", "\t", "inf", "1e9",  std::string(1, '\0'),
@@ -98,7 +98,7 @@ TEST_P(EveryFormat, BearsRandomPiecesOfText) {
     }
 }
 
-TEST_P(EveryFormat, BearsRandomBytesAfterAHeader) {
+TEST_P(EveryFormat, SurvivesRandomBytesAfterAHeader) {
     const std::string header = format().makeEncoder ? encoded({}) : "";
     std::mt19937_64 random(7);
     for (int round = 0; round < 300; ++round) {
@@ -113,7 +113,7 @@ TEST_P(EveryFormat, BearsRandomBytesAfterAHeader) {
     }
 }
 
-TEST_P(EveryFormat, BearsRandomFiles) {
+TEST_P(EveryFormat, SurvivesRandomFiles) {
     std::mt19937_64 random(6);
     const std::vector<std::string> starts = {"",   "% evt 2.0\n", "% evt 3.0\n",
                                              "% ", "640 480\n",   "t x y p\n",
@@ -152,12 +152,12 @@ TEST_P(EveryWrittenFormat, IsRecognisedByItselfAlone) {
     }
 }
 
-TEST_P(EveryWrittenFormat, IsRecognisedWhateverItsFileIsCalled) {
+TEST_P(EveryWrittenFormat, IsRecognisedUnderAnyFileName) {
     const auto path = directory.file("a", encoded(randomRecording(8, 100, 1000)));
     EXPECT_EQ(openRecording(path)->format(), format().name);
 }
 
-TEST_P(EveryWrittenFormat, GivesTheSameEventsWhereverItsBytesAreCut) {
+TEST_P(EveryWrittenFormat, GivesTheSameEventsForBytesCutAnywhere) {
     const std::vector<Event2D> events = randomRecording(4, 60, 20'000'000);
     const std::string bytes = encoded(events);
     for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
@@ -167,7 +167,7 @@ TEST_P(EveryWrittenFormat, GivesTheSameEventsWhereverItsBytesAreCut) {
     }
 }
 
-TEST_P(EveryWrittenFormat, GivesAllWholeEventsOfARecordingThatBreaksOff) {
+TEST_P(EveryWrittenFormat, GivesAllCompleteEventsOfAnIncompleteRecording) {
     const std::vector<Event2D> events = randomRecording(5, 60, 20'000'000);
     const std::vector<std::string> beginnings = encodedOneByOne(events);
     std::size_t whole = 0;
@@ -186,7 +186,7 @@ TEST_P(EveryWrittenFormat, GivesAllWholeEventsOfARecordingThatBreaksOff) {
     }
 }
 
-TEST_P(EveryWrittenFormat, BearsAHeaderThatBreaksOff) {
+TEST_P(EveryWrittenFormat, SurvivesAnIncompleteHeader) {
     const std::string header = encoded({});
     for (std::size_t size = 1; size < header.size(); ++size) {
         EXPECT_TRUE(readRecording(directory.file("a", header.substr(0, size))).events.empty());
@@ -194,7 +194,7 @@ TEST_P(EveryWrittenFormat, BearsAHeaderThatBreaksOff) {
     }
 }
 
-TEST_P(EveryWrittenFormat, BearsFlippedBits) {
+TEST_P(EveryWrittenFormat, SurvivesFlippedBits) {
     const std::string sound = encoded(randomRecording(3, 200, 1000));
     std::mt19937_64 random(3);
     for (int round = 0; round < 1000; ++round) {

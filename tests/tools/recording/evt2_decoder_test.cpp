@@ -36,7 +36,7 @@ TEST(Evt2Decoder, ReadsLittleEndianWords) {
     EXPECT_THAT(decode(decoder, bytes).events, ElementsAre(eventAt(913716224, 35, 443, 1)));
 }
 
-TEST(Evt2Decoder, GoesOnCountingWhereTheHighPartWrapsAround) {
+TEST(Evt2Decoder, ContinuesTimesWhenTheHighPartWrapsAround) {
     EXPECT_THAT(
         decodeWords({timeHigh(0xFFFFFFF), event(1, 63, 1, 1), timeHigh(0), event(1, 0, 1, 1),
                      timeHigh(0xFFFFFFF), timeHigh(5), event(1, 0, 1, 1)}),
@@ -86,7 +86,7 @@ TEST(Evt2Decoder, GivesTheEventsBeforeAnEndInsideAWord) {
     }
 }
 
-TEST(Evt2Decoder, GivesTheSameEventsHoweverTheBytesAreCut) {
+TEST(Evt2Decoder, GivesTheSameEventsForBytesCutAnywhere) {
     const std::string bytes =
         words32({timeHigh(0), event(1, 0, 1, 1), timeHigh(1), event(0, 1, 2, 2)});
     for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
@@ -96,7 +96,7 @@ TEST(Evt2Decoder, GivesTheSameEventsHoweverTheBytesAreCut) {
     }
 }
 
-TEST(Evt2Decoder, GivesNothingForNothing) {
+TEST(Evt2Decoder, GivesNoEventsForNoBytes) {
     EXPECT_THAT(decodeWords({}), IsEmpty());
 }
 

@@ -59,12 +59,12 @@ TEST(Evt3Decoder, IgnoresTheUnusedBitsOfRowsAndShortVectors) {
                 ElementsAre(eventAt(0, 1, 3, 0), eventAt(0, 4, 3, 0)));
 }
 
-TEST(Evt3Decoder, KeepsThePolarityOfVectorsApartFromThatOfSingleEvents) {
+TEST(Evt3Decoder, KeepsThePolaritiesOfVectorsAndSingleEventsApart) {
     EXPECT_THAT(decodeWords({timeHigh(0), row(0), vectorBase(10 | kOn), single(1), vector8(1)}),
                 ElementsAre(eventAt(0, 1, 0, 0), eventAt(0, 10, 0, 1)));
 }
 
-TEST(Evt3Decoder, GoesOnCountingWhereTheTimeWrapsAround) {
+TEST(Evt3Decoder, ContinuesTimesWhenTheyWrapAround) {
     EXPECT_THAT(
         decodeWords({row(0), timeHigh(0xFFF), timeLow(0xFFF), single(1), timeHigh(0), timeLow(0),
                      single(1), timeHigh(0xF00), timeHigh(3), timeLow(1), single(1)}),
@@ -136,7 +136,7 @@ TEST(Evt3Decoder, GivesTheEventsBeforeAnEndInsideAWord) {
         "a.raw: ends in the middle of a word, byte 17, copy it again or cut it off after byte 16");
 }
 
-TEST(Evt3Decoder, GivesTheSameEventsHoweverTheBytesAreCut) {
+TEST(Evt3Decoder, GivesTheSameEventsForBytesCutAnywhere) {
     const std::string bytes =
         words16({timeHigh(1), timeLow(2), row(3), single(4 | kOn), vectorBase(8), vector12(3),
                  vector8(1), timeHigh(2), single(5)});
@@ -161,7 +161,7 @@ TEST(Evt3Decoder, BoundsItsChunks) {
     EXPECT_EQ(decodeWords(words).size(), 24'000U);
 }
 
-TEST(Evt3Decoder, GivesNothingForNothing) {
+TEST(Evt3Decoder, GivesNoEventsForNoBytes) {
     EXPECT_THAT(decodeWords({}), IsEmpty());
 }
 

@@ -42,7 +42,7 @@ TEST(Evt3Encoder, KeepsTheOrderOfColumnsThatDescend) {
               words16({0x8000, 0x6000, 0x0002, 0x200C, 0x200B, 0x200A, 0x200A}));
 }
 
-TEST(Evt3Encoder, TellsALongPauseInSteps) {
+TEST(Evt3Encoder, WritesALongPauseInSteps) {
     EXPECT_EQ(
         encode({eventAt(0, 1, 2, 0), eventAt(0x1000000, 1, 2, 0)}),
         words16({0x8000, 0x6000, 0x0002, 0x2001, 0x8400, 0x8800, 0x8C00, 0x8000, 0x6000, 0x2001}));

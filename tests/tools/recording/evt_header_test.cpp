@@ -8,14 +8,14 @@
 namespace kelvora::recording {
 namespace {
 
-TEST(EvtHeader, TellsVersionAndGeometry) {
+TEST(EvtHeader, ReturnsVersionAndGeometry) {
     const EvtHeader header = parseEvtHeader("% evt 3.0\n% geometry 640x480\n% end\n\x2D\x8B");
     EXPECT_EQ(header.evt_version, "3");
     EXPECT_EQ(header.sensor_size, (SensorSize{640, 480}));
     EXPECT_EQ(header.length, 35U);
 }
 
-TEST(EvtHeader, TellsVersionAndGeometryInTheFormatLineToo) {
+TEST(EvtHeader, ReturnsVersionAndGeometryOfAFormatLine) {
     const EvtHeader header = parseEvtHeader("% format EVT3;height=480;width=640\n% end\n");
     EXPECT_EQ(header.evt_version, "3");
     EXPECT_EQ(header.sensor_size, (SensorSize{640, 480}));
@@ -44,23 +44,23 @@ TEST(EvtHeader, EndsBeforeWordsThatBeginLikeAHeaderLine) {
     }
 }
 
-TEST(EvtHeader, EndsAfterItsEndLineWhateverFollows) {
+TEST(EvtHeader, EndsAfterItsEndLineRegardlessOfTheNextBytes) {
     const std::string header = "% evt 3.0\n% end\n";
     EXPECT_EQ(parseEvtHeader(header + "% evt 2.0\n").length, header.size());
     EXPECT_EQ(parseEvtHeader(header + "% evt 2.0\n").evt_version, "3");
 }
 
-TEST(EvtHeader, IgnoresGeometryThatIsNone) {
+TEST(EvtHeader, IgnoresInvalidGeometry) {
     EXPECT_FALSE(parseEvtHeader("% geometry big\n% format EVT3;height=480\n").sensor_size);
     EXPECT_FALSE(parseEvtHeader("% geometry 0x0\n% format\n% geometry\n").sensor_size);
 }
 
-TEST(EvtHeader, IsEmptyWhereThereIsNone) {
+TEST(EvtHeader, IsEmptyIfThereIsNone) {
     EXPECT_EQ(parseEvtHeader("").length, 0U);
     EXPECT_EQ(parseEvtHeader("\x2D\x8B").length, 0U);
 }
 
-TEST(EvtHeader, ReadsWhatItWrites) {
+TEST(EvtHeader, ReadsBackAWrittenHeader) {
     const EvtHeader header = parseEvtHeader(evtHeader(2, {1280, 720}));
     EXPECT_EQ(header.evt_version, "2");
     EXPECT_EQ(header.sensor_size, (SensorSize{1280, 720}));

@@ -41,7 +41,7 @@ TEST(FormatTable, NamesEachFormatAndEachExtensionOnce) {
     }
 }
 
-TEST(FormatTable, DescribesWhatIsReadAndGivesARemedyForWhatIsNot) {
+TEST(FormatTable, DescribesReadableFormatsAndGivesARemedyForOthers) {
     for (const Format& format : formatTable()) {
         EXPECT_NE(format.title, "");
         EXPECT_TRUE(format.recognises) << format.title;
@@ -53,7 +53,7 @@ TEST(FormatTable, DescribesWhatIsReadAndGivesARemedyForWhatIsNot) {
     }
 }
 
-TEST(FormatTable, IsWhatThePageOfTheDocumentationShows) {
+TEST(FormatTable, MatchesThePageOfTheDocumentation) {
     const std::string page = test::contentOf(KELVORA_DOCS "/recordings.md");
     for (const Format& format : formatTable()) {
         if (format.open) {
@@ -111,7 +111,7 @@ TEST(DetectFormat, KnowsRecordsThatBeginWithThePercentSignOfAnEvtHeader) {
     EXPECT_EQ(detect(recordBytes(0x2025, 2, 3, 1)), "records");
 }
 
-TEST(DetectFormat, NamesFormatsThatAreNotRead) {
+TEST(DetectFormat, NamesKnownFormatsThatItCannotRead) {
     EXPECT_THAT(errorOf("\x89HDF\r\n\x1A\n...."sv),
                 HasSubstr("is an HDF5 file, which is not supported, convert"));
     EXPECT_THAT(errorOf("#!AER-DAT4.0\r\n"), HasSubstr("is an AEDAT file"));
@@ -125,7 +125,7 @@ TEST(DetectFormat, NamesFormatsThatAreNotRead) {
                 HasSubstr("is a gzip file, which is not supported, decompress"));
 }
 
-TEST(DetectFormat, RefusesWhatItDoesNotKnowAndNamesTheFormatsItDoes) {
+TEST(DetectFormat, RefusesUnknownFormatsAndNamesTheKnownOnes) {
     EXPECT_THAT(errorOf("\x01\x02\x03"), HasSubstr("records, text, evt2 and evt3"));
     EXPECT_THAT(errorOf("\x01\x02\x03"), HasSubstr("ReadOptions::format"));
     EXPECT_THAT(errorOf("Dear diary,\n"), HasSubstr("unknown format"));

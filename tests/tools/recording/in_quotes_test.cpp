@@ -16,7 +16,7 @@ TEST(InQuotes, CutsLongText) {
     EXPECT_EQ(inQuotes(std::string(25, 'a')), "'" + std::string(24, 'a') + "...'");
 }
 
-TEST(InQuotes, HidesWhatWouldBreakTheLine) {
+TEST(InQuotes, ReplacesCharactersThatCannotBePrinted) {
     EXPECT_EQ(inQuotes("a\nb\x01\x7F"
                        "c\xFF"),
               std::string("'a?b") + "??" + "c?'");

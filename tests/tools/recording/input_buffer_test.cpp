@@ -18,7 +18,7 @@ std::string countedBytes(std::size_t count) {
     return bytes;
 }
 
-TEST(InputBuffer, KeepsWhatIsNotSkippedWhileItGrows) {
+TEST(InputBuffer, KeepsBytesThatAreNotSkippedWhileItGrows) {
     const test::TemporaryDirectory directory;
     const std::string bytes = countedBytes(1'000'000);
     InputBuffer buffer(directory.file("a", bytes), nullptr);

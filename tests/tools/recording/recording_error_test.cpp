@@ -49,7 +49,7 @@ TEST(RecordingError, NamesSettingsAsTheProgramDoes) {
                  "a.raw: is odd, give ReadOptions::format a or ReadOptions::format b");
 }
 
-TEST(RecordingError, HasANameInCxxForEachSetting) {
+TEST(RecordingError, HasANameInCppForEachSetting) {
     EXPECT_STREQ(errorWith({"{}", Setting::SensorSize}).what(),
                  "a.raw: is odd, ReadOptions::sensor_size");
     EXPECT_STREQ(errorWith({"{}", Setting::Columns}).what(),
@@ -62,7 +62,7 @@ TEST(RecordingError, LeavesARemedyWithoutSettingAsItIs) {
     EXPECT_EQ(errorWith("write {}").remedy(shortName), "write {}");
 }
 
-TEST(ErrorPlace, IsSaidInTwoWords) {
+TEST(ErrorPlace, IsWrittenInTwoWords) {
     EXPECT_EQ(toString(ErrorPlace{}), "");
     EXPECT_EQ(toString(ErrorPlace{Unit::Byte, 1}), "byte 1");
     EXPECT_EQ(toString(ErrorPlace{Unit::Line, 2}), "line 2");

@@ -23,7 +23,7 @@ TEST(RecordsDecoder, ReadsLittleEndianFields) {
                 ElementsAre(eventAt(0x0102030405060708, 0x1122, 0x3344, 1)));
 }
 
-TEST(RecordsDecoder, GivesTheEventsBeforeAnImpossiblePolarity) {
+TEST(RecordsDecoder, GivesTheEventsBeforeAnInvalidPolarity) {
     const Outcome outcome = decodeRecords(recordBytes(1, 2, 3, 1) + recordBytes(4, 5, 6, 2));
     EXPECT_THAT(outcome.events, ElementsAre(eventAt(1, 2, 3, 1)));
     EXPECT_THAT(
@@ -58,7 +58,7 @@ TEST(RecordsDecoder, GivesTheEventsBeforeAnEndInsideARecord) {
     }
 }
 
-TEST(RecordsDecoder, GivesTheSameEventsHoweverTheBytesAreCut) {
+TEST(RecordsDecoder, GivesTheSameEventsForBytesCutAnywhere) {
     const std::string bytes = recordBytes(1, 2, 3, 1) + recordBytes(4, 5, 6, 0);
     for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
         RecordsDecoder decoder("a.bin");

@@ -41,14 +41,14 @@ TEST(TextDecoder, FollowsTheOrderOfTheColumns) {
     EXPECT_THAT(decodeText("215,302,0,3\n", layout).events, ElementsAre(eventAt(3, 215, 302, 0)));
 }
 
-TEST(TextDecoder, TakesTimesWithAPointForSecondsAndOthersForMicroseconds) {
+TEST(TextDecoder, ReadsTimesWithAPointAsSecondsAndOthersAsMicroseconds) {
     EXPECT_THAT(decodeText("0.25 2 3 0\n1 2 3 0\n").events,
                 ElementsAre(eventAt(250'000, 2, 3, 0), eventAt(1'000'000, 2, 3, 0)));
     EXPECT_THAT(decodeText("25e-2 2 3 0\n").events, ElementsAre(eventAt(250'000, 2, 3, 0)));
     EXPECT_THAT(decodeText("25 2 3 0\n").events, ElementsAre(eventAt(25, 2, 3, 0)));
 }
 
-TEST(TextDecoder, AsksForTheUnitIfWhatItAssumedTurnsOutDoubtful) {
+TEST(TextDecoder, AsksForTheUnitIfItsAssumptionTurnsOutDoubtful) {
     const Outcome outcome = decodeText("1 2 3 0\n1.5 2 3 0\n");
     EXPECT_THAT(outcome.events, ElementsAre(eventAt(1, 2, 3, 0)));
     EXPECT_EQ(
@@ -57,7 +57,7 @@ TEST(TextDecoder, AsksForTheUnitIfWhatItAssumedTurnsOutDoubtful) {
         "line 2, give the unit with ReadOptions::text.time_unit");
 }
 
-TEST(TextDecoder, BelievesTheUnitItIsGiven) {
+TEST(TextDecoder, UsesTheGivenUnit) {
     TextLayout layout;
     layout.time_unit = TimeUnit::Microseconds;
     EXPECT_THAT(decodeText("1 2 3 0\n2.5 2 3 0\n", layout).events,
@@ -66,7 +66,7 @@ TEST(TextDecoder, BelievesTheUnitItIsGiven) {
     EXPECT_THAT(decodeText("7 2 3 0\n", layout).events, ElementsAre(eventAt(7000, 2, 3, 0)));
 }
 
-TEST(TextDecoder, TakesMinusOneForPolarityZero) {
+TEST(TextDecoder, ReadsMinusOneAsPolarityZero) {
     EXPECT_THAT(decodeText("1 2 3 -1\n1 2 3 +1\n1 2 3 1.0\n1 2 3 -1.0\n").events,
                 ElementsAre(eventAt(1, 2, 3, 0), eventAt(1, 2, 3, 1), eventAt(1, 2, 3, 1),
                             eventAt(1, 2, 3, 0)));
@@ -97,7 +97,7 @@ TEST(TextDecoder, RefusesTooFewAndTooManyColumns) {
     EXPECT_THAT(decodeText("1,,2,3,0\n").error, HasSubstr("x = ''"));
 }
 
-TEST(TextDecoder, RefusesImpossibleTimes) {
+TEST(TextDecoder, RefusesInvalidTimes) {
     for (const std::string time : {"-1", "nan", "inf", "1e300", "x", "99999999999999999999"}) {
         const Outcome outcome = decodeText(time + " 2 3 0\n");
         EXPECT_THAT(outcome.events, IsEmpty());
@@ -106,7 +106,7 @@ TEST(TextDecoder, RefusesImpossibleTimes) {
     }
 }
 
-TEST(TextDecoder, RefusesImpossibleCoordinates) {
+TEST(TextDecoder, RefusesInvalidCoordinates) {
     for (const std::string x :
          {"-1", "65536", "2.5", "nan", "inf", "1e99", "+-3", "x", "2x", "4294967298"}) {
         const Outcome outcome = decodeText("1 " + x + " 3 0\n");
@@ -131,7 +131,7 @@ TEST(TextDecoder, QuotesBinaryJunkInOneShortPrintableLine) {
     EXPECT_THAT(outcome.error, HasSubstr("'???aaaaaaaaaaaaaaaaaaaaa...'"));
 }
 
-TEST(TextDecoder, GivesTheSameEventsHoweverTheBytesAreCut) {
+TEST(TextDecoder, GivesTheSameEventsForBytesCutAnywhere) {
     const std::string text = "0.001 2 3 0\r\n# comment\n0.002,4,5,1\n\n0.003 6 7 -1";
     const std::vector<Event2D> expected = decodeText(text).events;
     ASSERT_EQ(expected.size(), 3U);

@@ -39,19 +39,19 @@ TEST(TextHeader, SkipsCommentsAndBlankLines) {
     EXPECT_EQ(header.length, 30U);
 }
 
-TEST(TextHeader, TellsTheSensorSizeInTwoWholeNumbers) {
+TEST(TextHeader, StatesTheSensorSizeInTwoWholeNumbers) {
     EXPECT_EQ(parse("240 180\n1 2 3 0\n").sensor_size, (SensorSize{240, 180}));
     EXPECT_EQ(parse("240,180\r\n").sensor_size, (SensorSize{240, 180}));
     EXPECT_EQ(parse("240 180").sensor_size, (SensorSize{240, 180}));
 }
 
-TEST(TextHeader, RefusesAnImpossibleSensorSize) {
+TEST(TextHeader, RefusesAnInvalidSensorSize) {
     EXPECT_EQ(errorOf("# size\n0 180\n"),
               "a.txt: states the invalid sensor size 0 x 180, line 2, correct the line: width and "
               "height in pixels");
 }
 
-TEST(TextHeader, TellsTheOrderOfTheColumnsByTheirNames) {
+TEST(TextHeader, StatesTheOrderOfTheColumnsByTheirNames) {
     EXPECT_EQ(parse("x,y,p,t\n").layout.columns, kXypt);
     EXPECT_EQ(parse("X;Y;Polarity;Timestamp\r\n").layout.columns, kXypt);
     EXPECT_EQ(parse("x y on ts\n").layout.columns, kXypt);
@@ -61,7 +61,7 @@ TEST(TextHeader, TellsTheOrderOfTheColumnsByTheirNames) {
     EXPECT_EQ(parse("640 480\nx,y,p,t\n").layout.columns, kXypt);
 }
 
-TEST(TextHeader, TellsTheUnitOfTimeInTheNameOfTheColumn) {
+TEST(TextHeader, StatesTheUnitOfTimeInTheNameOfTheColumn) {
     EXPECT_EQ(parse("x,y,p,t_ns\n").layout.time_unit, TimeUnit::Nanoseconds);
     EXPECT_EQ(parse("timestamp_s x y p\n").layout.time_unit, TimeUnit::Seconds);
     EXPECT_FALSE(parse("x,y,p,t\n").layout.time_unit);
@@ -69,7 +69,7 @@ TEST(TextHeader, TellsTheUnitOfTimeInTheNameOfTheColumn) {
     EXPECT_THAT(errorOf("x_ms,y,p,t\n"), HasSubstr("line 1"));
 }
 
-TEST(TextHeader, YieldsToWhatIsGiven) {
+TEST(TextHeader, IsOverriddenByTheGivenLayout) {
     TextLayout given;
     given.columns = kDefaultTextColumns;
     given.time_unit = TimeUnit::Milliseconds;

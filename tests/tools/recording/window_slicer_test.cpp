@@ -67,7 +67,7 @@ TEST(WindowSlicer, KeepsWindowsThatWereNotTakenInTime) {
     EXPECT_THAT(windowsOf(slicer), ElementsAre("[0, 10): 1", "[10, 20): 11", "[20, 30): 21"));
 }
 
-TEST(WindowSlicer, LeavesOutEmptyWindowsHoweverMany) {
+TEST(WindowSlicer, LeavesOutAnyNumberOfEmptyWindows) {
     WindowSlicer slicer(1);
     slicer.add(eventsAt({0, 9'000'000'000'000'000'000, kLatestTime}));
     slicer.finish();
@@ -77,7 +77,7 @@ TEST(WindowSlicer, LeavesOutEmptyWindowsHoweverMany) {
                     "[9223372036854775807, 9223372036854775808): 9223372036854775807"));
 }
 
-TEST(WindowSlicer, HasNothingToGiveWithoutEvents) {
+TEST(WindowSlicer, HasNoWindowsWithoutEvents) {
     WindowSlicer slicer(10);
     EXPECT_THAT(windowsOf(slicer), IsEmpty());
     slicer.finish();
@@ -88,7 +88,7 @@ TEST(WindowSlicer, RefusesWindowsOfNoLength) {
     EXPECT_THROW(WindowSlicer(0), std::invalid_argument);
 }
 
-TEST(WindowSlicer, GivesEveryEventOnceAndInItsWindowWhateverTheChunks) {
+TEST(WindowSlicer, GivesEveryEventOnceAndInItsWindowForAnyChunks) {
     const std::vector<Event2D> events = randomRecording(1, 20'000, 100'000);
     for (const std::size_t chunk_size : {1U, 7U, 1000U, 20'000U}) {
         WindowSlicer slicer(10'000);

@@ -125,7 +125,7 @@ TEST(ClusterWriter, WritesConfirmedTracksAloneForTheChallengeWithPixelsFrom1) {
               "12,2,61.25,3.00,3.00,4.00,1,-1,-1,-1\n");
 }
 
-TEST(ClusterWriter, WritesNoTrackColumnsUnlessWanted) {
+TEST(ClusterWriter, WritesNoTrackColumnsUnlessRequested) {
     WindowClusters found = tracked(1);
     found.tracks.clear();
     EXPECT_EQ(written(ClusterFormat::Csv, false, {found}),

@@ -106,7 +106,7 @@ TEST_F(ResultFilesTest, WritesTheTracksAtTheEnd) {
               "2,180000,190000,2,0.0,0.0\n");
 }
 
-TEST_F(ResultFilesTest, FollowsNothingUnlessWanted) {
+TEST_F(ResultFilesTest, FollowsNothingUnlessRequested) {
     settings.track.is_wanted = false;
     output.format = ClusterFormat::Csv;
     EXPECT_EQ(run({0}),

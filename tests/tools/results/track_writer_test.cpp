@@ -47,7 +47,7 @@ TEST_F(TrackWriterTest, WritesTheHeaderAloneWithoutTracks) {
     EXPECT_EQ(written(), kHeader);
 }
 
-TEST_F(TrackWriterTest, SumsUpTheWayOfATrackFromItsFirstWindowOn) {
+TEST_F(TrackWriterTest, SumsUpThePathOfATrackFromItsFirstWindowOn) {
     add({track(1, State::Tentative, 10, 10, 10'000)});
     add({track(1, State::Tentative, 13, 14, 20'000)});
     add({track(1, State::Confirmed, 13, 24, 30'000)});

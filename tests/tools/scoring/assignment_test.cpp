@@ -126,7 +126,7 @@ TEST(Assignment, PrefersMorePairsToCheaperOnes) {
     EXPECT_EQ(assign(matrix({{0.0, 1000.0}, {1000.0, kForbidden}})), (Assignment{1, 0}));
 }
 
-TEST(Assignment, LeavesOutTheDearestWhereOneSideIsLonger) {
+TEST(Assignment, LeavesOutTheMostExpensiveIfOneSideIsLonger) {
     EXPECT_EQ(assign(matrix({{5.0}, {1.0}, {3.0}})), (Assignment{std::nullopt, 0, std::nullopt}));
     EXPECT_EQ(assign(matrix({{5.0, 1.0, 3.0}})), (Assignment{1}));
 }

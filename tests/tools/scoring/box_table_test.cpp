@@ -63,7 +63,7 @@ TEST(BoxTable, ReadsTheTruth) {
     EXPECT_TRUE(rows[1].is_moving);
 }
 
-TEST(BoxTable, TakesObjectsToMoveAndToBeVisibleIfTheTruthDoesNotSay) {
+TEST(BoxTable, TreatsObjectsAsMovingAndVisibleByDefault) {
     const auto rows = truthOf("id,height,width,y,x,timestamp_us\n-3,1,2,3,4,5\n");
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0].timestamp_us, 5U);
@@ -84,7 +84,7 @@ TEST(BoxTable, ReadsClustersWithoutTracks) {
     expectBox(table.clusters[0].box, 315, 45.5, 50, 60);
 }
 
-TEST(BoxTable, LeavesOutTentativeTracksUnlessTheyAreWanted) {
+TEST(BoxTable, LeavesOutTentativeTracksUnlessTheyAreRequested) {
     const std::string content =
         "timestamp_us,x,y,width,height,start_time_us,duration_us,track_id,vx,vy,state\n"
         "10000,1,2,3,4,-1,0,7,0,0,confirmed\n"
@@ -100,7 +100,7 @@ TEST(BoxTable, LeavesOutTentativeTracksUnlessTheyAreWanted) {
     EXPECT_EQ(all.tentative, 0U);
 }
 
-TEST(BoxTable, TakesHiddenTracksAndLeavesOutClustersOfNoTrack) {
+TEST(BoxTable, IncludesHiddenTracksAndLeavesOutClustersWithoutTrack) {
     const std::string content =
         "timestamp_us,x,y,width,height,track_id,state\n"
         "10000,1,2,3,4,0,none\n"
@@ -125,7 +125,7 @@ TEST(BoxTable, ReadsClustersFromJsonLines) {
     expectBox(table.clusters[0].box, 1.5, 2, 30, 40);
 }
 
-TEST(BoxTable, RefusesValuesThatCannotBe) {
+TEST(BoxTable, RefusesInvalidValues) {
     const std::string header = "timestamp_us,id,x,y,width,height,visibility,moving\n";
     EXPECT_EQ(errorOfTruth(header + "1,1,0,0,9,9,0.5,1\n"), "");
     EXPECT_THAT(errorOfTruth(header + "-1,1,0,0,9,9,0.5,1\n"), HasSubstr("timestamp_us = '-1'"));
@@ -137,7 +137,7 @@ TEST(BoxTable, RefusesValuesThatCannotBe) {
                 HasSubstr("has moving = 'yes', which is not 0 or 1, line 2, correct the line"));
 }
 
-TEST(BoxTable, RefusesTracksAndStatesThatCannotBe) {
+TEST(BoxTable, RefusesInvalidTracksAndStates) {
     const std::string header = "timestamp_us,x,y,width,height,track_id,state\n";
     EXPECT_EQ(errorOfClusters(header + "1,0,0,9,9,1,confirmed\n"), "");
     EXPECT_THAT(errorOfClusters(header + "1,0,0,9,9,0,confirmed\n"), HasSubstr("track_id = '0'"));
@@ -146,7 +146,7 @@ TEST(BoxTable, RefusesTracksAndStatesThatCannotBe) {
                 HasSubstr("which is not confirmed, hidden, tentative or none, line 2"));
 }
 
-TEST(BoxTable, RefusesAnObjectOrATrackThatIsTwiceAtTheSameTime) {
+TEST(BoxTable, RefusesAnObjectOrATrackTwiceAtTheSameTime) {
     EXPECT_THAT(errorOfTruth("timestamp_us,id,x,y,width,height\n"
                              "10,1,0,0,9,9\n20,1,0,0,9,9\n10,1,5,5,9,9\n"),
                 HasSubstr("has object 1 twice at 10 us, line 4, give one row per time to each"));

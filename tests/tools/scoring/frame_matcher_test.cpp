@@ -20,7 +20,7 @@ Frame frameOf(const std::vector<double>& objects, const std::vector<double>& clu
     return frame;
 }
 
-TEST(FrameMatcher, TellsTheOverlapOfAMatch) {
+TEST(FrameMatcher, ReportsTheOverlapOfAMatch) {
     const Frame frame = frameOf({0}, {50, 2});
     FrameMatcher matcher(frame, 0.5);
     matcher.matchAll({0});
@@ -30,7 +30,7 @@ TEST(FrameMatcher, TellsTheOverlapOfAMatch) {
     EXPECT_DOUBLE_EQ(matcher.matches()[0].iou, 80.0 / 120.0);
 }
 
-TEST(FrameMatcher, MatchesAtJustTheLeastOverlapAndNotBelow) {
+TEST(FrameMatcher, MatchesAtExactlyTheMinimumOverlapAndNotBelow) {
     const Frame frame = frameOf({0}, {5});
     FrameMatcher exact(frame, 50.0 / 150.0);
     exact.matchAll({0});
@@ -59,7 +59,7 @@ TEST(FrameMatcher, MatchesATrackThatIsNotTheNearest) {
     EXPECT_EQ(matcher.matches()[0].cluster, 1U);
 }
 
-TEST(FrameMatcher, DoesNotMatchATrackThatIsGoneTooFarOrTaken) {
+TEST(FrameMatcher, DoesNotMatchATrackThatIsTooFarOrTaken) {
     const Frame frame = frameOf({0, 1}, {0, 8});
     FrameMatcher matcher(frame, 0.5);
     matcher.matchWithTrack(0, 3);
@@ -70,7 +70,7 @@ TEST(FrameMatcher, DoesNotMatchATrackThatIsGoneTooFarOrTaken) {
     EXPECT_EQ(matcher.matches().size(), 1U);
 }
 
-TEST(FrameMatcher, LeavesOtherObjectsWhatIsFree) {
+TEST(FrameMatcher, LeavesFreeClustersToOtherObjects) {
     const Frame frame = frameOf({0, 1, 100}, {1, 101});
     FrameMatcher matcher(frame, 0.5);
     matcher.matchAll({0});

@@ -26,7 +26,7 @@ std::vector<ClusterBox> clustersAt(const std::vector<std::uint64_t>& times) {
     return rows;
 }
 
-TEST(JoinFrames, PutsTruthAndClustersOfATimeTogetherWhateverTheirOrder) {
+TEST(JoinFrames, PutsTruthAndClustersOfATimeTogetherInAnyOrder) {
     const FrameSequence sequence = joinFrames(truthAt({20, 10, 20}), clustersAt({20, 10}));
     ASSERT_EQ(sequence.frames.size(), 2U);
     EXPECT_EQ(sequence.common_times, 2U);

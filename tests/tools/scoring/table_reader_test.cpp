@@ -118,7 +118,7 @@ TEST(TableReader, RefusesARowWithTheWrongNumberOfFields) {
     EXPECT_EQ(errorOf("a,b\n1,2,\n"), "has 3 fields instead of 2, line 2, " + remedy);
 }
 
-TEST(TableReader, RefusesWhatIsNoNumber) {
+TEST(TableReader, RefusesFieldsThatAreNotNumbers) {
     for (const std::string field : {"", "x", "1.5", "1x", "+1", "0x1", "99999999999999999999"}) {
         EXPECT_EQ(errorOf(fmt::format("a,b\n1,{}\n", field)),
                   fmt::format("has b = '{}', which is not a whole number, line 2, correct the line",
@@ -138,7 +138,7 @@ TEST(TableReader, RefusesNumbersThatAreInfiniteOrNegativeWhereTheyMustNotBe) {
     }
 }
 
-TEST(TableReader, RefusesLinesThatAreNoJsonObjects) {
+TEST(TableReader, RefusesLinesThatAreNotJsonObjects) {
     for (const std::string line : {"{\"b\":", "1,2", "[1]", "{\"b\":1}}"}) {
         EXPECT_EQ(errorOf("{\"b\":1}\n" + line + "\n"),
                   "has a line that is not a JSON object, line 2, give one object per line");

@@ -104,7 +104,7 @@ TEST(CentroidMethod, LeavesOutClustersWithoutEvents) {
     EXPECT_EQ(result.centroids.front().size, 5U);
 }
 
-TEST(CentroidMethod, RemarksOnWindowsWithFewerEventsThanClusters) {
+TEST(CentroidMethod, ReportsWindowsWithFewerEventsThanClusters) {
     const auto method = makeCentroidMethod(clusters(151), {320, 240});
     EXPECT_EQ(method->remark(), "");
     EXPECT_TRUE(found(*method, twoSquares()).clusters.empty());

@@ -45,7 +45,7 @@ TEST(Duration, IsRefusedWithoutUnitNamingTheUnits) {
     EXPECT_THAT(errorOf("10 ms"), testing::HasSubstr("us, ms or s"));
 }
 
-TEST(Duration, IsRefusedIfItIsNoNumberOrOutOfRange) {
+TEST(Duration, IsRefusedIfItIsNotANumberOrOutOfRange) {
     EXPECT_THAT(errorOf(""), testing::HasSubstr("not a time"));
     EXPECT_THAT(errorOf("ms"), testing::HasSubstr("not a time"));
     EXPECT_THAT(errorOf("-1ms"), testing::HasSubstr("negative"));

@@ -23,12 +23,12 @@ std::vector<int> timesKept(Polarity wanted) {
     return times;
 }
 
-TEST(KeepPolarity, KeepsTheWantedEventsInOrder) {
+TEST(KeepPolarity, KeepsTheRequestedEventsInOrder) {
     EXPECT_THAT(timesKept(Polarity::On), testing::ElementsAre(1, 4));
     EXPECT_THAT(timesKept(Polarity::Off), testing::ElementsAre(2, 3));
 }
 
-TEST(KeepPolarity, KeepsAllIfBothAreWanted) {
+TEST(KeepPolarity, KeepsAllIfBothAreRequested) {
     EXPECT_THAT(timesKept(Polarity::All), testing::ElementsAre(1, 2, 3, 4));
     EXPECT_THAT(timesKept(Polarity::Separate), testing::ElementsAre(1, 2, 3, 4));
 }

@@ -45,7 +45,7 @@ WindowClusters show(Session& clusterer, std::uint64_t window) {
         {window * kLength, (window + 1) * kLength, events.data(), events.data() + events.size()});
 }
 
-TEST(Session, CountsWindowsAndClustersAndPassesTheRemarkOn) {
+TEST(Session, CountsWindowsAndClustersAndForwardsTheRemark) {
     Session clusterer = makeClusterer(false);
     EXPECT_EQ(show(clusterer, 7).number, 1U);
     EXPECT_EQ(show(clusterer, 9).number, 3U);
@@ -54,7 +54,7 @@ TEST(Session, CountsWindowsAndClustersAndPassesTheRemarkOn) {
     EXPECT_EQ(clusterer.remark(), "boxes");
 }
 
-TEST(Session, FollowsObjectsOnlyIfWanted) {
+TEST(Session, FollowsObjectsOnlyIfRequested) {
     Session without = makeClusterer(false);
     EXPECT_TRUE(show(without, 7).tracks.empty());
     Session with = makeClusterer(true);

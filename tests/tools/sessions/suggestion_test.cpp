@@ -15,7 +15,7 @@ TEST(EditDistance, CountsInsertedDeletedAndReplacedLetters) {
     EXPECT_EQ(editDistance("grid", "gird"), 2U);
 }
 
-TEST(ClosestWord, IsFoundIfAThirdOfTheLettersDiffersAtMost) {
+TEST(ClosestWord, IsFoundIfAtMostAThirdOfTheLettersDiffers) {
     EXPECT_EQ(closestWord("clutser", {"info", "cluster"}), "cluster");
     EXPECT_EQ(closestWord("clutser", {"info", "score"}), std::nullopt);
     EXPECT_EQ(closestWord("clutser", {}), std::nullopt);

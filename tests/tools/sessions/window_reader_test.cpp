@@ -62,13 +62,13 @@ TEST_F(WindowReaderTest, CutsCleanedEventsIntoWindows) {
     EXPECT_FALSE(reader.defect());
 }
 
-TEST_F(WindowReaderTest, KeepsTheWantedPartAfterTheFirstEvent) {
+TEST_F(WindowReaderTest, KeepsTheRequestedPartAfterTheFirstEvent) {
     options.from = Duration{4'999};
     options.to = Duration{30'000};
     EXPECT_EQ(windowsOf(kEvents), (std::vector<Window>{{0, {2}}, {10'000, {3, 4}}}));
 }
 
-TEST_F(WindowReaderTest, RemarksOnARangeBehindTheLastEvent) {
+TEST_F(WindowReaderTest, SaysThatARangeIsAfterTheLastEvent) {
     options.from = Duration{30'001};
     WindowReader reader = readerOf(kEvents);
     EXPECT_TRUE(windowsOf(reader).empty());
@@ -79,7 +79,7 @@ TEST_F(WindowReaderTest, RemarksOnARangeBehindTheLastEvent) {
     EXPECT_EQ(inside.remark(), "");
 }
 
-TEST_F(WindowReaderTest, RemarksOnARangeThatEndsBehindTheLastEvent) {
+TEST_F(WindowReaderTest, SaysThatARangeEndsAfterTheLastEvent) {
     options.to = Duration{30'001};
     WindowReader reader = readerOf(kEvents);
     EXPECT_EQ(windowsOf(reader).size(), 3U);
@@ -90,14 +90,14 @@ TEST_F(WindowReaderTest, RemarksOnARangeThatEndsBehindTheLastEvent) {
     EXPECT_EQ(complete.remark(), "");
 }
 
-TEST_F(WindowReaderTest, DoesNotRemarkOnTheRangeAfterADefect) {
+TEST_F(WindowReaderTest, SaysNothingAboutTheRangeAfterADefect) {
     options.to = Duration{50'000};
     WindowReader reader = readerOf("5000 1 0 1\n16000 x\n");
     EXPECT_EQ(windowsOf(reader).size(), 1U);
     EXPECT_EQ(reader.remark(), "");
 }
 
-TEST_F(WindowReaderTest, KeepsTheWantedPolarity) {
+TEST_F(WindowReaderTest, KeepsTheRequestedPolarity) {
     options.polarity = Polarity::Off;
     EXPECT_EQ(windowsOf(kEvents), (std::vector<Window>{{0, {2}}, {30'000, {5}}}));
 }

@@ -25,7 +25,7 @@ TEST(Canvas, LaterObjectsHideEarlierOnes) {
     EXPECT_FLOAT_EQ(canvas.row(25)[26], -0.4F);
 }
 
-TEST(Canvas, PaintsOnlyWhatLiesOnTheSensor) {
+TEST(Canvas, PaintsOnlyPartsOnTheSensor) {
     Canvas canvas(80, 50);
     canvas.paint(Scene(80, 50, {discAt(-2, 0.7), discAt(82, -0.4), discAt(200, 1)}));
     EXPECT_FLOAT_EQ(canvas.row(25)[0], 0.7F);

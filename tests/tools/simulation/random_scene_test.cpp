@@ -46,7 +46,7 @@ TEST(RandomScene, HasFewerObjectsOnASmallSensor) {
     EXPECT_EQ(randomScene(options).objects().size(), 4U);
 }
 
-TEST(RandomScene, StaysTheSameWhateverTheNoise) {
+TEST(RandomScene, StaysTheSameForAnyNoise) {
     SceneOptions noisy;
     noisy.noise_rate_hz = 5;
     noisy.hot_pixels = 50;

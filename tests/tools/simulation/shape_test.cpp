@@ -89,7 +89,7 @@ TEST(Shape, RefusesSizesThatAreNotAboveZero) {
     EXPECT_THROW(Shape::bar(5, 0), std::invalid_argument);
 }
 
-TEST(Shape, RefusesOutlinesThatAreNoConvexPolygonAroundTheOrigin) {
+TEST(Shape, RefusesOutlinesThatAreNotConvexPolygonsAroundTheOrigin) {
     EXPECT_THROW(Shape::polygon({{1, 0}, {-1, 0}}), std::invalid_argument);
     EXPECT_THROW(Shape::polygon({{1, 0}, {-1, -1}, {-1, 1}}), std::invalid_argument);
     EXPECT_THROW(Shape::polygon({{9, 0}, {7, 1}, {7, -1}}), std::invalid_argument);

@@ -56,7 +56,7 @@ TEST(Visibility, IsFullInTheOpenAndHalfWhereHalfIsHidden) {
     EXPECT_NEAR(shares[2], 1, 1e-6);
 }
 
-TEST(Visibility, CountsWhatHasLeftTheSensorAsHidden) {
+TEST(Visibility, CountsPartsOffTheSensorAsHidden) {
     const auto shares =
         visibilitiesOf(Scene(200, 100, {squareAt(0, 50, 0), squareAt(200, 100, 0)}));
     EXPECT_NEAR(shares[0], 0.5, 0.01);
