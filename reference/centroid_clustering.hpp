@@ -8,10 +8,10 @@
 
 namespace kelvora::reference {
 
-/// K-means of `kelvora::CentroidClustering` step by step, in the arithmetic that makes its results
-/// what they are, bit for bit. Each seed is found in one pass over the distances and takes another to
-/// lower them, and each iteration builds a nanoflann tree over the centroids and asks it once per
-/// point.
+/// K-means of `kelvora::CentroidClustering` step by step, with the same arithmetic, so that results
+/// are the same bit for bit. Each first centroid is found in one pass over the distances, and a
+/// second pass updates them. Each iteration builds a nanoflann tree of the centroids and searches it
+/// once per point.
 ///
 /// Points must be finite, and at least as many as clusters.
 template <int DIM, typename T>

@@ -168,11 +168,11 @@ void bindClustering(py::module_& module) {
         "check_clustering",
         [](const py::dict& keywords) { static_cast<void>(toTask({}, keywords)); },
         py::arg("keywords"),
-        "check_clustering(keywords)\n\nRefuse what `cluster_recording` would refuse.");
+        "check_clustering(keywords)\n\nRaise the errors that `cluster_recording` would raise.");
     module.def(
         "cluster_recording", &clusterRecording, py::arg("path"), py::arg("keywords"),
-        "cluster_recording(path, keywords)\n\nFind the clusters of a recording. Keywords are "
-        "those of `cluster_recordings`.");
+        "cluster_recording(path, keywords)\n\nFind the clusters of a recording. The keywords "
+        "are the same as for `cluster_recordings`.");
 }
 
 }  // namespace kelvora::python

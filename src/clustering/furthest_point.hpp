@@ -12,7 +12,7 @@ namespace kelvora {
 
 /// Finds the point furthest from all centroids, while centroids are added.
 ///
-/// Distances are compared as `float`, whatever `T` is; of equal ones, the first point counts as
+/// Distances are compared as `float`, for any `T`; of equal ones, the first point counts as
 /// furthest. Square root and narrowing keep the order of squared distances. So they are computed
 /// only for the few squared distances that are larger than all before, which makes seeding 3 times
 /// as fast as a square root for each distance.

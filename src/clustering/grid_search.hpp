@@ -74,12 +74,12 @@ private:
     // Threads use these without a lock or atomics, and do not race:
     // - Each block of cells is handled by one thread per phase, so no two threads write the same
     //   element. Elements are bytes, not bits: neighbouring ones may be written at the same time.
-    // - While core points are found, each thread writes the elements of its own block only, and no
+    // - While core points are found, each thread writes only the elements of its block, and no
     //   thread reads any.
     // - A `TaskGate` separates the phases: every write of the first happens before the second.
     // - While neighbours are joined, no thread writes `cell_has_core`. Of `state`, the thread of a
     //   block writes the points of cells without core points. Threads read only the state of points
-    //   in cells with core points, which no longer changes.
+    //   in cells with core points, which does not change.
     std::vector<std::uint8_t> state;  ///< `PointState` of points, in the order of their cells.
     std::vector<std::uint8_t> cell_has_core;  ///< 1 for cells with core points, else 0.
 

@@ -43,7 +43,7 @@ private:
     std::size_t min_pts;
 
     // Threads use this without a lock or atomics, and do not race: while core points are found, the
-    // thread of a block reads and writes the slots of its own leaves only. A `TaskGate` separates
+    // thread of a block reads and writes only the slots of its leaves. A `TaskGate` separates
     // the phases. While neighbours are joined, no thread writes. Elements are bytes, not bits, as
     // neighbouring ones may be written at the same time.
     std::vector<std::uint8_t> is_core;  ///< Of slots.

@@ -16,12 +16,12 @@ namespace kelvora {
 
 /// Finds and joins neighbours with a grid of cells as wide as the radius, for sparse points.
 /// Neighbours are then in adjacent cells: 3 rows of 3 cells in the plane, and 9 rows in space. The
-/// small cells of `GridSearch` need 5 rows of 5 cells, and 25 rows, and most of these cells hold
+/// small cells of `GridSearch` need 5 rows of 5 cells, and 25 rows, and most of these cells contain
 /// one point or none. Points in a cell need not be neighbours, so each point is compared with all
 /// points around it, several at a time.
 ///
 /// This takes about 70 ns per point, and 0.8 ns for each other point in the cells around it. In
-/// recordings with most objects far apart, it takes 35 to 60 % of the time of `GridSearch`; in
+/// recordings with most objects far apart, this is 35 to 60 % of the time of `GridSearch`; in
 /// dense scenes, 2 to 25 times as long. `GridSearch` is faster if a point shares its cell with more
 /// than `kMostCrowding` others. With fewer, at most 27 times as many are around
 /// a point. See benchmarks/README.md.

@@ -109,7 +109,7 @@ CentroidBasedClusterGenerator<DIM, T>::Impl::Impl(
     // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer)
     rejected_polarity = rejectedPolarity(filter_type);
     requireSensorScalesAndCapacity(sensor_width, sensor_height, scales, max_capacity, kClassName);
-    // `clustering` has refused these values already; checked again in case it no longer does.
+    // `clustering` refuses the same values first, but this class does not depend on that.
     require(k_clusters > 0, kClassName, ": k_clusters should be larger than 0");
     require(max_iter > 0, kClassName, ": max_iter should be larger than 0");
     require(!(0.0 >= tol), kClassName, ": tol should be larger than 0");

@@ -20,7 +20,7 @@ constexpr std::size_t kMostSightings = 10;
 // If two boxes share at least this part of the smaller one, they count as the same object.
 constexpr float kLargeShare = 0.5F;
 
-// With at least this intersection over union, a cluster belongs to a track whatever its size.
+// With at least this intersection over union, a cluster of any size belongs to a track.
 constexpr float kSameBox = 0.6F;
 
 int requireAtLeast(int lowest, int value, const char* message) {

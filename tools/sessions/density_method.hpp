@@ -9,7 +9,7 @@
 
 namespace kelvora::tool {
 
-/// Clusters by density. Results are the same in every run, whatever the number of jobs.
+/// Clusters by density. Results are the same in every run, with any number of jobs.
 ///
 /// \throws std::runtime_error  if memory for the points cannot be reserved.
 std::unique_ptr<ClusteringMethod> makeDensityMethod(const Settings& settings,

@@ -9,7 +9,7 @@
 
 namespace kelvora::tool {
 
-/// Collects what a user sets, and checks it.
+/// Collects and checks the parameters that a user sets.
 class SettingsBuilder {
 public:
     /// A flag that is false counts as not given.

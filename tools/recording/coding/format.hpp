@@ -23,7 +23,7 @@ struct RecordingStart {
     Bytes head;            ///< The first bytes, up to 64 KiB.
     bool is_whole;         ///< Whether `head` is the whole recording.
     std::string file;      ///< For messages.
-    TextLayout text = {};  ///< What the user states about a text recording.
+    TextLayout text = {};  ///< Layout of a text recording, if the user states it.
 };
 
 /// A recording whose header was read.
@@ -33,8 +33,8 @@ struct OpenedRecording {
     std::optional<SensorSize> sensor_size;  ///< From the header.
 };
 
-/// A kind of file that holds events, or that users may take for one. All that the readers, the
-/// writers, the tool and the Python package know about a format is in this object.
+/// A kind of file that contains events, or that users may mistake for one. The readers, the
+/// writers, the tool and the Python package get all information about a format from this object.
 struct Format {
     /// In options and output, such as "evt3". Empty if the format is neither read nor written.
     std::string name = {};
@@ -48,15 +48,15 @@ struct Format {
     /// When the file states the size of the sensor, for the documentation.
     std::string states_sensor_size = {};
 
-    /// Endings of file names that select the format for writing, in lower case. The longest match
+    /// Extensions of file names that select the format for writing, in lower case. The longest match
     /// among all formats wins. None occurs in two formats.
     std::vector<std::string_view> extensions = {};
 
-    /// The endings to propose if a name has another one, such as ".bin (records)".
+    /// The extensions to propose if a name has another one, such as ".bin (records)".
     std::string proposed_extensions = {};
 
-    /// Whether a file that begins with these bytes, up to 64 KiB, has this format. Must be strict: a
-    /// file of another format must not pass.
+    /// Whether a file that begins with these bytes, up to 64 KiB, has this format. Must be false
+    /// for files of all other formats.
     std::function<bool(Bytes head)> recognises;
 
     /// Reads the header and makes a decoder. Empty if the format cannot be read.

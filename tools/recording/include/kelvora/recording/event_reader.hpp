@@ -57,7 +57,7 @@ public:
     virtual std::uint64_t fileSize() const = 0;
 };
 
-/// Properties that override or complete what the recording states.
+/// Properties that override or complete the information in the recording.
 struct ReadOptions {
     std::optional<std::string> format;      ///< Name of the format, instead of detecting it.
     std::optional<SensorSize> sensor_size;  ///< Overrides the recorded size.
@@ -72,7 +72,7 @@ struct ReadOptions {
 /// Reads the first 64 KiB to recognise the format and to read the header.
 ///
 /// \param path  The file or pipe.
-/// \param options  What to override, and what the recording does not state.
+/// \param options  Information to override, or missing in the recording.
 /// \return The reader, before the first event.
 /// \throws RecordingError  if the file cannot be opened or is empty, if its format is unknown or
 ///     not `options.format`, or if its header has a defect.

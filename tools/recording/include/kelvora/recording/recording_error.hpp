@@ -12,7 +12,7 @@
 
 namespace kelvora::recording {
 
-/// What is wrong with a recording.
+/// The kind of problem with a recording.
 enum class ErrorKind {
     NoAccess,        ///< The file cannot be opened, read, created or written.
     UnusableFormat,  ///< The format is unknown, not supported, or another one than stated.
@@ -25,7 +25,7 @@ enum class ErrorKind {
 
 /// Where in a recording something is wrong.
 struct ErrorPlace {
-    /// What `number` counts.
+    /// Unit of `number`.
     enum class Unit {
         WholeFile,  ///< No particular place.
         Byte,       ///< Counted from 0.
@@ -34,7 +34,7 @@ struct ErrorPlace {
         EventAt     ///< Time of the event, microseconds.
     };
 
-    Unit unit = Unit::WholeFile;  ///< What `number` counts.
+    Unit unit = Unit::WholeFile;  ///< Unit of `number`.
     std::uint64_t number = 0;     ///< 0 for the whole file.
 };
 
@@ -77,7 +77,7 @@ public:
     /// Gives a setting the name it has in a program.
     using SettingNames = std::string_view (*)(Setting setting);
 
-    /// \param kind     What is wrong.
+    /// \param kind     Kind of problem.
     /// \param file     Path of the recording, as the user gave it.
     /// \param problem  The problem, as a sentence whose subject is the file: "is empty".
     /// \param place    Where in the file.
@@ -85,7 +85,7 @@ public:
     RecordingError(ErrorKind kind, const std::string& file, const std::string& problem,
                    const ErrorPlace& place, const Remedy& remedy);
 
-    /// \return What is wrong.
+    /// \return the kind of problem.
     ErrorKind kind() const { return parts->kind; }
 
     /// \return Path of the recording, as the user gave it.
