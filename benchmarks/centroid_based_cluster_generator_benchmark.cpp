@@ -45,7 +45,7 @@ void literalIntake(benchmark::State& state) {
     timeLiteralIntake<DIM>(state, kSmallSensor);
 }
 
-/// Time of `generateClusters`, without that of feeding the events.
+/// Time of `generateClusters`, without the time to feed the events.
 template <int DIM>
 void generation(benchmark::State& state) {
     const auto events = simulatedEvents(kSmallSensor, static_cast<std::size_t>(state.range(0)));

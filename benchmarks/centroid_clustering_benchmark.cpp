@@ -29,7 +29,7 @@ bool sameCoordinates(const std::vector<KDPoint<DIM, T>>& a, const std::vector<KD
                       [](const auto& p, const auto& q) { return p.coordinates == q.coordinates; });
 }
 
-/// Whether the library finds, of a few points, what the model finds from one of them.
+/// Whether the library and the model, started from one of the points, find the same clusters.
 template <int DIM, typename T>
 bool isAsModelled(const std::vector<KDPoint<DIM, T>>& points, std::size_t k) {
     constexpr std::size_t kIterations = 5;

@@ -45,7 +45,7 @@ struct OpenCvParameters {
 /// Ends k-means when nothing changes any more.
 constexpr double kSmallest = std::numeric_limits<double>::min();
 
-/// Runs the clustering again and again, so that the last times are those of a warm cache.
+/// Runs the clustering again and again, so that the last times are measured with a warm cache.
 template <class Run>
 void timeRuns(int runs, const Run& run) {
     for (int i = 0; i < runs; ++i) {
@@ -171,7 +171,7 @@ std::vector<int> firstLabels(const std::vector<kelvora::KDPoint<DIM, T>>& points
 }
 
 /// OpenCV's k-means. It starts from the clusters that the library finds in `first_iterations`, and
-/// computes centroids `max_iter` times, at least twice, but for when it has come to rest.
+/// computes centroids `max_iter` times, at least twice, unless nothing changes any more.
 template <int DIM, typename T>
 void clusterPoints(const OpenCvParameters& parameters, int runs) {
     auto points = readPoints<DIM, T>(stdin);

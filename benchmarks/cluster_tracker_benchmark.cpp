@@ -24,7 +24,7 @@ float uniform(std::mt19937& random, float low, float high) {
     return low + (high - low) * static_cast<float>(random() % 65536) / 65536;
 }
 
-/// Objects that circle side by side, each with a phase of its own; boxes jitter by a pixel. One in
+/// Objects that circle side by side, each with a different phase; boxes jitter by a pixel. One in
 /// `lost_one_in` clusters is missing; 0 for none.
 std::vector<Clusters> circlingObjects(std::size_t count, std::size_t lost_one_in) {
     std::mt19937 random(7);
@@ -70,7 +70,7 @@ void run(benchmark::State& state, std::size_t lost_one_in) {
     }
     const std::size_t tracks = tracker.getTracks().size();
     if (tracks < count * 9 / 10 || tracks > count * 11 / 10) {
-        state.SkipWithError("the tracks are not those of the objects");
+        state.SkipWithError("the number of tracks differs from the number of objects");
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
     state.counters["tracks"] = static_cast<double>(tracks);

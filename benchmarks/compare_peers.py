@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Times the density and centroid clustering against what Debian's packages offer: scikit-learn's DBSCAN and KMeans, and
+"""Compares the speed of density and centroid clustering with packages in Debian: scikit-learn's DBSCAN and KMeans, and
 OpenCV's kmeans. All get the same points, in turn, several times; figures are medians, of wall-clock
 times for DBSCAN, which may use two threads, and of processor times for k-means, which uses one.
 
@@ -8,11 +8,11 @@ Before anything is timed, the results must agree:
 
 - DBSCAN: the same core points in the same clusters and the same noise with one job. With two jobs, which join clusters
   through border points and need one neighbour more, no cluster may be split and the noise must be the same.
-- k-means: started from the centroids at which ours has come to rest, the others must stay there: the same labels for
-  999 of 1,000 points, and the same inertia within 1e-4, as all compute in single precision.
+- k-means: started from the centroids at which Kelvora has converged, the others must stay there: the same labels for
+  999 of 1,000 points, and the same inertia within 1e-4, because all compute in single precision.
 
-Iterations of k-means are timed as the difference between a run of 2 and one of 11, or of as many as the others do
-before they come to rest. These start from upright stripes with equally many points.
+The time of an iteration of k-means comes from the difference between a run of 2 iterations and one of 11, or of as
+many as the others do before they converge. These runs start from vertical stripes with equally many points.
 
 Exits with 1 if any do not agree.
 
@@ -38,7 +38,7 @@ from threadpoolctl import threadpool_limits
 
 NOISE = -1
 MIN_PTS = 10
-# Just below what the library is asked for: scikit-learn counts points at exactly this distance as neighbours.
+# Just below the radius of the library: scikit-learn counts points at exactly this distance as neighbours.
 DENSITY_SETTINGS = [("2D, eps 3", 2, 3.0), ("2D, eps 5", 2, 5.0), ("3D, eps 5", 3, 5.0)]
 JUST_BELOW = 1 - 1e-6
 CLUSTER_NUMBERS = [8, 32, 128]
@@ -47,7 +47,7 @@ RECORD = np.dtype([("timestamp", "<u8"), ("x", "<u2"), ("y", "<u2"), ("polarity"
 
 
 class Program:
-    """Our side, and OpenCV's: a program that clusters the points it is given."""
+    """Kelvora and OpenCV: a program that clusters the points it gets."""
 
     def __init__(self, path):
         self.path = path
@@ -120,7 +120,7 @@ def dbscan(points, eps, min_pts=MIN_PTS, jobs=1):
 
 
 def check_density(program, points, eps):
-    """What disagrees, as words, or nothing."""
+    """The difference in words, or an empty string."""
     theirs = dbscan(points, eps)
     ours, _ = program.density(points, eps, jobs=1)
     core = theirs.core_sample_indices_
@@ -157,13 +157,13 @@ def kmeans(points, centroids, iterations):
 
 
 def check_kmeans(program, points, k):
-    """What disagrees, as words, or nothing."""
+    """The difference in words, or an empty string."""
     (labels, centroids), _ = program.centroid(points, k, 1000, "1e-300")
     theirs = kmeans(points, centroids, FEW_ITERATIONS)
     ours = inertia(points, labels, centroids)
     if np.mean(theirs.labels_ != labels) > 1e-3 or abs(theirs.inertia_ / ours - 1) > 1e-4:
         return "scikit-learn differs"
-    # It starts from a run of its own, which comes to rest elsewhere: what must agree is that nothing moves.
+    # OpenCV starts from another run, which converges elsewhere: only check that nothing moves.
     (resting, rested), _ = program.opencv(points, k, 1000, FEW_ITERATIONS)
     nearest = kmeans(points, rested, FEW_ITERATIONS)
     if np.mean(nearest.labels_ != resting) > 1e-3:

@@ -88,7 +88,7 @@ def same_partition(a, b):
 
 
 def differences(points, eps, ours, theirs):
-    """What differs, as list of words, and the number of border points that went to another cluster."""
+    """The differences, as a list of words, and the number of border points that went to another cluster."""
     found = []
     if len(ours) != len(points):
         return ["number of points"], 0
@@ -185,7 +185,7 @@ def compare_centroids(program, seed):
     labels = np.array(lines[k:], dtype=int)
     centroids = np.array([line.split()[:dim] for line in lines[:k]], dtype=precision)
     sizes = np.array([line.split()[dim] for line in lines[:k]], dtype=int)
-    assert np.array_equal(sizes, np.bincount(labels, minlength=k)), "the sizes are not those of the clusters"
+    assert np.array_equal(sizes, np.bincount(labels, minlength=k)), "the sizes differ from the clusters"
     exact = points.astype(np.float64)
     ours, theirs, difference = inertia(exact, centroids.astype(np.float64)), np.nan, np.inf
     seeds = find_seeds(points, labels, centroids, iterations)

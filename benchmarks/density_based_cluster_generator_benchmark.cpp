@@ -37,7 +37,7 @@ void intake(benchmark::State& state, const SensorSize& sensor) {
     timeIntake(state, generator, feed, events);
 }
 
-/// Time of `generateClusters`, without that of feeding the events.
+/// Time of `generateClusters`, without the time to feed the events.
 template <int DIM>
 void generation(benchmark::State& state, const SensorSize& sensor) {
     const auto events = simulatedEvents(sensor, static_cast<std::size_t>(state.range(0)));

@@ -38,7 +38,7 @@ double median(std::vector<double> values) {
     return *middle;
 }
 
-/// Clusters and boxes, with what they took.
+/// Clusters and boxes, and the time to find them.
 struct Run {
     std::vector<std::vector<std::size_t>> clusters;
     std::vector<std::vector<float>> boxes;

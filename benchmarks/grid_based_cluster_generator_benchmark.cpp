@@ -12,14 +12,14 @@
 #include "support/feeding.hpp"
 #include "support/workloads.hpp"
 
-// Every benchmark runs with the library and with the literal model, one after the other; what
-// counts is the ratio of the two. Before anything is timed, both have to give the same clusters.
+// Every benchmark runs with the library and with the model, one after the other, to measure the
+// ratio of their times. Before anything is timed, both have to give the same clusters.
 
 namespace kelvora::benchmarks {
 namespace {
 
-/// Seconds of processor time of this thread: what other programs take on a shared machine is not
-/// counted.
+/// Seconds of processor time of this thread, without the time of other programs on a shared
+/// machine.
 double processorTime() {
     timespec time = {};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
@@ -91,7 +91,7 @@ Seconds run(Generator& generator, const Workload& workload, Feed<Generator> feed
     return seconds;
 }
 
-/// Time of feeding the events, without that of the extraction between batches.
+/// Time to feed the events, without the extraction between batches.
 template <class Generator, Feed<Generator> feed>
 void intake(benchmark::State& state, const Workload& (*scene)(), const Mode& mode) {
     const Workload& workload = scene();
@@ -111,7 +111,7 @@ void intake(benchmark::State& state, const Workload& (*scene)(), const Mode& mod
     reportPerEvent(state, events);
 }
 
-/// Time of `generateClusters` where a fifth of the cells is marked, without that of marking them.
+/// Time of `generateClusters` if a fifth of the cells is marked, without the time to mark them.
 template <class Generator>
 void extraction(benchmark::State& state, CellPattern pattern) {
     constexpr int kRows = 120;

@@ -55,9 +55,9 @@ bool modelAgrees(Generator generator, Feed<Generator> feed, const std::vector<Ev
            placesOf<DIM>(points) == placesOf<DIM>({model.getPoints()});
 }
 
-/// Time of feeding the events, the buffers being reserved and never full.
-/// \param generator  Keeps as few points as it can be told to: to empty it takes no clustering, and
-///     its buffers stay as they are.
+/// Time to feed the events. The buffers are reserved and never full.
+/// \param generator  Has the smallest possible capacity, so that it can be emptied without
+///     clustering, and its buffers keep their size.
 template <class Generator>
 void timeIntake(benchmark::State& state, Generator& generator, Feed<Generator> feed,
                 const std::vector<Event2D>& events) {
