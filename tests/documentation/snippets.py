@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 """Finds the snippets of a Markdown page or a header.
 
-In a page, a snippet is a fenced block that names its language. A comment in the line before it states
-what is special::
+In a page, a snippet is a fenced block that names its language. A comment in the line before it may
+give instructions::
 
     <!-- snippet: with DECLARATIONS -->      C++ in front of a snippet that is no whole program
     <!-- snippet: not run: REASON -->        the one way to leave a snippet out

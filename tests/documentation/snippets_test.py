@@ -89,7 +89,7 @@ class SnippetsTest(PageTest):
 
 
 class HeaderTest(PageTest):
-    """What is found in a header."""
+    """Tests of finding snippets in a header."""
 
     def snippets(self, text: str) -> list[Snippet]:
         self.page = self.page.with_suffix(".hpp")

@@ -153,7 +153,7 @@ TEST_P(ActiveCellsInRowsOf, MarkEveryBlockWhereItBelongs) {
     }
 }
 
-/// What the model of the generator finds in a grid of pixels, where an event marks a block.
+/// The regions that the model of the generator finds in a grid of pixels; an event marks a block.
 std::vector<CellRegion> modelledRegions(int rows, int cols, const std::vector<Cell>& blocks) {
     reference::GridBasedClusterGenerator model(cols, rows, 1, 1, std::max(rows, cols), 1,
                                                POLARITY_FREE, false, 1);

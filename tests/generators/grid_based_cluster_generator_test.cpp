@@ -37,7 +37,7 @@ std::vector<Box> boxesAround(const std::vector<Pixel>& pixels,
     return boxesOf(generate(generator));
 }
 
-// What generateClusters reports.
+// The result of generateClusters.
 
 TEST(GridBasedClusterGenerator, EmptiesTheVectorAndAppendsNothingBeforeTheFirstEvent) {
     auto generator = GridSettings().build();

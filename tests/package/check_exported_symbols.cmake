@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
-# The library exports what the list says, and none of its internals:
+# The library exports the symbols in the list, and none of its internals:
 # cmake -DNM=... -DLIBRARY=... -DNAMESPACE=... -DINCLUDE_DIR=... -DLIST=... -DACTUAL=... -DCXX_FLAGS=... -P check_exported_symbols.cmake
 # The exported symbols are written to the file ACTUAL.
 
 if(CXX_FLAGS MATCHES "-fsanitize|--coverage|-fprofile")
-    message("Skipped: instrumentation exports symbols of its own")
+    message("Skipped: instrumentation exports additional symbols")
     return()
 endif()
 
@@ -27,7 +27,7 @@ foreach(header IN LISTS headers)
     string(APPEND public_text "${header_text}")
 endforeach()
 
-# No internals, whatever the list says. Instantiations of function templates begin with their return type.
+# No internals, even if they are in the list. Instantiations of function templates begin with their return type.
 set(own "^(vtable for |typeinfo for |typeinfo name for |[a-z ]+ )?${NAMESPACE}::([A-Za-z0-9_]+)")
 set(private "::(Impl|Index|Engines|__KDPointAdaptor)(::|$)")
 foreach(symbol IN LISTS exported)
@@ -55,7 +55,7 @@ if(added OR removed)
     list(JOIN added "\n" added)
     list(JOIN removed "\n" removed)
     message(FATAL_ERROR
-        "The library exports more (+) or less (-) than ${LIST} says:\n${added}\n${removed}\n"
-        "Programs that use removed symbols no longer start. If the change is meant, say so in the changelog, and\n"
+        "The exported symbols differ from ${LIST}, more (+) or less (-):\n${added}\n${removed}\n"
+        "Programs that use removed symbols cannot start. If the change is intended, mention it in the changelog, and\n"
         "    cp ${ACTUAL} ${LIST}\n")
 endif()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Compiles and runs a program with what pkg-config says, as makefiles do:
+# Compiles and runs a program with the flags of pkg-config, as makefiles do:
 # cmake -DPKG_CONFIG=... -DPC_DIR=... -DCXX=... -DCXX_FLAGS=... -DSOURCE=... -DPROGRAM=... -P use_pkg_config.cmake
 
 set(ENV{PKG_CONFIG_PATH} "${PC_DIR}:$ENV{PKG_CONFIG_PATH}")

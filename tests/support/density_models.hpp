@@ -6,11 +6,11 @@
 #include "support/points.hpp"
 
 /// \file
-/// What the models of density clustering find.
+/// The clusters that the models of density clustering find.
 
 namespace kelvora::test {
 
-/// What a model finds.
+/// The result of a model.
 template <template <int, typename> class Model, class Kind>
 Clustering<typename Kind::T> clusterWithModel(const typename Kind::Points& points, double eps,
                                               int min_pts, int n_jobs) {
@@ -21,21 +21,21 @@ Clustering<typename Kind::T> clusterWithModel(const typename Kind::Points& point
     return result;
 }
 
-/// What follows from the steps of the rules.
+/// The result of following the rules step by step.
 template <class Kind>
 Clustering<typename Kind::T> literalClusters(const typename Kind::Points& points, double eps,
                                              int min_pts, int n_jobs) {
     return clusterWithModel<reference::DensityClustering, Kind>(points, eps, min_pts, n_jobs);
 }
 
-/// What follows from the definition with one job.
+/// The result by definition with one job.
 template <class Kind>
 Clustering<typename Kind::T> modelOfOneJob(const typename Kind::Points& points, double eps,
                                            int min_pts) {
     return clusterWithModel<reference::BruteForceDensityClustering, Kind>(points, eps, min_pts, 1);
 }
 
-/// What follows from the definition with several jobs.
+/// The result by definition with several jobs.
 template <class Kind>
 Clustering<typename Kind::T> modelOfManyJobs(const typename Kind::Points& points, double eps,
                                              int min_pts) {

@@ -12,11 +12,11 @@
 #include "support/points.hpp"
 
 /// \file
-/// What k-means leaves, of the library and of its model, to be compared bit for bit.
+/// The results of k-means, of the library and of its model, to be compared bit for bit.
 
 namespace kelvora::test {
 
-/// All that a run of centroid clustering leaves.
+/// All results of a run of centroid clustering.
 template <class Kind>
 struct KMeansOutcome {
     Clustering<typename Kind::T> clustering;
@@ -53,7 +53,7 @@ std::ostream& operator<<(std::ostream& out, const KMeansOutcome<Kind>& outcome) 
     return out << " counts " << ::testing::PrintToString(outcome.counts);
 }
 
-/// What a library object finds, and what it tells afterwards.
+/// The results of a library object, including its getters.
 template <class Kind>
 KMeansOutcome<Kind> outcomeOf(CentroidClustering<Kind::kDim, typename Kind::T>& clustering,
                               const typename Kind::Points& points) {
@@ -64,7 +64,7 @@ KMeansOutcome<Kind> outcomeOf(CentroidClustering<Kind::kDim, typename Kind::T>& 
     return outcome;
 }
 
-/// What a new library object finds.
+/// The results of a new library object.
 template <class Kind>
 KMeansOutcome<Kind> kMeansOf(const typename Kind::Points& points, std::size_t k,
                              std::size_t max_iter = 20, double tol = 1e-9) {

@@ -96,7 +96,7 @@ TEST_F(DecodingReaderTest, HandsTheRestOfABrokenPacketToTheDecoder) {
 TEST_F(DecodingReaderTest, RefusesAPacketThatNeverEnds) {
     const std::string claim = "\xFF\xFF\xFF\xFF";
     const auto path = directory.file("a", claim);
-    std::filesystem::resize_file(path, kMaxItemBytes + 1);  // a hole: it takes no space
+    std::filesystem::resize_file(path, kMaxItemBytes + 1);  // a hole, which needs no disk space
     DecodingReader reader = readerOf(path);
     std::vector<Event2D> events;
     for (int attempt = 0; attempt < 2; ++attempt) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What holds for every format of the table. Damaged recordings: a decoder may find events in them or
+// Properties of every format in the table. Damaged recordings: a decoder may find events in them or
 // reject them, but must never crash, hang or exceed its limits.
 #include <gtest/gtest.h>
 

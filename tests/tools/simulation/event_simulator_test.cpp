@@ -63,7 +63,7 @@ TEST(EventSimulator, GivesOtherEventsForAnotherSeed) {
 }
 
 // Only change this value with an intended change of the model, and mention it in CHANGELOG.md. If
-// it differs between compilers or machines, the simulator is no longer deterministic.
+// it differs between compilers or machines, the simulator is not deterministic.
 TEST(EventSimulator, GivesTheSameEventsWithEveryCompilerAndOnEveryMachine) {
     const auto recording = record(EventSimulator(smallDefaultScene(7)));
     EXPECT_EQ(recording.events.size(), 22480U);
