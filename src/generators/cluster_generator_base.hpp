@@ -29,7 +29,7 @@ public:
 protected:
     std::int32_t sensor_width;       ///< Pixels.
     std::int32_t sensor_height;      ///< Pixels.
-    std::uint64_t base_counter = 0;  ///< Unused, kept for compatibility.
+    std::uint64_t base_counter = 0;  ///< Unused, but part of the layout.
 };
 
 }  // namespace kelvora
