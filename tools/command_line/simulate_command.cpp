@@ -96,7 +96,7 @@ void SimulateCommand::declareScene() {
     add("--lights", scene.lights, "Number of flickering lights");
     add("--light-frequency", scene.light_frequency_hz, "Periods of each light per second");
     add("--noise-rate", scene.noise_rate_hz, "Background noise, events per pixel and second");
-    add("--hot-pixels", scene.hot_pixels, "Number of hot pixels");
+    add("--hot-pixels", scene.hot_pixels, "Number of hot pixels, which report events all the time");
     add("--hot-pixel-rate", scene.hot_pixel_rate_hz, "Events per hot pixel and second");
     add("--contrast-threshold", scene.contrast_threshold,
         "Change of the logarithm of the brightness that causes an event");

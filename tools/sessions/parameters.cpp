@@ -63,11 +63,11 @@ const std::vector<Parameter> kTable = {
      "Height of a cell",
      [](Settings& all) -> Field { return &all.grid.cell_height; }},
     {Group::Grid, "max_cluster_size", "--max-cluster-size", "PIXELS", kPixels,
-     "Largest width and height of a cluster, in whole cells",
+     "Largest width and height of a cluster; clusters consist of whole cells",
      [](Settings& all) -> Field { return &all.grid.max_cluster_size; }},
     {Group::Grid, "min_cluster_size", "--min-cluster-size", "PIXELS", kPixels,
-     "Smallest width and height of a cluster, in whole cells; a single active cell makes a "
-     "cluster of two by two",
+     "Smallest width and height of a cluster; clusters consist of whole cells, and a single active "
+     "cell makes a cluster of two by two cells",
      [](Settings& all) -> Field { return &all.grid.min_cluster_size; }},
     {Group::Grid, "activation_threshold", "--activation-threshold", "EVENTS", kEvents,
      "Events in a window that make a cell active; with --polarity separate, of each polarity",
