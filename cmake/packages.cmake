@@ -91,7 +91,7 @@ if(KELVORA_BUILD_PYTHON)
     kelvora_package(kelvora_python python3-kelvora python
         "${library} (>= ${debian_version}), ${recording_library} (>= ${debian_version}), python3-numpy, python3 (>= ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}), python3 (<< ${Python_VERSION_MAJOR}.${next_minor})"
         "Python package"
-        "This package contains the package for Python 3, which takes and gives NumPy\narrays.")
+        "This package contains the package for Python 3, which takes and returns\nNumPy arrays.")
     set(CPACK_DEBIAN_KELVORA_PYTHON_PACKAGE_SUGGESTS python3-distributed)
     file(WRITE "${debian_dir}/postinst" "#!/bin/sh\nset -e\n[ \"$1\" != configure ] || py3compile -p python3-kelvora\n")
     file(WRITE "${debian_dir}/prerm" "#!/bin/sh\nset -e\npy3clean -p python3-kelvora\n")
