@@ -7,7 +7,7 @@
 #include <nanoflann.hpp>
 #include <new>
 #include <nlohmann/json.hpp>
-#include <opencv2/core/version.hpp>
+#include <opencv2/core.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -32,6 +32,7 @@ namespace tool = kelvora::tool;
 
 constexpr int kExitFailure = 1;
 constexpr int kExitWrongUsage = 2;
+constexpr const char* kNoMemory = "not enough memory";
 
 std::string versionText() {
     return fmt::format(
@@ -110,7 +111,9 @@ int statusOfFailure() {
             tool::endByBrokenPipe();
         }
     } catch (const std::bad_alloc&) {
-        report("not enough memory");
+        report(kNoMemory);
+    } catch (const cv::Exception& error) {
+        report(error.code == cv::Error::StsNoMem ? kNoMemory : error.what());
     } catch (const std::exception& error) {
         report(error.what());
     }
@@ -132,8 +135,10 @@ int main(int argc, char** argv) {
         try {
             return statusOfFailure();
         } catch (...) {
-            // No memory even for the message.
-            tool::printError("kelvora: not enough memory\n");
+            // There is no memory for the message, either.
+            tool::printError("kelvora: ");
+            tool::printError(kNoMemory);
+            tool::printError("\n");
             return kExitFailure;
         }
     }
