@@ -177,7 +177,7 @@ public:
     ///     or off the sensor has the box (0, 0, 0, 0). In three dimensions, start and duration hold
     ///     the low 32 bits of the microseconds, and 0 for a number that does not fit into 64 bits.
     /// \note After an exception, `clusters` may hold some of the clusters. The events since the
-    /// previous call are then not clustered again, and the generator can be used as before.
+    /// previous call are then not clustered again, and the generator can still be used.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Empties the time window, so that the events since the last `generateClusters` are not

@@ -176,7 +176,7 @@ public:
     ///     out to 0.
     /// \throws std::system_error  if a thread cannot be started.
     /// \note After an exception, `clusters` may hold some of the clusters. The events since the
-    /// previous call are then not clustered again, and the generator can be used as before.
+    /// previous call are then not clustered again, and the generator can still be used.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Forgets the points of the last `generateClusters`, but keeps the events since.

@@ -133,7 +133,7 @@ public:
     ///     bottom and columns from left to right.
     /// \note After an exception, `clusters` may hold some of the clusters. The events since the
     /// previous call then either count for the next call or are forgotten, and the generator can
-    /// be used as before.
+    /// still be used.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Sets all counters to 0, in time linear in the number of cells and pixels.

@@ -58,7 +58,7 @@ public:
     /// \returns true.
     /// \throws std::bad_alloc  if there is not enough memory.
     /// \throws std::system_error  if a thread cannot be started.
-    /// \note After an exception, the index is empty, as before the first `build`.
+    /// \note After an exception, the index is empty, like before the first `build`.
     bool build(const std::vector<Point>& points, int n_thread_build);
 
     /// Finds all points closer than `radius` to the point with number `index`, itself included.

@@ -40,7 +40,7 @@ public:
     /// \param other  The counter to copy.
     SlidingEventCounter(const SlidingEventCounter& other);
 
-    /// Copies the window and its counts. If an exception is thrown, this counter is as before.
+    /// Copies the window and its counts. If an exception is thrown, this counter does not change.
     /// \param other  The counter to copy.
     /// \returns this counter.
     SlidingEventCounter& operator=(const SlidingEventCounter& other);

@@ -136,7 +136,7 @@ def test_formats_are_the_same_as_in_the_module():
     assert "{" + str(formats)[1:-1] + "}" in kelvora.read.__doc__
 
 
-def test_methods_are_those_of_the_module():
+def test_methods_are_the_same_as_in_the_module():
     (row,) = [row for row in _kelvora.parameters() if row["name"] == "method"]
     assert "_Method = Literal" + str(row["words"]).replace("'", '"') in STUB_TEXT
 

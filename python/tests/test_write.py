@@ -260,7 +260,7 @@ def test_standard_output_that_cannot_be_written_is_an_error(redirection, problem
     assert problem in result.stderr
 
 
-def test_the_tool_reads_what_was_written(tmp_path, scene):
+def test_the_tool_reads_written_recordings(tmp_path, scene):
     kelvora.write(tmp_path / "a.raw", scene, sensor=SIZE)
     result = subprocess.run(
         [TOOL, "info", tmp_path / "a.raw"], capture_output=True, text=True, check=True

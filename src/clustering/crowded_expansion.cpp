@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint32_t kNever = std::numeric_limits<std::uint32_t>::max();
 
-/// The square of the largest distance at which all points are found, whatever the rounding in the
+/// The square of the largest distance at which all points are found, with any rounding in the
 /// walk. Each level of the tree adds and subtracts one square, of at most the squared radius.
 /// Without the full precision of the type, there is no such distance.
 template <typename T>
@@ -205,8 +205,8 @@ std::uint32_t CrowdedExpansion<DIM, T>::firstUnvisitedOfLeaf(std::uint32_t leaf,
 }
 
 /// Pushes the neighbours of a visited point that are still unvisited. They are in the order in
-/// which `std::partition` would have put them when the point was visited; those of the first point
-/// of a cluster are in the order of the walk. This order decides the order of the
+/// which `std::partition` would have put them when the point was visited; the neighbours of the first
+/// point of a cluster are in the order of the walk. This order decides the order of the
 /// cluster's members.
 template <int DIM, typename T>
 void CrowdedExpansion<DIM, T>::pushRest(std::uint32_t slot, bool is_seed, Walk& walk) {

@@ -14,8 +14,8 @@ namespace kelvora {
 /// `OrderedExpansion`.
 constexpr std::size_t kManyNeighbours = 300;
 
-/// Returns whether points have many neighbours on average. Counts those of a few points all over
-/// the tree, in less than a hundredth of the time of clustering.
+/// Returns whether points have many neighbours on average. Counts the neighbours of a few points all
+/// over the tree, in less than a hundredth of the time of clustering.
 template <int DIM, typename T>
 bool isCrowded(const FlatTree<DIM, T>& tree, T radius) {
     constexpr std::size_t kPointsPerSample = 512;

@@ -19,7 +19,7 @@ SlidingEventCounter counterOf(std::size_t window, unsigned events) {
     return counter;
 }
 
-TEST(SlidingEventCounterWithoutMemory, IsAsBeforeIfItCannotBeAssigned) {
+TEST(SlidingEventCounterWithoutMemory, IsUnchangedIfItCannotBeAssigned) {
     const SlidingEventCounter small = counterOf(3, 1);
     const SlidingEventCounter large = counterOf(1000, 7);
     const std::size_t failures = failEachAllocation(

@@ -47,7 +47,7 @@ Clusters clustersOfStep(int step) {
     return clusters;
 }
 
-TEST(ClusterTrackerWithoutMemory, IsAsBeforeWhereverAnUpdateFails) {
+TEST(ClusterTrackerWithoutMemory, IsUnchangedIfAnUpdateFailsAnywhere) {
     ClusterTracker tracker;
     std::size_t failures = 0;
     for (int step = 0; step < 16; ++step) {

@@ -89,7 +89,7 @@ struct LargeCallback {
     void operator()(ClusterGeometry&, ClusterGeometry&, int) const { ++*calls; }
 };
 
-TEST_F(MatcherThatFails, IsAsBeforeIfItCannotBeAssignedOrGetANewCallback) {
+TEST_F(MatcherThatFails, IsUnchangedIfItCannotBeAssignedOrGetANewCallback) {
     int calls = 0;
     int other_calls = 0;
     DistanceBasedClusterMatcher other(500.0F, 5.0F);

@@ -15,7 +15,7 @@ namespace kelvora::tool {
 
 namespace {
 
-/// A file, and what tells it apart from others.
+/// A file with its name and identity.
 struct KnownFile {
     std::string name;
     recording::FileTarget target;

@@ -104,7 +104,7 @@ int InfoCommand::run() const {
     } catch (const recording::RecordingError&) {
         defect = std::current_exception();
     } catch (const Interrupted&) {
-        // Summarise what has arrived.
+        // Summarise the events that have arrived.
     }
     progress.clear();
     print((as_json ? jsonOf : tableOf)(*reader, statistics));

@@ -28,7 +28,7 @@ recording::SensorSize requireSensorSize(const recording::EventReader& reader,
 
 /// Reads more of a recording. A signal that arrives during a wait for it ends the recording.
 ///
-/// \returns what `WindowReader::read` returns.
+/// \returns the result of `WindowReader::read`.
 bool readUnlessInterrupted(WindowReader& reader);
 
 }  // namespace kelvora::tool

@@ -9,8 +9,8 @@
 
 namespace kelvora::recording {
 
-/// Tells files apart, whatever their names are: hard links to a file are equal, and so are two
-/// paths to a file that does not exist yet.
+/// Distinguishes files independently of their names: hard links to a file are equal, and so are
+/// two paths to a file that does not exist yet.
 class FileIdentity {
 public:
     explicit FileIdentity(const FileTarget& target);
@@ -24,7 +24,7 @@ private:
     dev_t device = 0;
     ino_t number = 0;
     mode_t mode = 0;
-    std::filesystem::path missing;  ///< What does not exist yet in the directory of this number.
+    std::filesystem::path missing;  ///< Relative to the directory `number`, if not empty.
 };
 
 }  // namespace kelvora::recording

@@ -172,7 +172,7 @@ void OutputFile::keep() noexcept {
             ::close(descriptor);
         }
     } catch (...) {
-        // What cannot be renamed or removed stays under its unfinished name.
+        // A file that cannot be renamed or removed keeps its unfinished name.
         static_cast<void>(std::current_exception());
     }
     pending.reset();

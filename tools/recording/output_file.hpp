@@ -51,7 +51,7 @@ private:
 
     std::string file_name;
     WriteOptions options;
-    std::optional<PendingFile> pending;  ///< Empty for what is written directly.
+    std::optional<PendingFile> pending;  ///< Empty if the output is written directly.
     int descriptor = -1;
     bool has_content = false;
     bool is_damaged = false;  ///< Whether something could not be written.

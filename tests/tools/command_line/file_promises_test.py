@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What the program promises about files: nothing is lost, and no failure is hidden."""
+"""Promises of the program about files: nothing is lost, and no failure is hidden."""
 
 import atexit
 import os
@@ -129,7 +129,7 @@ def add_test(group: type, name: str, check: Callable[..., None], *arguments: obj
     setattr(group, method, lambda self: check(self, *arguments))
 
 
-# Ways to name a file: each makes what it needs and returns the path.
+# Ways to name a file. Each prepares the directory and returns the path.
 def hard_link(test: FileTest, file: str, ending: str) -> str:
     """Another name of the same file."""
     os.link(test.directory / file, test.directory / f"hard{ending}")
@@ -167,7 +167,7 @@ WAYS: dict[str, Callable[[FileTest, str, str], str]] = {
 
 
 class AnOutputThatIsAnInput(FileTest):
-    """Is refused, whatever its path looks like."""
+    """Is refused under any path."""
 
     def check_way(self, output: Output, name: str, file: str, way: str) -> None:
         """An output names an input in some way."""
@@ -409,7 +409,7 @@ class AFailedOutput(FileTest):
         self.assertEqual(rows[: len(rows) // 2], whole.splitlines()[: len(rows) // 2])
 
     def test_a_partial_file_is_never_overwritten(self) -> None:
-        """What an earlier run has kept remains."""
+        """The partial file of an earlier run remains."""
         for _ in range(2):
             self.run_with_limit("cluster -q scene.raw -o a.csv", 100)
         self.write("damaged.bin", self.content("scene.bin")[:-5])
@@ -595,7 +595,7 @@ class ASignal(FileTest):
         sent = 0
         while sent < len(content):
             sent += os.write(self.pipe, content[sent : sent + 4096])
-        # What was read woke the program: if it waits again, it waits for more.
+        # The program has read everything: if it waits again, it waits for more.
         wait_until(lambda: unread_bytes(self.pipe) == 0 and is_waiting(process))
         return process
 

@@ -10,7 +10,7 @@
 namespace kelvora::tool {
 namespace {
 
-/// What a signal leads to, as exit status of a process. Each test has one, because signals last.
+/// The result of a signal as exit status of a process. Each test has one, because signals last.
 int outcomeOf(int signal) {
     catchSignals();
     static_cast<void>(std::raise(signal));

@@ -13,7 +13,7 @@ namespace {
 
 class ReportFilesTest : public testing::Test {
 protected:
-    /// Writes a report and returns what it prints.
+    /// Writes a report and returns the printed text.
     std::string output(const std::filesystem::path& json, bool is_complete = true) const {
         testing::internal::CaptureStdout();
         {

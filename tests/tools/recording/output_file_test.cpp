@@ -63,7 +63,7 @@ TEST_F(OutputFileTest, ReplacesAFileAtTheEnd) {
     EXPECT_NO_THROW(file.close());
 }
 
-TEST_F(OutputFileTest, KeepsWhatWasWrittenBeforeAFailureAsPartial) {
+TEST_F(OutputFileTest, KeepsTheContentBeforeAFailureAsPartial) {
     {
         OutputFile file(path, options);
         file.writeHeader("head ");
