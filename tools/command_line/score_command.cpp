@@ -23,6 +23,10 @@ namespace kelvora::tool {
 
 namespace {
 
+constexpr std::uint64_t kMegabyte = 1'000'000;
+constexpr std::uint64_t kMostMegabytes = 1'000'000'000;
+constexpr std::uint64_t kMemoryPerPair = 64;  // of the lists of pairs and two matrices, in bytes
+
 /// The results shown to the user.
 struct Score {
     scoring::ScoreFigures figures;
@@ -152,6 +156,15 @@ ScoreCommand::ScoreCommand(CLI::App& program)
     command->add_flag("--include-still", options.include_still, "Include objects that do not move");
     command->add_flag("--tentative", with_tentative,
                       "Include tentative tracks, which are not confirmed yet");
+    command
+        ->add_option_function<std::uint64_t>(
+            "--max-memory",
+            [this](std::uint64_t megabytes) {
+                options.most_pairs = megabytes * kMegabyte / kMemoryPerPair;
+            },
+            "Memory for objects and clusters that overlap at the same time")
+        ->check(CLI::Range(std::uint64_t{1}, kMostMegabytes).description(""))
+        ->option_text("MB [32]");
     declareOptions(*command, report_options);
     command->parse_complete_callback([this] {
         if (!(options.min_iou > 0.0)) {
@@ -181,7 +194,7 @@ int ScoreCommand::run() const {
     score_options.has_tracks = table.has_tracks;
     scoring::TrackingScore tracking(score_options);
     for (const scoring::Frame& frame : sequence.frames) {
-        tracking.add(frame);
+        add(frame, tracking);
     }
     const Score score = {tracking.figures(), options,         sequence.truth_interval_us,
                          table.tentative,    table.untracked, sequence.clusters_outside};
@@ -189,6 +202,19 @@ int ScoreCommand::run() const {
     report.write(tableOf(score), toJson(score));
     report.close();
     return exitStatus();
+}
+
+/// \throws recording::RecordingError  if too many boxes overlap.
+void ScoreCommand::add(const scoring::Frame& frame, scoring::TrackingScore& tracking) const {
+    try {
+        tracking.add(frame);
+    } catch (const scoring::TooManyOverlaps&) {
+        throw recording::RecordingError(
+            recording::ErrorKind::NotSuitable, clusters.string(),
+            "has too many boxes that overlap with objects and each other",
+            {recording::ErrorPlace::Unit::EventAt, frame.clusters.front().timestamp_us},
+            {"check the file, or allow more memory with {}", recording::Setting::MaxMemory});
+    }
 }
 
 }  // namespace kelvora::tool

@@ -24,6 +24,8 @@ public:
     int run() const;
 
 private:
+    void add(const scoring::Frame& frame, scoring::TrackingScore& tracking) const;
+
     CLI::App* command;
     std::filesystem::path truth;
     std::filesystem::path clusters;

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <unordered_set>
 #include <utility>
 
 #include "kelvora/recording/recording_error.hpp"
@@ -38,7 +39,11 @@ void split(std::string_view line, std::vector<std::string>& fields) {
     }
 }
 
-std::string textOf(const nlohmann::ordered_json& value) {
+/// Lists and objects are not written out: they may be nested deeper than the stack.
+std::string textOf(const nlohmann::json& value) {
+    if (value.is_structured()) {
+        return value.is_array() ? "[...]" : "{...}";
+    }
     return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
@@ -168,9 +173,10 @@ void TableReader::requireColumns(const std::vector<std::string>& required) const
                            : "name the columns in the first line, with commas in between");
         }
     }
-    for (auto name = names.begin(); name != names.end(); ++name) {
-        if (std::find(names.begin(), name, *name) != name) {
-            refuse("has two columns " + recording::inQuotes(*name), "rename one of them");
+    std::unordered_set<std::string_view> seen;
+    for (const std::string& name : names) {
+        if (!seen.insert(name).second) {
+            refuse("has two columns " + recording::inQuotes(name), "rename one of them");
         }
     }
 }
@@ -184,7 +190,7 @@ void TableReader::readCsvRow() {
 }
 
 void TableReader::readJsonRow() {
-    const auto row = nlohmann::ordered_json::parse(line, nullptr, false);
+    const auto row = nlohmann::json::parse(line, nullptr, false);
     if (!row.is_object()) {
         refuse("has a line that is not a JSON object", "give one object per line");
     }

@@ -14,7 +14,7 @@ void TrackingScore::add(const Frame& frame) {
     for (std::size_t i = 0; i < frame.truth.size(); ++i) {
         (counts(frame.truth[i]) ? counted : ignored).push_back(i);
     }
-    FrameMatcher matcher(frame, options.min_iou);
+    FrameMatcher matcher(frame, options.min_iou, options.most_pairs);
     keepMatches(frame, counted, matcher);
     matcher.matchAll(counted);
     countMatches(frame, counted, matcher.matches());

@@ -17,6 +17,8 @@ struct ScoreOptions {
     double min_visibility = 0.0;  ///< Less visible objects are ignored.
     bool include_still = false;   ///< Whether still objects count, too.
     bool has_tracks = false;      ///< Whether clusters belong to tracks.
+    /// Most pairs of an object and a cluster to compare at the same time.
+    std::size_t most_pairs = FrameMatcher::kMostPairs;
 };
 
 /// Compares clusters with the truth, frame by frame, according to K. Bernardin, R. Stiefelhagen:
@@ -37,6 +39,8 @@ public:
 
     /// Adds a frame. Frames must be in time order, with each object and track at most once per
     /// frame.
+    ///
+    /// \throws TooManyOverlaps  if a frame has too many pairs.
     void add(const Frame& frame);
 
     /// The score of all frames so far.

@@ -80,5 +80,43 @@ TEST(FrameMatcher, LeavesFreeClustersToOtherObjects) {
     EXPECT_EQ(matcher.matches()[1].object, 2U);
 }
 
+TEST(FrameMatcher, RefusesMorePairsThanItMayCompare) {
+    const std::vector<double> same_place(10, 0.0);
+    const Frame frame = frameOf(same_place, same_place);
+    const std::vector<std::size_t> all = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+    FrameMatcher sufficient(frame, 0.5, 100);
+    EXPECT_NO_THROW(sufficient.matchAll(all));
+    EXPECT_EQ(sufficient.matches().size(), 10U);
+    FrameMatcher insufficient(frame, 0.5, 99);
+    EXPECT_THROW(insufficient.matchAll(all), TooManyOverlaps);
+}
+
+// Few pairs overlap, but a matrix of the whole chain would be large.
+TEST(FrameMatcher, RefusesAChainThatIsTooLongForAMatrix) {
+    std::vector<double> chain;
+    std::vector<std::size_t> all;
+    for (std::size_t i = 0; i < 1000; ++i) {
+        chain.push_back(static_cast<double>(i) * 3);
+        all.push_back(i);
+    }
+    const Frame frame = frameOf(chain, chain);
+    FrameMatcher matcher(frame, 0.3);
+    EXPECT_THROW(matcher.matchAll(all), TooManyOverlaps);
+}
+
+TEST(FrameMatcher, MatchesAnyNumberOfBoxesThatLieApart) {
+    std::vector<double> apart;
+    std::vector<std::size_t> all;
+    for (std::size_t i = 0; i < 20'000; ++i) {
+        apart.push_back(static_cast<double>(i) * 20);
+        all.push_back(i);
+    }
+    const Frame frame = frameOf(apart, apart);
+    FrameMatcher matcher(frame, 0.5);
+    matcher.matchWithTrack(7, 8);
+    matcher.matchAll(all);
+    EXPECT_EQ(matcher.matches().size(), 20'000U);
+}
+
 }  // namespace
 }  // namespace kelvora::scoring
