@@ -101,14 +101,16 @@ recording::SensorSize requireSensor(const recording::EventReader& reader,
 Found findClusters(const Task& task) {
     auto source = recording::openRecording(task.path, task.read);
     const recording::SensorSize sensor = requireSensor(*source, task.path);
-    tool::WindowReader reader(std::move(source), sensor, task.settings.windows);
+    const tool::InputBounds bounds(task.path, task.settings);
+    bounds.checkSensor(sensor, source->fileSize());
+    tool::WindowReader reader(std::move(source), sensor, task.settings.windows, bounds);
     tool::Session session(task.settings, sensor);
     Found found;
     bool has_more = true;
     while (has_more) {
         has_more = reader.read();
         recording::Window window;
-        while (reader.slicer().next(window)) {
+        while (reader.next(window)) {
             const auto rows = tool::rowsOf(session.cluster(window));
             found.rows.insert(found.rows.end(), rows.begin(), rows.end());
         }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
+#include <optional>
 
 #include "command_line/file_check.hpp"
 #include "command_line/interrupt.hpp"
@@ -16,7 +17,9 @@
 #include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/recording_error.hpp"
 #include "recording/window_slicer.hpp"
+#include "sessions/input_bounds.hpp"
 #include "sessions/methods.hpp"
+#include "sessions/session.hpp"
 #include "sessions/window_reader.hpp"
 
 namespace kelvora::tool {
@@ -73,9 +76,9 @@ class PassTimer {
 public:
     PassTimer(Session* session_, PassFigures& figures_) : session(session_), figures(figures_) {}
 
-    void take(recording::WindowSlicer& slicer) {
+    void take(WindowReader& reader) {
         recording::Window window;
-        while (!isInterrupted() && slicer.next(window)) {
+        while (!isInterrupted() && reader.next(window)) {
             takeWindow(window);
         }
     }
@@ -120,7 +123,8 @@ void BenchCommand::declareOptions() {
         ->delimiter(',')
         ->check(CLI::IsMember(timedMethods()).description(""))
         ->option_text("LIST [grid,density2d,density3d,centroid2d]");
-    for (const char* const keyword : {"window_us", "from_us", "to_us"}) {
+    for (const char* const keyword :
+         {"window_us", "from_us", "to_us", "max_window_events", "max_memory"}) {
         declareParameter(*command, builder, *findParameter(keyword));
     }
     tool::declareOptions(*command, report_options);
@@ -192,32 +196,37 @@ BenchReport BenchCommand::measure(std::exception_ptr& defect) const {
         report.window = builder.settings.windows.window;
     }
     const auto start = Clock::now();
-    report.reading = pass("(reading)", nullptr, defect);
+    report.reading = pass("(reading)", builder.settings, false, defect);
     report.reading.seconds = std::chrono::duration<double>(Clock::now() - start).count();
     for (const std::string& name : methods) {
         if (!isInterrupted()) {
-            Session session(settingsOf(name), report.sensor);
-            report.methods.push_back(pass(name, &session, defect));
+            report.methods.push_back(pass(name, settingsOf(name), true, defect));
         }
     }
     return report;
 }
 
-/// Reads the recording and clusters each of its windows. Without a session, only reads it.
-PassFigures BenchCommand::pass(const std::string& name, Session* session,
+/// Reads the recording, and clusters each of its windows if wanted.
+PassFigures BenchCommand::pass(const std::string& name, const Settings& settings, bool clusters,
                                std::exception_ptr& defect) const {
     PassFigures figures;
     figures.name = name;
     const bool is_peak_its_own = resetPeakMemory();
     auto source = recording::openRecording(recording.path, recording.read);
     const recording::SensorSize sensor = requireSensorSize(*source, recording);
-    WindowReader reader(std::move(source), sensor, builder.settings.windows);
-    PassTimer timer(session, figures);
+    const InputBounds bounds(recording.path, settings);
+    std::optional<Session> session;
+    if (clusters) {
+        bounds.checkSensor(sensor, source->fileSize());
+        session.emplace(settings, sensor);
+    }
+    WindowReader reader(std::move(source), sensor, settings.windows, bounds);
+    PassTimer timer(session ? &*session : nullptr, figures);
     ProgressLine progress(recording.path.string() + ", " + name, true);
     bool has_more = true;
     while (has_more && !isInterrupted()) {
         has_more = readUnlessInterrupted(reader);
-        timer.take(reader.slicer());
+        timer.take(reader);
         progress.update(reader.source().bytesRead(), reader.source().fileSize());
     }
     defect = reader.defect() ? reader.defect() : defect;

@@ -36,7 +36,8 @@ private:
     void declareOptions();
     void checkOptions() const;
     BenchReport measure(std::exception_ptr& defect) const;
-    PassFigures pass(const std::string& name, Session* session, std::exception_ptr& defect) const;
+    PassFigures pass(const std::string& name, const Settings& settings, bool clusters,
+                     std::exception_ptr& defect) const;
     Settings settingsOf(const std::string& name) const;
 
     CLI::App* command;

@@ -57,7 +57,9 @@ int ClusterCommand::run() const {
     const Settings& settings = builder.settings;
     auto source = recording::openRecording(recording.path, recording.read);
     const recording::SensorSize sensor = requireSensorSize(*source, recording);
-    WindowReader reader(std::move(source), sensor, settings.windows);
+    const InputBounds bounds(recording.path, settings);
+    bounds.checkSensor(sensor, source->fileSize());
+    WindowReader reader(std::move(source), sensor, settings.windows, bounds);
     Session session(settings, sensor);
     ResultFiles files(output, settings.track.is_wanted, sensor);
     ProgressLine progress(recording.path.string(), !is_quiet);
@@ -66,7 +68,7 @@ int ClusterCommand::run() const {
     while (has_more && !isInterrupted()) {
         has_more = readUnlessInterrupted(reader);
         recording::Window window;
-        while (!isInterrupted() && reader.slicer().next(window)) {
+        while (!isInterrupted() && reader.next(window)) {
             files.write(window, session.cluster(window));
         }
         progress.update(reader.source().bytesRead(), reader.source().fileSize());

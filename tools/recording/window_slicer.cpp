@@ -18,6 +18,11 @@ void WindowSlicer::add(const std::vector<Event2D>& events) {
     pending.insert(pending.end(), events.begin(), events.end());
 }
 
+void WindowSlicer::clear() {
+    pending = {};
+    taken = 0;
+}
+
 bool WindowSlicer::next(Window& window) {
     if (taken == pending.size()) {
         return false;

@@ -54,6 +54,15 @@ public:
     /// \return False if there is none yet; `window` is then unchanged.
     bool next(Window& window);
 
+    /// Number of events that were not returned in windows yet.
+    std::size_t waiting() const { return pending.size() - taken; }
+
+    /// Start of the window of the first of these events. There must be one.
+    std::uint64_t startOfWaiting() const { return pending[taken].timestamp / length * length; }
+
+    /// Drops these events. Invalidates the windows returned before.
+    void clear();
+
 private:
     std::uint64_t length;
     bool is_finished = false;

@@ -25,6 +25,7 @@ constexpr Range kEvents{0, std::numeric_limits<unsigned short>::max(), false};
 constexpr Range kDim{2, 3, false};
 constexpr Range kJobs{-1, 255, false};
 // The clustering's constructor allocates a count per cluster.
+constexpr Range kMegabytes{1, 1e9, false};
 constexpr Range kClusters{1, 1'000'000, false};
 
 const std::vector<std::string> kPolarities = {"all", "on", "off", "separate"};
@@ -52,6 +53,13 @@ const std::vector<Parameter> kTable = {
     {Group::General, "polarity", "--polarity", "", kAny,
      "Events to cluster; 'separate' uses all, but requires both polarities in a cell",
      [](Settings& all) -> Field { return &all.windows.polarity; }},
+    {Group::General, "max_window_events", "--max-window-events", "EVENTS", kAtLeastOne,
+     "Refuse a recording with more events in a window [as many as fit into --max-memory]",
+     [](Settings& all) -> Field { return &all.windows.max_window_events; }},
+    {Group::General, "max_memory", "--max-memory", "MB", kMegabytes,
+     "Memory for the counts of the grid and the events of a window [32, and 32 bytes per byte of "
+     "the recording]",
+     [](Settings& all) -> Field { return &all.windows.max_memory; }},
     {Group::General, "method", "--method", "", kAny,
      "Clustering method",
      [](Settings& all) -> Field { return &all.method; }},

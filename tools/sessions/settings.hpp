@@ -24,6 +24,8 @@ struct WindowSettings {
     Duration from;
     std::optional<Duration> to;  ///< If absent, the end of the recording.
     Polarity polarity = Polarity::All;
+    unsigned long long max_window_events = 0;  ///< If 0, as many as fit into the memory.
+    unsigned long long max_memory = 0;         ///< Megabytes. If 0, see `InputBounds`.
 };
 
 /// Parameters of the grid method.

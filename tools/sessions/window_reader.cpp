@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sessions/window_reader.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "kelvora/recording/recording_error.hpp"
@@ -8,27 +9,59 @@
 namespace kelvora::tool {
 
 WindowReader::WindowReader(std::unique_ptr<recording::EventReader> reader_,
-                           recording::SensorSize sensor, const WindowSettings& options)
+                           recording::SensorSize sensor, const WindowSettings& options,
+                           InputBounds bounds_)
     : reader(std::move(reader_)),
       cleaner(sensor),
       range(options.from, options.to),
       polarity(options.polarity),
-      window_slicer(options.window.microseconds) {}
+      slicer(options.window.microseconds),
+      bounds(std::move(bounds_)) {}
 
 bool WindowReader::read() {
+    if (slicer.waiting() > mostEvents()) {
+        endAtFullWindow(slicer.startOfWaiting());
+    }
     try {
-        if (!range.isOver() && reader->read(events)) {
+        if (!reading_defect && !range.isOver() && reader->read(events)) {
             cleaner.clean(events);
             range.keepInside(events);
             keepPolarity(events, polarity);
-            window_slicer.add(events);
+            slicer.add(events);
             return true;
         }
     } catch (const recording::RecordingError&) {
         reading_defect = std::current_exception();
     }
-    window_slicer.finish();
+    slicer.finish();
     return false;
+}
+
+bool WindowReader::next(recording::Window& window) {
+    recording::Window complete;
+    if (!slicer.next(complete)) {
+        return false;
+    }
+    if (complete.size() > mostEvents()) {
+        endAtFullWindow(complete.start_time);
+        return false;
+    }
+    window = complete;
+    return true;
+}
+
+std::uint64_t WindowReader::mostEvents() const {
+    return bounds.windowEvents(std::max(reader->fileSize(), reader->bytesRead()));
+}
+
+/// Treats a window with too many events as a defect: it is not returned, nor any later one.
+void WindowReader::endAtFullWindow(std::uint64_t start_time) {
+    slicer.clear();
+    try {
+        bounds.refuseWindow(mostEvents(), start_time);
+    } catch (const recording::RecordingError&) {
+        reading_defect = std::current_exception();
+    }
 }
 
 std::string WindowReader::remark() const {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <string>
@@ -11,6 +12,7 @@
 #include "kelvora/recording/sensor_size.hpp"
 #include "recording/event_cleaner.hpp"
 #include "recording/window_slicer.hpp"
+#include "sessions/input_bounds.hpp"
 #include "sessions/polarity.hpp"
 #include "sessions/settings.hpp"
 #include "sessions/time_range.hpp"
@@ -22,22 +24,26 @@ namespace kelvora::tool {
 ///     bool has_more = true;
 ///     while (has_more) {
 ///         has_more = reader.read();
-///         while (reader.slicer().next(window)) { ... }
+///         while (reader.next(window)) { ... }
 ///     }
+///
+/// A window with more events than `InputBounds` allows counts as a defect of the recording.
 class WindowReader {
 public:
     /// \param sensor  Size of the recording's sensor.
     WindowReader(std::unique_ptr<recording::EventReader> reader_, recording::SensorSize sensor,
-                 const WindowSettings& options);
+                 const WindowSettings& options, InputBounds bounds_);
 
-    /// Passes the next chunk of the recording to the slicer.
+    /// Reads the next chunk of the recording. Call `next` until it returns false before.
     ///
     /// \return False at the end of the recording or of the selected range, and at a defect. The
     ///     last window is then complete.
     bool read();
 
-    /// Provides the complete windows.
-    recording::WindowSlicer& slicer() { return window_slicer; }
+    /// Returns the next complete window, which is valid until the next `read`.
+    ///
+    /// \return False if there is none yet; `window` is then unchanged.
+    bool next(recording::Window& window);
 
     /// The `RecordingError` that ended reading, if any. The events before it are valid: report it
     /// after their results.
@@ -50,11 +56,15 @@ public:
     const recording::EventCleaner& eventCleaner() const { return cleaner; }
 
 private:
+    std::uint64_t mostEvents() const;
+    void endAtFullWindow(std::uint64_t start_time);
+
     std::unique_ptr<recording::EventReader> reader;
     recording::EventCleaner cleaner;
     TimeRange range;
     Polarity polarity;
-    recording::WindowSlicer window_slicer;
+    recording::WindowSlicer slicer;
+    InputBounds bounds;
     std::vector<Event2D> events;
     std::exception_ptr reading_defect;
 };

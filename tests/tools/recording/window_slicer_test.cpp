@@ -37,6 +37,26 @@ std::vector<std::string> windowsOf(WindowSlicer& slicer) {
     return windows;
 }
 
+TEST(WindowSlicer, CountsWhatIsNotInACompleteWindowYet) {
+    WindowSlicer slicer(10);
+    slicer.add(eventsAt({1, 2, 13, 14, 15}));
+    EXPECT_EQ(slicer.waiting(), 5U);
+    EXPECT_EQ(slicer.startOfWaiting(), 0U);
+    windowsOf(slicer);
+    EXPECT_EQ(slicer.waiting(), 3U);
+    EXPECT_EQ(slicer.startOfWaiting(), 10U);
+}
+
+TEST(WindowSlicer, ForgetsWhatIsCleared) {
+    WindowSlicer slicer(10);
+    slicer.add(eventsAt({1, 12, 13}));
+    slicer.clear();
+    EXPECT_EQ(slicer.waiting(), 0U);
+    slicer.add(eventsAt({14, 25}));
+    slicer.finish();
+    EXPECT_THAT(windowsOf(slicer), ElementsAre("[10, 20): 14", "[20, 30): 25"));
+}
+
 TEST(WindowSlicer, CutsAtMultiplesOfTheLength) {
     WindowSlicer slicer(10);
     slicer.add(eventsAt({3, 9, 10, 19, 20}));

@@ -21,7 +21,12 @@ using Window = std::pair<std::uint64_t, std::vector<int>>;
 class WindowReaderTest : public testing::Test {
 protected:
     WindowReader readerOf(const std::string& text) const {
-        return {recording::openRecording(directory.file("events.txt", text)), {100, 100}, options};
+        Settings settings;
+        settings.windows = options;
+        return {recording::openRecording(directory.file("events.txt", text)),
+                {100, 100},
+                options,
+                InputBounds("events.txt", settings)};
     }
 
     static std::vector<Window> windowsOf(WindowReader& reader) {
@@ -30,7 +35,7 @@ protected:
         while (has_more) {
             has_more = reader.read();
             recording::Window window;
-            while (reader.slicer().next(window)) {
+            while (reader.next(window)) {
                 Window& found = windows.emplace_back(window.start_time, std::vector<int>());
                 for (const Event2D& event : window) {
                     found.second.push_back(event.x);
@@ -108,6 +113,39 @@ TEST_F(WindowReaderTest, GivesAllBeforeADefectAndThenTheDefect) {
     EXPECT_FALSE(reader.read());
     ASSERT_TRUE(reader.defect());
     EXPECT_THROW(std::rethrow_exception(reader.defect()), recording::RecordingError);
+}
+
+std::string messageOf(const std::exception_ptr& defect) {
+    try {
+        std::rethrow_exception(defect);
+    } catch (const recording::RecordingError& error) {
+        return error.what();
+    }
+}
+
+TEST_F(WindowReaderTest, EndsAtAWindowWithTooManyEvents) {
+    options.max_window_events = 2;
+    WindowReader reader =
+        readerOf("5000 1 0 1\n5000 2 0 1\n15000 3 0 1\n15001 4 0 1\n15002 5 0 1\n25000 6 0 1\n");
+    EXPECT_EQ(windowsOf(reader), (std::vector<Window>{{0, {1, 2}}}));
+    ASSERT_TRUE(reader.defect());
+    EXPECT_EQ(messageOf(reader.defect()),
+              "events.txt: has more than 2 events in a window, event at 10000 us, shorten the "
+              "windows, or allow more events with max_window_events");
+    EXPECT_FALSE(reader.read());
+}
+
+// Without reading the rest of the recording.
+TEST_F(WindowReaderTest, EndsWhereTheClockStandsStill) {
+    std::string text = "5000 1 0 1\n";
+    for (int i = 0; i < 100'000; ++i) {
+        text += "15000 2 0 1\n";
+    }
+    options.max_window_events = 20'000;
+    WindowReader reader = readerOf(text);
+    EXPECT_EQ(windowsOf(reader), (std::vector<Window>{{0, {1}}}));
+    EXPECT_TRUE(reader.defect());
+    EXPECT_LT(reader.source().bytesRead(), text.size() / 2);
 }
 
 }  // namespace

@@ -51,7 +51,10 @@ enum class Setting {
     Format,      ///< `ReadOptions::format`.
     SensorSize,  ///< `ReadOptions::sensor_size`.
     Columns,     ///< `TextLayout::columns`.
-    TimeUnit     ///< `TextLayout::time_unit`.
+    TimeUnit,    ///< `TextLayout::time_unit`.
+    // Of programs that work on recordings; never in errors of this library.
+    MaxMemory,       ///< Memory that a recording may take.
+    MaxWindowEvents  ///< Number of events that a window may have.
 };
 
 /// How the user can fix a problem.
