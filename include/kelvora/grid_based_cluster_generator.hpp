@@ -125,7 +125,8 @@ public:
     void processEvents(const Event* events, std::size_t count);
 
     /// Reports the clusters of the events since the previous call, and resets all counts. Takes
-    /// time linear in the number of cells and pixels. Allocates only to enlarge `clusters`, and
+    /// time linear in the number of cells and pixels; of cells alone after a few thousand events
+    /// or fewer in batches. Allocates only to enlarge `clusters`, and
     /// for more regions of active cells than in any call before.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.

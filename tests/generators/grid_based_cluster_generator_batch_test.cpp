@@ -77,6 +77,37 @@ TYPED_TEST(BatchesOfTheGridGenerator, WithoutEventsDoNothing) {
     EXPECT_THAT(generate(generator), IsEmpty());
 }
 
+// After few events, the generator clears only the counts of their pixels.
+TEST(BatchOfTheGridGenerator, LeavesNoCountsBehindAfterFewOrManyEvents) {
+    Random random(11);
+    for (const EventFilterType filter : {POLARITY_FREE, POLARITY_SEPARATE}) {
+        const auto settings = GridSettings().sensor(90, 70).filter(filter).threshold(2);
+        auto one_by_one = settings.build();
+        auto in_batches = settings.build();
+        for (const std::size_t count : {10U, 5000U, 0U, 4096U, 4097U, 100U, 3U, 4000U, 97U, 1U}) {
+            const auto events = randomEvents(random, 90, 70, count);
+            feedOneByOne(one_by_one, events);
+            in_batches.processEvents(events.data(), count / 3);
+            in_batches.processEvents(events.data() + count / 3, count - count / 3);
+            ASSERT_EQ(pixelCounts(in_batches), pixelCounts(one_by_one)) << count;
+            ASSERT_EQ(boxesOf(generate(in_batches)), boxesOf(generate(one_by_one))) << count;
+            ASSERT_EQ(pixelCounts(in_batches), std::vector<unsigned char>(90 * 70)) << count;
+        }
+    }
+}
+
+TEST(BatchOfTheGridGenerator, MayBeMixedWithSingleEvents) {
+    auto settings = GridSettings().threshold(2);
+    auto generator = settings.build();
+    const std::vector<Event2D> batch = {positiveEvent(1, 1)};
+    generator.processEvents(batch.data(), 1);
+    feed(generator, positiveEvent(30, 30));
+    generator.processEvents(batch.data(), 1);
+    EXPECT_EQ(boxesOf(generate(generator)), (std::vector<Box>{{0, 0, 8, 8}}));
+    feed(generator, positiveEvent(30, 30));
+    EXPECT_THAT(generate(generator), IsEmpty());
+}
+
 TEST(BatchOfTheGridGenerator, WrapsTheCountersOfCellsAndSaturatesTheCountersOfPixels) {
     auto generator = GridSettings().threshold(3).build();
     const std::vector<Event2D> events(65535, positiveEvent(5, 6));
