@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <stdexcept>
+#include <type_traits>
 
 #include "events/rejected_polarity.hpp"
 #include "exclusive_use.hpp"
@@ -23,6 +24,12 @@ constexpr bool kIsHardened = true;
 #else
 constexpr bool kIsHardened = false;
 #endif
+
+/// The row or column of a cell. In hardened builds, there is also a number for pixels off the
+/// sensor: checking it takes less time than comparing each event with the size of the sensor.
+using CellNumber = std::conditional_t<kIsHardened, std::uint32_t, std::uint16_t>;
+constexpr std::uint32_t kOffTheSensor = 0x80000000;
+constexpr std::size_t kMostPixels = 65536;  ///< On an axis, as coordinates have 16 bits.
 
 /// With more events since the last reset, clearing all counts is fast compared with counting.
 constexpr std::size_t kFewEvents = 4096;
@@ -108,10 +115,13 @@ std::size_t product(int a, int b) {
 }
 
 /// The cell of each pixel along one axis, so that adding an event needs no division.
-std::vector<std::uint16_t> cellOfPixel(int sensor_size, int cell_size) {
-    std::vector<std::uint16_t> cells(static_cast<std::size_t>(sensor_size));
+std::vector<CellNumber> cellOfPixel(int sensor_size, int cell_size) {
+    std::vector<CellNumber> cells(static_cast<std::size_t>(sensor_size));
     for (int pixel = 0; pixel < sensor_size; ++pixel) {
-        cells[static_cast<std::size_t>(pixel)] = static_cast<std::uint16_t>(pixel / cell_size);
+        cells[static_cast<std::size_t>(pixel)] = static_cast<CellNumber>(pixel / cell_size);
+    }
+    if (kIsHardened) {
+        cells.resize(std::max(cells.size(), kMostPixels), static_cast<CellNumber>(kOffTheSensor));
     }
     return cells;
 }
@@ -121,12 +131,11 @@ std::vector<std::uint16_t> cellOfPixel(int sensor_size, int cell_size) {
 }
 
 /// Throws if an event is off the sensor, in hardened builds.
-template <class Event>
-void requireOnSensor(const Event& event, int sensor_width, int sensor_height) {
-    if constexpr (kIsHardened) {
-        if (event.x >= sensor_width || event.y >= sensor_height) {
-            refuse("GridBasedClusterGenerator: event off the sensor");
-        }
+///
+/// \param row,col  Its cell.
+void requireOnSensor(std::size_t row, std::size_t col) {
+    if (kIsHardened && ((row | col) & kOffTheSensor) != 0) {
+        refuse("GridBasedClusterGenerator: event off the sensor");
     }
 }
 
@@ -186,8 +195,8 @@ private:
     std::vector<std::uint16_t> cell_counts;  ///< One or two counters per cell; they wrap.
     std::vector<std::uint8_t> pixel_counts;  ///< One counter per pixel; they saturate.
     ActiveCells active_cells;
-    std::vector<std::uint16_t> column_to_cell;
-    std::vector<std::uint16_t> row_to_cell;
+    std::vector<CellNumber> column_to_cell;
+    std::vector<CellNumber> row_to_cell;
     IsCellActive is_cell_active;
     AddToCell add_to_cell;
     AddToPixel add_to_pixel;
@@ -259,10 +268,10 @@ void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
     if (polarity == rejected) {
         return;
     }
-    requireOnSensor(event, sensor_width, sensor_height);
     all_are_noted = false;
     const std::size_t row = row_to_cell[event.y];
     const std::size_t col = column_to_cell[event.x];
+    requireOnSensor(row, col);
     // A cell becomes active only when a counter reaches the threshold. This is rare, so the branch
     // is well predicted. A cell that stays active needs no second mark, because marks are cleared
     // only together with the counters.
@@ -335,10 +344,8 @@ template <class Event, bool kIsSeparate, bool kIsPixelOnce>
 const Event* GridBasedClusterGenerator::Impl::countUntilActivation(const Event* event,
                                                                    const Event* end) const {
     const std::uint8_t rejected = rejectedPolarityOf<Event>().load(std::memory_order_relaxed);
-    const int width = sensor_width;
-    const int height = sensor_height;
-    const std::uint16_t* const row_to_cell_of = row_to_cell.data();
-    const std::uint16_t* const column_to_cell_of = column_to_cell.data();
+    const CellNumber* const row_to_cell_of = row_to_cell.data();
+    const CellNumber* const column_to_cell_of = column_to_cell.data();
     AddToCell add_to = add_to_cell;
     add_to.counters.positive_offset = kIsSeparate ? 1 : 0;
     const IsCellActive is_active = {add_to.counters, activation_threshold};
@@ -350,9 +357,9 @@ const Event* GridBasedClusterGenerator::Impl::countUntilActivation(const Event* 
         if (polarity == rejected) {
             continue;
         }
-        requireOnSensor(*event, width, height);
         const std::size_t row = row_to_cell_of[event->y];
         const std::size_t col = column_to_cell_of[event->x];
+        requireOnSensor(row, col);
         if (add_to(row, col, polarity != 0, add_pixel(event->x, event->y)) && is_active(row, col)) {
             break;
         }
