@@ -28,6 +28,8 @@ def cluster_recordings(
     to_us: int | None = None,
     polarity: Literal["all", "on", "off", "separate"] = "all",
     tracking: bool = False,
+    max_window_events: int | None = None,
+    max_memory: int | None = None,
     sensor: tuple[int, int] | None = None,
     input_format: Format | None = None,
     columns: str | None = None,
@@ -60,6 +62,12 @@ def cluster_recordings(
         a cell.
     tracking : bool
         Track objects from window to window, which adds columns and rows.
+    max_window_events : int, optional
+        Refuse a recording with more events in a window. By default, as many are allowed as fit
+        into `max_memory`.
+    max_memory : int, optional
+        Memory for the counts of the grid and the events of a window, megabytes. By default, a
+        recording may take 32, and 32 bytes per byte.
     sensor : tuple of int, optional
         Width and height in pixels, if the recordings do not state them.
     input_format, columns, time_unit : str, optional
@@ -106,6 +114,8 @@ def cluster_recordings(
         to_us=to_us,
         polarity=polarity,
         tracking=tracking,
+        max_window_events=max_window_events,
+        max_memory=max_memory,
         sensor=sensor,
         input_format=input_format,
         columns=columns,
