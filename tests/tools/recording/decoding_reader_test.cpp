@@ -104,7 +104,7 @@ TEST_F(DecodingReaderTest, RefusesAPacketThatNeverEnds) {
             reader.read(events);
             FAIL();
         } catch (const std::exception& error) {
-            EXPECT_THAT(error.what(), HasSubstr("a: holds an item of more than 64 MiB, byte 0"));
+            EXPECT_THAT(error.what(), HasSubstr("a: contains an item of more than 64 MiB, byte 0"));
         }
     }
 }
