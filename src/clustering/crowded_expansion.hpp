@@ -61,8 +61,8 @@ private:
     void expand(std::uint32_t seed, Walk& walk, std::size_t min_pts,
                 std::vector<std::size_t>& members);
     std::size_t unvisitedFound() const;
-    std::uint32_t nextToVisit(std::size_t unvisited_count) const;
-    std::uint32_t firstUnvisited(const Found& part, std::size_t skip) const;
+    std::uint32_t nextToVisit(std::size_t n) const;
+    std::uint32_t firstUnvisited(const Found& some, std::size_t skip) const;
     std::uint32_t firstUnvisitedOfPart(std::uint32_t node, std::size_t skip) const;
     std::uint32_t firstUnvisitedOfLeaf(std::uint32_t leaf, unsigned lanes, std::size_t skip) const;
     void pushRest(std::uint32_t slot, bool is_seed, Walk& walk);
