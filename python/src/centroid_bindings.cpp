@@ -8,6 +8,7 @@
 #include "bindings.hpp"
 #include "cluster_points.hpp"
 #include "clusterer.hpp"
+#include "ownership.hpp"
 #include "settings.hpp"
 
 namespace kelvora::python {
@@ -94,7 +95,8 @@ std::unique_ptr<CentroidClusterer> makeCentroidClusterer(std::int64_t width, std
 void bindCentroidClusterer(py::module_& module) {
     const std::string doc = std::string(kDoc) + kPointParametersDoc + kExamplesDoc;
     py::class_<CentroidClusterer> type(module, "CentroidClusterer", doc.c_str());
-    type.def(py::init(&makeCentroidClusterer), py::arg("width"), py::arg("height"), py::arg("k"));
+    defineConstructor(type, &makeCentroidClusterer, py::arg("width"), py::arg("height"),
+                      py::arg("k"));
     bindClusterer(type);
     type.def(
         "points", [](CentroidClusterer& self) { return clusterPoints(self); }, kPointsDoc);

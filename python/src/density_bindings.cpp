@@ -8,6 +8,7 @@
 #include "bindings.hpp"
 #include "cluster_points.hpp"
 #include "clusterer.hpp"
+#include "ownership.hpp"
 #include "settings.hpp"
 
 namespace kelvora::python {
@@ -70,7 +71,7 @@ std::unique_ptr<DensityClusterer> makeDensityClusterer(std::int64_t width, std::
 void bindDensityClusterer(py::module_& module) {
     const std::string doc = std::string(kDoc) + kPointParametersDoc + kExamplesDoc;
     py::class_<DensityClusterer> type(module, "DensityClusterer", doc.c_str());
-    type.def(py::init(&makeDensityClusterer), py::arg("width"), py::arg("height"));
+    defineConstructor(type, &makeDensityClusterer, py::arg("width"), py::arg("height"));
     bindClusterer(type);
     type.def(
         "points", [](DensityClusterer& self) { return clusterPoints(self); }, kPointsDoc);

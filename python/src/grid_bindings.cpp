@@ -2,8 +2,8 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <opencv2/core/mat.hpp>
 #include <string>
@@ -11,6 +11,7 @@
 
 #include "bindings.hpp"
 #include "clusterer.hpp"
+#include "ownership.hpp"
 #include "sessions/grid_method.hpp"
 #include "settings.hpp"
 
@@ -82,15 +83,18 @@ std::unique_ptr<GridClusterer> makeGridClusterer(std::int64_t width, std::int64_
 }
 
 py::array_t<std::uint8_t> activeMap(GridClusterer& self) {
-    cv::Mat map;
+    cv::Size size;
+    std::vector<std::uint8_t> counts;
     {
         const py::gil_scoped_release release;
-        map = self.read([](tool::Session& session) {
-            return session.methodAs<tool::GridMethod>().activeMap();
+        self.read([&](tool::Session& session) {
+            const cv::Mat map = session.methodAs<tool::GridMethod>().activeMap();
+            size = map.size();
+            counts.assign(map.begin<std::uint8_t>(), map.end<std::uint8_t>());
         });
     }
-    py::array_t<std::uint8_t> array({map.rows, map.cols});
-    std::memcpy(array.mutable_data(), map.data, map.total());
+    py::array_t<std::uint8_t> array({size.height, size.width});
+    std::copy(counts.begin(), counts.end(), array.mutable_data());
     return array;
 }
 
@@ -98,7 +102,7 @@ py::array_t<std::uint8_t> activeMap(GridClusterer& self) {
 
 void bindGridClusterer(py::module_& module) {
     py::class_<GridClusterer> type(module, "GridClusterer", kDoc);
-    type.def(py::init(&makeGridClusterer), py::arg("width"), py::arg("height"));
+    defineConstructor(type, &makeGridClusterer, py::arg("width"), py::arg("height"));
     bindClusterer(type);
     type.def("active_map", &activeMap, kActiveMapDoc);
 }

@@ -22,6 +22,7 @@
 #include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/formats.hpp"
 #include "kelvora/recording/recording_error.hpp"
+#include "ownership.hpp"
 #include "read_options.hpp"
 #include "recording/event_cleaner.hpp"
 #include "settings.hpp"
@@ -125,17 +126,20 @@ private:
     std::size_t taken = 0;  ///< Number of events at the front of `pending` already returned.
 };
 
-std::unique_ptr<RecordingReader> openReader(const std::filesystem::path& path,
-                                            const std::optional<Size>& sensor,
-                                            const std::optional<std::string>& input_format,
-                                            const std::optional<std::string>& columns,
-                                            const std::optional<std::string>& time_unit,
-                                            std::int64_t chunk_events, bool clean) {
+py::object openReader(const std::filesystem::path& path, const std::optional<Size>& sensor,
+                      const std::optional<std::string>& input_format,
+                      const std::optional<std::string>& columns,
+                      const std::optional<std::string>& time_unit, std::int64_t chunk_events,
+                      bool clean) {
     require(chunk_events >= 1, "chunk_events must be at least 1");
     const auto options = toReadOptions(sensor, input_format, columns, time_unit);
-    const py::gil_scoped_release release;
-    return std::make_unique<RecordingReader>(path, options, static_cast<std::size_t>(chunk_events),
-                                             clean);
+    std::unique_ptr<RecordingReader> reader;
+    {
+        const py::gil_scoped_release release;
+        reader = std::make_unique<RecordingReader>(path, options,
+                                                   static_cast<std::size_t>(chunk_events), clean);
+    }
+    return toPython(std::move(reader));
 }
 
 py::array next(RecordingReader& self) {

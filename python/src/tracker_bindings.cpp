@@ -13,6 +13,7 @@
 #include "bindings.hpp"
 #include "cluster_rows.hpp"
 #include "kelvora/cluster_tracker.hpp"
+#include "ownership.hpp"
 
 namespace kelvora::python {
 
@@ -187,17 +188,22 @@ py::array tracks(const Tracker& self) {
     return array;
 }
 
+std::unique_ptr<Tracker> makeTracker(float max_distance, float max_size_change, int max_missed,
+                                     int min_hits) {
+    return std::make_unique<Tracker>(max_distance, max_size_change, max_missed, min_hits);
+}
+
 }  // namespace
 
 void bindTracker(py::module_& module) {
     PYBIND11_NUMPY_DTYPE(TrackRow, id, timestamp, x, y, width, height, vx, vy, cluster, hits,
                          missed, confirmed, hidden);
     py::class_<Tracker> type(module, "Tracker", kDoc);
-    type.def(py::init<float, float, int, int>(), py::kw_only(),
-             py::arg("max_distance") = ClusterTracker::kDefaultMaxDistance,
-             py::arg("max_size_change") = ClusterTracker::kDefaultMaxSizeChange,
-             py::arg("max_missed") = ClusterTracker::kDefaultMaxMissed,
-             py::arg("min_hits") = ClusterTracker::kDefaultMinHits);
+    defineConstructor(type, &makeTracker, py::kw_only(),
+                      py::arg("max_distance") = ClusterTracker::kDefaultMaxDistance,
+                      py::arg("max_size_change") = ClusterTracker::kDefaultMaxSizeChange,
+                      py::arg("max_missed") = ClusterTracker::kDefaultMaxMissed,
+                      py::arg("min_hits") = ClusterTracker::kDefaultMinHits);
     type.def("update", &update, py::arg("clusters"), kUpdateDoc);
     type.def("tracks", &tracks, kTracksDoc);
     type.def("reset", &Tracker::reset, py::call_guard<py::gil_scoped_release>(), kResetDoc);

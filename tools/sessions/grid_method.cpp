@@ -24,7 +24,7 @@ void GridMethod::cluster(const recording::Window& window, WindowClusters& found)
 cv::Mat GridMethod::activeMap() {
     cv::Mat map;
     generator.getActiveMap(map);
-    return map.clone();
+    return map;
 }
 
 std::unique_ptr<ClusteringMethod> makeGridMethod(const Settings& settings,

@@ -20,7 +20,7 @@ public:
 
     bool takeEarly(const recording::Window& events) override;
 
-    /// A copy of the counts since the last window.
+    /// The counts since the last window. Refers to the generator: the next call changes it.
     cv::Mat activeMap();
 
 private:
