@@ -3,6 +3,7 @@
 #include <png.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 #include <exception>
 #include <nanoflann.hpp>
 #include <new>
@@ -51,12 +52,25 @@ void report(const std::string& line) {
                      (kept.empty() ? "" : "; the results until then are in " + kept) + '\n');
 }
 
+bool has_memory_run_out = false;
+
+/// Notes what streams hide: after a failed allocation, they drop text and go on.
+void noteThatMemoryHasRunOut() {
+    has_memory_run_out = true;
+    throw std::bad_alloc();
+}
+
 /// Answers --help and --version, and command lines that cannot be parsed.
 int answer(const CLI::App& program, const CLI::ParseError& error,
            const std::vector<std::string>& arguments) {
     std::ostringstream output;
     std::ostringstream errors;
-    if (program.exit(error, output, errors) == 0) {
+    std::set_new_handler(noteThatMemoryHasRunOut);
+    const int status = program.exit(error, output, errors);
+    if (has_memory_run_out) {
+        throw std::bad_alloc();
+    }
+    if (status == 0) {
         tool::print(output.str());
         return 0;
     }
@@ -120,9 +134,42 @@ int statusOfFailure() {
     return kExitFailure;
 }
 
+void reportNoMemory() {
+    tool::printError("kelvora: ");
+    tool::printError(kNoMemory);
+    tool::printError("\n");
+}
+
+/// Whether the exception that is being handled says that memory has run out.
+bool isMemoryMissing() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+/// Describes the exception and aborts.
+const std::terminate_handler kUsualEnd = std::get_terminate();
+
+/// Ends the program after an exception that nothing catches. Functions of CLI11 and nlohmann-json
+/// that must not throw may lack memory: this is no error of the program. Unfinished files keep
+/// their temporary names then.
+[[noreturn]] void end() {
+    if (std::current_exception() != nullptr && isMemoryMissing()) {
+        reportNoMemory();
+        std::_Exit(kExitFailure);
+    }
+    kUsualEnd();
+    std::abort();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::set_terminate(end);
     tool::occupyStandardStreams();
     tool::catchSignals();
     try {
@@ -136,9 +183,7 @@ int main(int argc, char** argv) {
             return statusOfFailure();
         } catch (...) {
             // There is no memory for the message, either.
-            tool::printError("kelvora: ");
-            tool::printError(kNoMemory);
-            tool::printError("\n");
+            reportNoMemory();
             return kExitFailure;
         }
     }
