@@ -47,7 +47,8 @@ int createUnfinished(const fs::path& target, fs::path& unfinished) {
         if (file >= 0) {
             return file;
         }
-        require(errno == EEXIST);
+        // After a signal, the next number will do, too.
+        require(errno == EEXIST || errno == EINTR);
     }
 }
 
