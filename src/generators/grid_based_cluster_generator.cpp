@@ -5,11 +5,12 @@
 #include <atomic>
 #include <cstdint>
 #include <stdexcept>
-#include <type_traits>
 
 #include "events/rejected_polarity.hpp"
 #include "exclusive_use.hpp"
 #include "generators/active_cells.hpp"
+#include "generators/cell_counters.hpp"
+#include "generators/cell_table.hpp"
 #include "generators/cluster_generator_base.hpp"
 
 namespace kelvora {
@@ -19,18 +20,6 @@ namespace {
 /// No decision yet on the rejected polarity.
 constexpr std::uint8_t kUndecided = 255;
 
-#ifdef KELVORA_HARDENED
-constexpr bool kIsHardened = true;
-#else
-constexpr bool kIsHardened = false;
-#endif
-
-/// The row or column of a cell. In hardened builds, there is also a number for pixels off the
-/// sensor: checking it takes less time than comparing each event with the size of the sensor.
-using CellNumber = std::conditional_t<kIsHardened, std::uint32_t, std::uint16_t>;
-constexpr std::uint32_t kOffTheSensor = 0x80000000;
-constexpr std::size_t kMostPixels = 65536;  ///< On an axis, as coordinates have 16 bits.
-
 /// With more events since the last reset, clearing all counts is fast compared with counting.
 constexpr std::size_t kFewEvents = 4096;
 
@@ -38,105 +27,8 @@ constexpr std::uint8_t kNone = 0;
 constexpr std::uint8_t kOne = 1;
 constexpr std::uint8_t kMost = 255;
 
-/// The counters of cells: one per cell, or one per polarity side by side.
-///
-/// The choice is made once per generator, and stored as an offset. With one counter, the positive
-/// counter is the same as the negative one, at `positive_offset` 0. So counting needs neither an
-/// indirect call nor a branch on the polarity, which is mispredicted half of the time.
-struct CellCounters {
-    std::uint16_t* counts = nullptr;
-    std::size_t cols = 0;
-    std::size_t positive_offset = 0;  ///< 1 if the polarities are counted separately, else 0.
-
-    std::uint16_t* of(std::size_t row, std::size_t col) const {
-        return counts + ((row * cols + col) << positive_offset);
-    }
-};
-
-/// Counts `events` (0 or 1) of one polarity in the cell (row, col).
-struct AddToCell {
-    CellCounters counters;
-    std::uint16_t arrival = 1;  ///< The activation threshold, but at least 1.
-
-    /// Returns whether this event made the counter reach the threshold.
-    bool operator()(std::size_t row, std::size_t col, bool positive, unsigned events) const {
-        std::uint16_t& count =
-            counters.of(row, col)[counters.positive_offset & std::size_t{positive}];
-        const unsigned counted = count + events;
-        count = static_cast<std::uint16_t>(counted);
-        // Without an event all bits of the left side are set, which no threshold equals. Nor does a
-        // threshold equal a counter that has wrapped to 0.
-        return (counted | (events - 1)) == arrival;
-    }
-};
-
-/// Returns whether all counters of the cell (row, col) have reached the threshold.
-struct IsCellActive {
-    CellCounters counters;
-    std::uint16_t activation_threshold = 0;
-
-    bool operator()(std::size_t row, std::size_t col) const {
-        const std::uint16_t* const cell = counters.of(row, col);
-        return cell[0] >= activation_threshold &&
-               cell[counters.positive_offset] >= activation_threshold;
-    }
-};
-
-/// Counts the events of pixels, up to a largest count.
-struct AddToPixel {
-    std::uint8_t* counts = nullptr;
-    std::size_t width = 0;
-    std::uint8_t largest_count = 255;
-    std::uint8_t repeated =
-        1;  ///< 1 if the cell counts all events of a pixel, 0 if only the first.
-
-    /// Returns the number of events that the cell must count: 0 or 1.
-    unsigned operator()(std::size_t x, std::size_t y) const {
-        std::uint8_t& count = counts[y * width + x];
-        // No branches, because it is hard to predict whether a pixel already has events.
-        const unsigned counted = count < largest_count ? 1 : 0;
-        count = static_cast<std::uint8_t>(count + counted);
-        return counted | repeated;
-    }
-};
-
-/// Number of cells of `cell_size` that cover `sensor_size` pixels. Not positive if one of the sizes
-/// is not.
-int cellCount(int sensor_size, int cell_size) {
-    if (cell_size < 1) {
-        return 0;
-    }
-    // In 64 bits, because the sum may exceed an int.
-    return static_cast<int>((std::int64_t{sensor_size} + cell_size - 1) / cell_size);
-}
-
 std::size_t product(int a, int b) {
     return static_cast<std::size_t>(a) * static_cast<std::size_t>(b);
-}
-
-/// The cell of each pixel along one axis, so that adding an event needs no division.
-std::vector<CellNumber> cellOfPixel(int sensor_size, int cell_size) {
-    std::vector<CellNumber> cells(static_cast<std::size_t>(sensor_size));
-    for (int pixel = 0; pixel < sensor_size; ++pixel) {
-        cells[static_cast<std::size_t>(pixel)] = static_cast<CellNumber>(pixel / cell_size);
-    }
-    if (kIsHardened) {
-        cells.resize(std::max(cells.size(), kMostPixels), static_cast<CellNumber>(kOffTheSensor));
-    }
-    return cells;
-}
-
-[[noreturn, gnu::cold]] void refuse(const char* problem) {
-    throw std::invalid_argument(problem);
-}
-
-/// Throws if an event is off the sensor, in hardened builds.
-///
-/// \param row,col  Its cell.
-void requireOnSensor(std::size_t row, std::size_t col) {
-    if (kIsHardened && ((row | col) & kOffTheSensor) != 0) {
-        refuse("GridBasedClusterGenerator: event off the sensor");
-    }
 }
 
 }  // namespace
@@ -444,7 +336,7 @@ GridBasedClusterGenerator::~GridBasedClusterGenerator() = default;
 template <class Event>
 void GridBasedClusterGenerator::processEvent(const Event* event) {
     if (kIsHardened && event == nullptr) {
-        refuse("GridBasedClusterGenerator: null event pointer");
+        refuseEvent("GridBasedClusterGenerator: null event pointer");
     }
     const ExclusiveUse::Scope scope(impl->exclusive_use);
     impl->processEvent(*event);
