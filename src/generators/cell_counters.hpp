@@ -23,6 +23,12 @@ struct CellCounters {
     std::uint16_t* of(std::size_t row, std::size_t col) const {
         return counts + ((row * cols + col) << positive_offset);
     }
+
+    void clear(std::size_t row, std::size_t col) const {
+        std::uint16_t* const cell = of(row, col);
+        cell[0] = 0;
+        cell[positive_offset] = 0;
+    }
 };
 
 /// Counts `events` (0 or 1) of one polarity in the cell (row, col).

@@ -12,6 +12,7 @@
 #include "generators/cell_counters.hpp"
 #include "generators/cell_table.hpp"
 #include "generators/cluster_generator_base.hpp"
+#include "generators/noted_pixels.hpp"
 
 namespace kelvora {
 
@@ -19,9 +20,6 @@ namespace {
 
 /// No decision yet on the rejected polarity.
 constexpr std::uint8_t kUndecided = 255;
-
-/// With more events since the last reset, clearing all counts is fast compared with counting.
-constexpr std::size_t kFewEvents = 4096;
 
 constexpr std::uint8_t kNone = 0;
 constexpr std::uint8_t kOne = 1;
@@ -61,9 +59,6 @@ private:
     template <class Event>
     [[gnu::noinline]] void processFirstEvent(const Event& event);
 
-    template <class Event>
-    void notePixels(const Event* events, std::size_t count);
-
     void clearNotedPixels();
 
     template <class Event, bool kIsSeparate, bool kIsPixelOnce>
@@ -92,9 +87,7 @@ private:
     IsCellActive is_cell_active;
     AddToCell add_to_cell;
     AddToPixel add_to_pixel;
-    /// The pixels of the events since the last reset, while there are few.
-    std::vector<std::uint32_t> noted_pixels;
-    bool all_are_noted = true;
+    NotedPixels noted_pixels;
     std::vector<CellRegion>
         regions;  ///< Used by `generateClusters` only; kept to reuse its memory.
 
@@ -131,7 +124,6 @@ GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int
     active_cells = ActiveCells(cell_rows, cell_cols);
     column_to_cell = cellOfPixel(sensor_width, cell_width);
     row_to_cell = cellOfPixel(sensor_height, cell_height);
-    noted_pixels.reserve(kFewEvents);
 }
 
 /// Deliberately one value per event type for the whole process: see the note in the header.
@@ -160,7 +152,7 @@ void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
     if (polarity == rejected) {
         return;
     }
-    all_are_noted = false;
+    noted_pixels.giveUp();
     const std::size_t row = row_to_cell[event.y];
     const std::size_t col = column_to_cell[event.x];
     requireOnSensor(row, col);
@@ -187,7 +179,7 @@ void GridBasedClusterGenerator::Impl::processEvents(const Event* events, std::si
     if (rejectedPolarityOf<Event>().load(std::memory_order_relaxed) == kUndecided) {
         decideOnRejectedPolarity<Event>();
     }
-    notePixels(events, count);
+    noted_pixels.note(events, count);
     const Event* const end = events + count;
     const bool is_separate = filter_type == POLARITY_SEPARATE;
     if (is_separate && count_pixel_once) {
@@ -198,18 +190,6 @@ void GridBasedClusterGenerator::Impl::processEvents(const Event* events, std::si
         processBatch<Event, false, true>(events, end);
     } else {
         processBatch<Event, false, false>(events, end);
-    }
-}
-
-/// Notes the pixels of a batch for the next reset. An ignored event may be off the sensor.
-template <class Event>
-void GridBasedClusterGenerator::Impl::notePixels(const Event* events, std::size_t count) {
-    all_are_noted = all_are_noted && count <= kFewEvents - noted_pixels.size();
-    for (std::size_t i = 0; all_are_noted && i < count; ++i) {
-        if (events[i].x < sensor_width && events[i].y < sensor_height) {
-            noted_pixels.push_back(events[i].y * static_cast<std::uint32_t>(sensor_width) +
-                                   events[i].x);
-        }
     }
 }
 
@@ -291,26 +271,23 @@ void GridBasedClusterGenerator::Impl::reportRegion(const CellRegion& region, std
 }
 
 void GridBasedClusterGenerator::Impl::reset() {
-    if (all_are_noted) {
+    if (noted_pixels.areAllNoted()) {
         clearNotedPixels();
     } else {
         std::fill(pixel_counts.begin(), pixel_counts.end(), std::uint8_t{0});
         std::fill(cell_counts.begin(), cell_counts.end(), std::uint16_t{0});
     }
-    noted_pixels.clear();
-    all_are_noted = true;
+    noted_pixels.reset();
 }
 
 /// Sets the counts of the noted pixels and of their cells to 0. All others are 0 already.
 void GridBasedClusterGenerator::Impl::clearNotedPixels() {
-    const CellCounters& counters = add_to_cell.counters;
-    const auto width = static_cast<std::uint32_t>(sensor_width);
-    for (const std::uint32_t pixel : noted_pixels) {
-        std::uint16_t* const cell =
-            counters.of(row_to_cell[pixel / width], column_to_cell[pixel % width]);
-        cell[0] = 0;
-        cell[counters.positive_offset] = 0;
-        pixel_counts[pixel] = 0;
+    for (const NotedPixels::Pixel pixel : noted_pixels) {
+        // An event that the filter ignored may be off the sensor.
+        if (pixel.x < sensor_width && pixel.y < sensor_height) {
+            add_to_cell.counters.clear(row_to_cell[pixel.y], column_to_cell[pixel.x]);
+            pixel_counts[pixel.y * static_cast<std::size_t>(sensor_width) + pixel.x] = 0;
+        }
     }
 }
 
