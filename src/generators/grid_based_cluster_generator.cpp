@@ -47,7 +47,7 @@ public:
 
     void reset() override;
 
-    cv::Mat activeMap() { return {sensor_height, sensor_width, CV_8UC1, pixel_counts.data()}; }
+    cv::Mat activeMap();
 
 private:
     template <class Event>
@@ -88,6 +88,7 @@ private:
     AddToCell add_to_cell;
     AddToPixel add_to_pixel;
     NotedPixels noted_pixels;
+    bool is_map_shared = false;  ///< Whether the caller may write to `pixel_counts`.
     std::vector<CellRegion>
         regions;  ///< Used by `generateClusters` only; kept to reuse its memory.
 
@@ -277,7 +278,16 @@ void GridBasedClusterGenerator::Impl::reset() {
         std::fill(pixel_counts.begin(), pixel_counts.end(), std::uint8_t{0});
         std::fill(cell_counts.begin(), cell_counts.end(), std::uint16_t{0});
     }
-    noted_pixels.reset();
+    if (!is_map_shared) {
+        noted_pixels.reset();
+    }
+}
+
+/// From now on, the caller may write any counts to the map, which each reset must clear.
+cv::Mat GridBasedClusterGenerator::Impl::activeMap() {
+    is_map_shared = true;
+    noted_pixels.giveUp();
+    return {sensor_height, sensor_width, CV_8UC1, pixel_counts.data()};
 }
 
 /// Sets the counts of the noted pixels and of their cells to 0. All others are 0 already.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <opencv2/core/mat.hpp>
 #include <vector>
@@ -77,23 +79,37 @@ TYPED_TEST(BatchesOfTheGridGenerator, WithoutEventsDoNothing) {
     EXPECT_THAT(generate(generator), IsEmpty());
 }
 
-// After few events, the generator clears only the counts of their pixels.
+// After few events, the generator clears only the counts of their pixels, unless `getActiveMap` was
+// called before.
 TEST(BatchOfTheGridGenerator, LeavesNoCountsBehindAfterFewOrManyEvents) {
     Random random(11);
     for (const EventFilterType filter : {POLARITY_FREE, POLARITY_SEPARATE}) {
         const auto settings = GridSettings().sensor(90, 70).filter(filter).threshold(2);
-        auto one_by_one = settings.build();
         auto in_batches = settings.build();
         for (const std::size_t count : {10U, 5000U, 0U, 4096U, 4097U, 100U, 3U, 4000U, 97U, 1U}) {
             const auto events = randomEvents(random, 90, 70, count);
+            auto one_by_one = settings.build();
+            auto viewed = settings.build();
             feedOneByOne(one_by_one, events);
-            in_batches.processEvents(events.data(), count / 3);
-            in_batches.processEvents(events.data() + count / 3, count - count / 3);
-            ASSERT_EQ(pixelCounts(in_batches), pixelCounts(one_by_one)) << count;
-            ASSERT_EQ(boxesOf(generate(in_batches)), boxesOf(generate(one_by_one))) << count;
-            ASSERT_EQ(pixelCounts(in_batches), std::vector<unsigned char>(90 * 70)) << count;
+            for (auto* const generator : {&in_batches, &viewed}) {
+                generator->processEvents(events.data(), count / 3);
+                generator->processEvents(events.data() + count / 3, count - count / 3);
+            }
+            const auto boxes = boxesOf(generate(one_by_one));
+            ASSERT_EQ(boxesOf(generate(in_batches)), boxes) << count;
+            ASSERT_EQ(boxesOf(generate(viewed)), boxes) << count;
+            ASSERT_EQ(pixelCounts(viewed), std::vector<unsigned char>(90 * 70)) << count;
         }
     }
+}
+
+TEST(BatchOfTheGridGenerator, MayContainIgnoredEventsOffTheSensor) {
+    auto generator = GridSettings().sensor(10, 8).build();
+    const std::vector<Event2D> events = {eventOfPolarity(65535, 0, 2), positiveEvent(1, 1),
+                                         eventOfPolarity(0, 8, 2), eventOfPolarity(10, 7, 2)};
+    generator.processEvents(events.data(), events.size());
+    EXPECT_EQ(boxesOf(generate(generator)), (std::vector<Box>{{0, 0, 8, 8}}));
+    EXPECT_EQ(pixelCounts(generator), std::vector<unsigned char>(10 * 8));
 }
 
 TEST(BatchOfTheGridGenerator, MayBeMixedWithSingleEvents) {

@@ -239,6 +239,23 @@ TEST(CountingOfTheGridGenerator, ShowsALiveViewOfItsCounters) {
     EXPECT_EQ(countAt(map, 1, 2), 0);
 }
 
+TEST(CountingOfTheGridGenerator, ClearsCountsThatTheCallerWritesToTheView) {
+    auto generator = GridSettings().countPixelOnce().build();
+    const Event2D event = positiveEvent(1, 2);
+    generator.processEvents(&event, 1);
+    cv::Mat map = activeMap(generator);
+    for (int window = 0; window < 3; ++window) {
+        map.setTo(7);
+        generate(generator);
+        EXPECT_EQ(std::count(map.datastart, map.dataend, 0), 40 * 40);
+        map.setTo(7);
+        generator.reset();
+        EXPECT_EQ(std::count(map.datastart, map.dataend, 0), 40 * 40);
+        generator.processEvents(&event, 1);
+    }
+    EXPECT_EQ(generate(generator).size(), 1U);
+}
+
 TEST(CountingOfTheGridGenerator, ReplacesTheMatrixThatItIsGiven) {
     auto generator = GridSettings().sensor(13, 7).build();
     const cv::Mat other = cv::Mat::ones(2, 2, CV_32F);
