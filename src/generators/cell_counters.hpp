@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 /// \file
 /// How the grid generator counts an event: in the counter of its pixel, and in a counter of its
@@ -34,7 +35,7 @@ struct CellCounters {
 /// Counts `events` (0 or 1) of one polarity in the cell (row, col).
 struct AddToCell {
     CellCounters counters;
-    std::uint16_t arrival = 1;  ///< The activation threshold, but at least 1.
+    std::uint32_t arrival = 1;  ///< The activation threshold, but at least 1.
 
     /// Returns whether this event made the counter reach the threshold.
     bool operator()(std::size_t row, std::size_t col, bool positive, unsigned events) const {
@@ -42,8 +43,8 @@ struct AddToCell {
             counters.of(row, col)[counters.positive_offset & std::size_t{positive}];
         const unsigned counted = count + events;
         count = static_cast<std::uint16_t>(counted);
-        // Without an event all bits of the left side are set, which no threshold equals. Nor does a
-        // threshold equal a counter that has wrapped to 0.
+        // Without an event all bits of the left side are set, which no threshold equals (but see
+        // `EventCounting::paused`). Nor does a threshold equal a counter that has wrapped to 0.
         return (counted | (events - 1)) == arrival;
     }
 };
@@ -51,7 +52,7 @@ struct AddToCell {
 /// Returns whether all counters of the cell (row, col) have reached the threshold.
 struct IsCellActive {
     CellCounters counters;
-    std::uint16_t activation_threshold = 0;
+    std::uint32_t activation_threshold = 0;
 
     bool operator()(std::size_t row, std::size_t col) const {
         const std::uint16_t* const cell = counters.of(row, col);
@@ -76,6 +77,27 @@ struct AddToPixel {
         count = static_cast<std::uint8_t>(count + counted);
         return counted | repeated;
     }
+};
+
+/// All steps of counting an event.
+struct EventCounting {
+    AddToPixel add_to_pixel;
+    AddToCell add_to_cell;
+    IsCellActive is_cell_active;
+
+    /// Returns steps that change no counter. `add_to_cell` is true for every event, and
+    /// `is_cell_active` for no cell. So the first event after a pause is noticed without a check
+    /// that would take time for all the others.
+    EventCounting paused() const {
+        EventCounting result = *this;
+        result.add_to_pixel.largest_count = 0;
+        result.add_to_pixel.repeated = 0;
+        result.add_to_cell.arrival = std::numeric_limits<std::uint32_t>::max();
+        result.is_cell_active.activation_threshold = std::numeric_limits<std::uint32_t>::max();
+        return result;
+    }
+
+    bool isPaused() const { return add_to_pixel.largest_count == 0; }
 };
 
 }  // namespace kelvora

@@ -59,6 +59,10 @@ private:
     template <class Event>
     [[gnu::noinline]] void processFirstEvent(const Event& event);
 
+    template <class Event>
+    [[gnu::noinline]] void processUnnotedEvent(const Event& event);
+
+    void stopNoting();
     void clearNotedPixels();
 
     template <class Event, bool kIsSeparate, bool kIsPixelOnce>
@@ -84,9 +88,8 @@ private:
     ActiveCells active_cells;
     std::vector<CellNumber> column_to_cell;
     std::vector<CellNumber> row_to_cell;
-    IsCellActive is_cell_active;
-    AddToCell add_to_cell;
-    AddToPixel add_to_pixel;
+    EventCounting counting;
+    EventCounting single_counting;  ///< For single events: paused as long as pixels are noted.
     NotedPixels noted_pixels;
     bool is_map_shared = false;  ///< Whether the caller may write to `pixel_counts`.
     std::vector<CellRegion>
@@ -118,10 +121,11 @@ GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int
     cell_counts.resize(product(cell_rows, cell_cols) << positive_offset);
     const CellCounters counters = {cell_counts.data(), static_cast<std::size_t>(cell_cols),
                                    positive_offset};
-    is_cell_active = {counters, activation_threshold};
-    add_to_cell = {counters, std::max<std::uint16_t>(activation_threshold, 1)};
-    add_to_pixel = {pixel_counts.data(), static_cast<std::size_t>(sensor_width),
-                    count_pixel_once ? kOne : kMost, count_pixel_once ? kNone : kOne};
+    counting.add_to_pixel = {pixel_counts.data(), static_cast<std::size_t>(sensor_width),
+                             count_pixel_once ? kOne : kMost, count_pixel_once ? kNone : kOne};
+    counting.add_to_cell = {counters, std::max<std::uint16_t>(activation_threshold, 1)};
+    counting.is_cell_active = {counters, activation_threshold};
+    single_counting = counting.paused();
     active_cells = ActiveCells(cell_rows, cell_cols);
     column_to_cell = cellOfPixel(sensor_width, cell_width);
     row_to_cell = cellOfPixel(sensor_height, cell_height);
@@ -153,17 +157,28 @@ void GridBasedClusterGenerator::Impl::processEvent(const Event& event) {
     if (polarity == rejected) {
         return;
     }
-    noted_pixels.giveUp();
     const std::size_t row = row_to_cell[event.y];
     const std::size_t col = column_to_cell[event.x];
     requireOnSensor(row, col);
+    const EventCounting& steps = single_counting;
     // A cell becomes active only when a counter reaches the threshold. This is rare, so the branch
     // is well predicted. A cell that stays active needs no second mark, because marks are cleared
     // only together with the counters.
-    if (add_to_cell(row, col, polarity != 0, add_to_pixel(event.x, event.y)) &&
-        is_cell_active(row, col)) {
-        active_cells.markBlock(row, col);
+    if (!steps.add_to_cell(row, col, polarity != 0, steps.add_to_pixel(event.x, event.y))) {
+        return;
     }
+    if (steps.is_cell_active(row, col)) {
+        active_cells.markBlock(row, col);
+    } else if (steps.isPaused()) {
+        processUnnotedEvent(event);
+    }
+}
+
+/// Processes a single event while pixels are noted. It has not been counted yet.
+template <class Event>
+void GridBasedClusterGenerator::Impl::processUnnotedEvent(const Event& event) {
+    stopNoting();
+    processEvent(event);
 }
 
 template <class Event>
@@ -219,10 +234,10 @@ const Event* GridBasedClusterGenerator::Impl::countUntilActivation(const Event* 
     const std::uint8_t rejected = rejectedPolarityOf<Event>().load(std::memory_order_relaxed);
     const CellNumber* const row_to_cell_of = row_to_cell.data();
     const CellNumber* const column_to_cell_of = column_to_cell.data();
-    AddToCell add_to = add_to_cell;
+    AddToCell add_to = counting.add_to_cell;
     add_to.counters.positive_offset = kIsSeparate ? 1 : 0;
     const IsCellActive is_active = {add_to.counters, activation_threshold};
-    AddToPixel add_pixel = add_to_pixel;
+    AddToPixel add_pixel = counting.add_to_pixel;
     add_pixel.largest_count = kIsPixelOnce ? kOne : kMost;
     add_pixel.repeated = kIsPixelOnce ? kNone : kOne;
     for (; event != end; ++event) {
@@ -233,7 +248,9 @@ const Event* GridBasedClusterGenerator::Impl::countUntilActivation(const Event* 
         const std::size_t row = row_to_cell_of[event->y];
         const std::size_t col = column_to_cell_of[event->x];
         requireOnSensor(row, col);
-        if (add_to(row, col, polarity != 0, add_pixel(event->x, event->y)) && is_active(row, col)) {
+        // A cell with one counter is active when this has reached the threshold.
+        if (add_to(row, col, polarity != 0, add_pixel(event->x, event->y)) &&
+            (!kIsSeparate || is_active(row, col))) {
             break;
         }
     }
@@ -280,13 +297,20 @@ void GridBasedClusterGenerator::Impl::reset() {
     }
     if (!is_map_shared) {
         noted_pixels.reset();
+        single_counting = counting.paused();
     }
+}
+
+/// Until the next reset, counts single events, whose pixels are not noted.
+void GridBasedClusterGenerator::Impl::stopNoting() {
+    noted_pixels.giveUp();
+    single_counting = counting;
 }
 
 /// From now on, the caller may write any counts to the map, which each reset must clear.
 cv::Mat GridBasedClusterGenerator::Impl::activeMap() {
     is_map_shared = true;
-    noted_pixels.giveUp();
+    stopNoting();
     return {sensor_height, sensor_width, CV_8UC1, pixel_counts.data()};
 }
 
@@ -295,7 +319,7 @@ void GridBasedClusterGenerator::Impl::clearNotedPixels() {
     for (const NotedPixels::Pixel pixel : noted_pixels) {
         // An event that the filter ignored may be off the sensor.
         if (pixel.x < sensor_width && pixel.y < sensor_height) {
-            add_to_cell.counters.clear(row_to_cell[pixel.y], column_to_cell[pixel.x]);
+            counting.add_to_cell.counters.clear(row_to_cell[pixel.y], column_to_cell[pixel.x]);
             pixel_counts[pixel.y * static_cast<std::size_t>(sensor_width) + pixel.x] = 0;
         }
     }

@@ -112,6 +112,29 @@ TEST(BatchOfTheGridGenerator, MayContainIgnoredEventsOffTheSensor) {
     EXPECT_EQ(pixelCounts(generator), std::vector<unsigned char>(10 * 8));
 }
 
+TEST(BatchOfTheGridGenerator, MayComeBetweenSingleEvents) {
+    Random random(13);
+    for (const bool count_pixel_once : {false, true}) {
+        auto settings = GridSettings().sensor(90, 70).threshold(3);
+        settings.count_pixel_once = count_pixel_once;
+        auto mixed = settings.build();
+        for (int window = 0; window < 40; ++window) {
+            const auto events = randomEvents(random, 90, 70, 300);
+            auto one_by_one = settings.build();
+            feedOneByOne(one_by_one, events);
+            for (std::size_t done = 0; done < events.size();) {
+                const auto most = static_cast<int>(std::min<std::size_t>(events.size() - done, 60));
+                const auto count = static_cast<std::size_t>(randomInt(random, 1, most));
+                mixed.processEvents(events.data() + done, count - 1);
+                mixed.processEvent(&events[done + count - 1]);
+                done += count;
+            }
+            ASSERT_EQ(boxesOf(generate(mixed)), boxesOf(generate(one_by_one))) << window;
+        }
+        ASSERT_EQ(pixelCounts(mixed), std::vector<unsigned char>(90 * 70));
+    }
+}
+
 TEST(BatchOfTheGridGenerator, MayBeMixedWithSingleEvents) {
     auto settings = GridSettings().threshold(2);
     auto generator = settings.build();
