@@ -135,6 +135,34 @@ void extraction(benchmark::State& state, CellPattern pattern) {
     state.counters["clusters"] = static_cast<double>(clusters.size());
 }
 
+/// Time of a whole window, with the intake of its events and the extraction of its clusters.
+template <class Generator, Feed<Generator> feed>
+void windows(benchmark::State& state, const Mode& mode) {
+    constexpr std::size_t kWindows = 20;
+    const Workload workload =
+        movingObjects(1280, 720, 8, static_cast<std::size_t>(state.range(0)), kWindows);
+    if (!modelAgrees(workload, mode, feedOneByOne) || !modelAgrees(workload, mode, feedBatch)) {
+        state.SkipWithError("library and model give different clusters");
+        return;
+    }
+    auto generator = build<Generator>(workload, mode);
+    std::vector<ClusterGeometry> clusters;
+    for ([[maybe_unused]] auto iteration : state) {
+        for (const auto& batch : workload.batches) {
+            feed(generator, batch);
+            generator.generateClusters(0, clusters);
+            benchmark::DoNotOptimize(clusters.data());
+        }
+    }
+    state.counters["per_window"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * kWindows,
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void eventsPerWindow(benchmark::internal::Benchmark* benchmark) {
+    benchmark->ArgName("events")->Arg(1)->Arg(100)->Arg(1000)->Arg(4000)->Arg(5000);
+}
+
 const Workload& smallSensor() {
     static const Workload workload = movingObjects(346, 260, 4, 10'000, 20);
     return workload;
@@ -149,10 +177,14 @@ constexpr Mode kCommon = {POLARITY_FREE, false, 6};
 constexpr Mode kCommonOnce = {POLARITY_FREE, true, 6};
 constexpr Mode kSeparate = {POLARITY_SEPARATE, false, 3};
 constexpr Mode kSeparateOnce = {POLARITY_SEPARATE, true, 3};
+constexpr Mode kFirstEvent = {POLARITY_FREE, false, 1};
 
 constexpr auto library_intake = intake<GridBasedClusterGenerator, feedOneByOne>;
 constexpr auto library_batch_intake = intake<GridBasedClusterGenerator, feedBatch>;
 constexpr auto literal_intake = intake<reference::GridBasedClusterGenerator, feedOneByOne>;
+constexpr auto library_windows = windows<GridBasedClusterGenerator, feedOneByOne>;
+constexpr auto library_batch_windows = windows<GridBasedClusterGenerator, feedBatch>;
+constexpr auto literal_windows = windows<reference::GridBasedClusterGenerator, feedOneByOne>;
 constexpr auto library_extraction = extraction<GridBasedClusterGenerator>;
 constexpr auto literal_extraction = extraction<reference::GridBasedClusterGenerator>;
 
@@ -188,6 +220,9 @@ BENCHMARK_CAPTURE(library_intake, 1280x720_separate_pixels_once, largeSensor, kS
     ->UseManualTime();
 BENCHMARK_CAPTURE(library_batch_intake, 1280x720_separate_pixels_once, largeSensor, kSeparateOnce)
     ->UseManualTime();
+BENCHMARK_CAPTURE(library_windows, 1280x720, kFirstEvent)->Apply(eventsPerWindow);
+BENCHMARK_CAPTURE(library_batch_windows, 1280x720, kFirstEvent)->Apply(eventsPerWindow);
+BENCHMARK_CAPTURE(literal_windows, 1280x720, kFirstEvent)->Apply(eventsPerWindow);
 BENCHMARK_CAPTURE(library_extraction, random, CellPattern::kRandom)->UseManualTime();
 BENCHMARK_CAPTURE(literal_extraction, random, CellPattern::kRandom)->UseManualTime();
 BENCHMARK_CAPTURE(library_extraction, blobs, CellPattern::kBlobs)->UseManualTime();
