@@ -3,10 +3,13 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <utility>
 
 namespace kelvora::tool {
 namespace {
@@ -20,6 +23,26 @@ bool holdsInChild(bool (*check)()) {
     int status = 0;
     EXPECT_EQ(::waitpid(child, &status, 0), child);
     return status == 0;
+}
+
+/// Device and number of the file behind a descriptor.
+std::pair<dev_t, ino_t> fileOf(int descriptor) {
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 ? std::pair(status.st_dev, status.st_ino)
+                                             : std::pair(dev_t{0}, ino_t{0});
+}
+
+/// Makes the streams write to a pipe. Returns whether this succeeded.
+bool connectStreamsToAPipe() {
+    std::array<int, 2> ends{};
+    return ::pipe2(ends.data(), O_CLOEXEC) == 0 && ::dup2(ends[1], 0) == 0 &&
+           ::dup2(ends[1], 1) == 1 && ::dup2(ends[1], 2) == 2;
+}
+
+int lowestFreeDescriptor() {
+    const int descriptor = ::dup(1);
+    ::close(descriptor);
+    return descriptor;
 }
 
 TEST(StandardStreams, PrintToTheStreams) {
@@ -57,8 +80,12 @@ TEST(StandardStreams, RemainUnusableIfTheyWereClosed) {
 
 TEST(StandardStreams, AreLeftAloneIfTheyAreOpen) {
     EXPECT_TRUE(holdsInChild([] {
+        const bool are_open = connectStreamsToAPipe();
+        const auto pipe = fileOf(1);
+        const int lowest_free = lowestFreeDescriptor();
         occupyStandardStreams();
-        return ::fcntl(1, F_GETFD) >= 0 && ::dup(1) > 2;
+        return are_open && fileOf(0) == pipe && fileOf(1) == pipe && fileOf(2) == pipe &&
+               lowestFreeDescriptor() == lowest_free;
     }));
 }
 
