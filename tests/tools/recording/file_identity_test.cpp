@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "recording/file_identity.hpp"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "support/temporary_directory.hpp"
 
@@ -68,7 +70,14 @@ TEST_F(FileIdentityTest, KnowsDevices) {
 }
 
 TEST_F(FileIdentityTest, ComparesOpenFilesWithPaths) {
-    EXPECT_TRUE(FileIdentity({"", 0}) == FileIdentity(targetOf("/dev/stdin")));
+    directory.file("a", "");
+    directory.file("b", "");
+    const int descriptor = ::open(directory.file("a").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(descriptor, 0);
+    const FileIdentity open_file({"", descriptor});
+    ::close(descriptor);
+    EXPECT_TRUE(open_file == identityOf("a"));
+    EXPECT_FALSE(open_file == identityOf("b"));
 }
 
 }  // namespace
