@@ -74,9 +74,9 @@ public:
     /// points are too far apart for the radius, several jobs search a tree, and take as
     /// long as one job.
     ///
-    /// With one job and more than 300 neighbours on average, groups of points that are all
-    /// neighbours count as one: points at the same position take n log n time however many
-    /// they are, and 200 bytes of memory per point.
+    /// With one job and more than 300 neighbours on average, estimated from a sample, groups of
+    /// points that are all neighbours count as one: points at the same position take n log n time
+    /// however many they are, and 200 bytes of memory per point (`float`).
     ///
     /// If an exception is thrown, `clusters` and `boxes` may hold some of the results. The object
     /// can be used again.

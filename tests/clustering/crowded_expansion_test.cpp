@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -127,6 +128,16 @@ TYPED_TEST(CrowdedExpansions, AreForPointsWithManyNeighbours) {
     auto mixed = spread_out;
     mixed.insert(mixed.end(), in_a_pixel.begin(), in_a_pixel.begin() + count / 4);
     EXPECT_TRUE(areCrowded<TypeParam>(mixed, 10));
+}
+
+// The pixel has one in eighty points. A sample of fixed size may miss it.
+TEST(CrowdedExpansion, IsForAHotPixelAmongMillionsOfOtherPoints) {
+    using Kind = PointKind<2, float>;
+    Random random(7);
+    auto points = randomGridPoints<Kind>(random, 2'000'000, 0, 4000, 1);
+    EXPECT_FALSE(areCrowded<Kind>(points, 1));
+    std::fill_n(points.begin(), 26'000, at<Kind>(100, 100));
+    EXPECT_TRUE(areCrowded<Kind>(points, 1));
 }
 
 TYPED_TEST(CrowdedExpansions, AreNotForFewPointsOrWithoutAny) {
