@@ -164,8 +164,6 @@ void DensityBasedClusterGenerator<DIM, T>::Impl::generateClusters(
 /// If this fails, there are no clusters.
 template <int DIM, typename T>
 void DensityBasedClusterGenerator<DIM, T>::Impl::clusterWorkingPoints() {
-    clusters.clear();
-    boxes.clear();
     try {
         clustering.generateClustersMultiThread(working_points, clusters, boxes,
                                                jobsFor(n_jobs, working_points.size()));
