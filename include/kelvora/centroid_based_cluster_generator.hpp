@@ -61,9 +61,9 @@ struct CentroidBasedClusterGeneratorOptions {
 ///
 /// \note Every event belongs to a cluster: there is no noise.
 /// \note Clusters differ from run to run, because the first centroid is drawn at random.
-/// \note Timestamps are used as they are, not relative to a start. As `float`, times beyond 17
-/// seconds lose single microseconds, and times since 1970 lose whole minutes. Subtract a start time
-/// before you feed events, or use `double`.
+/// \note Timestamps are used as they are, not relative to a start. A `float` represents single
+/// microseconds for 8 seconds; times since 1970 lose whole minutes. Subtract a start time before you
+/// feed events, or use `double`.
 /// \note The time window advances by the gaps between events, see `SlidingEventCounter`: in a dense
 /// stream it discards nothing, however long the stream is. If the time window matters, call
 /// `generateClusters` once per window. An event older than the previous one empties the counter,

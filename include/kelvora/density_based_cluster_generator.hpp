@@ -60,9 +60,9 @@ struct DensityBasedClusterGeneratorOptions {
 /// Debug builds assert that feeding and generating do not overlap. Generators are neither copyable
 /// nor assignable.
 ///
-/// \note Timestamps are used as they are, not relative to a start. As `float`, times beyond 17
-/// seconds lose single microseconds, and times since 1970 lose whole minutes. Subtract a start time
-/// before you feed events, or use `double`.
+/// \note Timestamps are used as they are, not relative to a start. A `float` represents single
+/// microseconds for 8 seconds; times since 1970 lose whole minutes. Subtract a start time before you
+/// feed events, or use `double`.
 /// \note The time window advances by the gaps between events, see `SlidingEventCounter`: in a dense
 /// stream it discards nothing, however long the stream is. If the time window matters, call
 /// `generateClusters` once per window. An event older than the previous one empties the counter,

@@ -20,8 +20,8 @@
 
 namespace kelvora {
 
-/// Converts an event to a point. Times are absolute: as `float`, they lose single microseconds
-/// after 17 seconds.
+/// Converts an event to a point. Times are absolute: a `float` represents single microseconds for 8
+/// seconds.
 template <int DIM, typename T, class EventT>
 KDPoint<DIM, T> toPoint(const EventT& event, const PointScales& scales) {
     KDPoint<DIM, T> point;
