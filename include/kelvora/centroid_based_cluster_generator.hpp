@@ -176,8 +176,9 @@ public:
     ///     sensor; none if there are fewer than k points. A cluster without points, without area,
     ///     or off the sensor has the box (0, 0, 0, 0). In three dimensions, start and duration hold
     ///     the low 32 bits of the microseconds, and 0 for a number that does not fit into 64 bits.
-    /// \note After an exception, `clusters` may hold some of the clusters. The events since the
-    /// previous call are then not clustered again, and the generator can still be used.
+    /// \note After an exception, `clusters` keeps its old content, or holds some of the clusters. The
+    /// events since the previous call are then not clustered again, and the generator can still be
+    /// used.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Empties the time window, so that the events since the last `generateClusters` are not

@@ -175,8 +175,9 @@ public:
     /// \throws std::runtime_error  "n_jobs must be greater than 0" if the number of threads works
     ///     out to 0.
     /// \throws std::system_error  if a thread cannot be started.
-    /// \note After an exception, `clusters` may hold some of the clusters. The events since the
-    /// previous call are then not clustered again, and the generator can still be used.
+    /// \note After an exception, `clusters` keeps its old content, or holds some of the clusters. The
+    /// events since the previous call are then not clustered again, and the generator can still be
+    /// used.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
     /// Forgets the points of the last `generateClusters`, but keeps the events since.
