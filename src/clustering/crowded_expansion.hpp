@@ -92,7 +92,7 @@ private:
     bool is_complete = false;  ///< Whether `found` holds all neighbours of `center_found`.
     std::size_t neighbour_count = 0;
 
-    SeedStack stack;                    ///< Slots to visit, and lists. See `listOf`.
+    SeedStack stack;  ///< Slots to visit; entries from `tree.slots()` on are lists, see `expand`.
     std::vector<std::uint32_t> listed;  ///< A list that is written out.
 };
 
