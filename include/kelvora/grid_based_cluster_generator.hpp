@@ -124,10 +124,12 @@ public:
     template <class Event>
     void processEvents(const Event* events, std::size_t count);
 
-    /// Reports the clusters of the events since the previous call, and resets all counts. Takes
-    /// time linear in the number of cells and pixels; of cells alone after a few thousand events
-    /// or fewer in batches. Allocates only to enlarge `clusters`, and
-    /// for more regions of active cells than in any call before.
+    /// Reports the clusters of the events since the previous call, and resets all counts. Allocates
+    /// only to enlarge `clusters`, and for more regions of active cells than in any call before.
+    ///
+    /// Takes time linear in the number of cells and pixels. Takes time linear in the number of cells
+    /// only, if all events since the previous call were passed to `processEvents`, there were at
+    /// most 4096 of them, and `getActiveMap` has never been called.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
     /// \param clusters  Emptied first. Ordered by the first cell of each cluster, rows from top to
@@ -137,12 +139,15 @@ public:
     /// still be used.
     void generateClusters(std::size_t timestamp, std::vector<ClusterGeometry>& clusters);
 
-    /// Sets all counters to 0, in time linear in the number of cells and pixels.
+    /// Sets all counters to 0. Takes time linear in the number of cells and pixels, or in the number
+    /// of events if there were few; `generateClusters` has the conditions.
     /// \note Cells that are already marked active stay marked. The
     /// next `generateClusters` reports them.
     void reset();
 
-    /// Makes `map` a view of the events counted per pixel since the last `generateClusters`.
+    /// Makes `map` a view of the events counted per pixel since the last `generateClusters`. Later
+    /// calls of `generateClusters` and `reset` clear the counts of all pixels, also counts that you
+    /// have written to the map.
     ///
     /// \param map  Becomes a `CV_8UC1` matrix of sensor size; counts stop at 255. It owns no data:
     ///     it changes with every event, and must not be used after the generator is destroyed.
