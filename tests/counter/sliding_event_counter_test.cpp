@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "kelvora/sliding_event_counter.hpp"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -19,6 +19,8 @@
 namespace kelvora::test {
 namespace {
 
+using ::testing::ThrowsMessage;
+
 constexpr std::size_t kLargest = std::numeric_limits<std::size_t>::max();
 
 void count(SlidingEventCounter& counter, unsigned long long timestamp, int times = 1) {
@@ -33,25 +35,16 @@ std::size_t countAfter(SlidingEventCounter& counter, unsigned long long timestam
     return counter.getEventCount();
 }
 
-template <class Action>
-std::string messageOf(Action action) {
-    try {
-        action();
-    } catch (const std::invalid_argument& error) {
-        return error.what();
-    }
-    return "nothing was thrown";
-}
-
 TEST(SlidingEventCounter, RefusesAnEmptyWindowBeforeItChecksTheBins) {
     const std::string message = "SlidingEventCounter: window_length must be larger than 0";
-    EXPECT_EQ(messageOf([] { SlidingEventCounter(0, 10); }), message);
-    EXPECT_EQ(messageOf([] { SlidingEventCounter(0, 0); }), message);
+    EXPECT_THAT([] { SlidingEventCounter(0, 10); }, ThrowsMessage<std::invalid_argument>(message));
+    EXPECT_THAT([] { SlidingEventCounter(0, 0); }, ThrowsMessage<std::invalid_argument>(message));
 }
 
 TEST(SlidingEventCounter, RefusesZeroBins) {
-    EXPECT_EQ(messageOf([] { SlidingEventCounter(10, 0); }),
-              "SlidingEventCounter: num_bins must be larger than 0");
+    EXPECT_THAT([] { SlidingEventCounter(10, 0); },
+                ThrowsMessage<std::invalid_argument>(
+                    "SlidingEventCounter: num_bins must be larger than 0"));
 }
 
 TEST(SlidingEventCounter, CountsNothingAtFirst) {
@@ -61,8 +54,8 @@ TEST(SlidingEventCounter, CountsNothingAtFirst) {
 TEST(SlidingEventCounter, RefusesANullEventAndStaysAsItIs) {
     SlidingEventCounter counter(100, 10);
     const Event2D* const none = nullptr;
-    EXPECT_EQ(messageOf([&] { counter.addEvent(none); }),
-              "SlidingEventCounter: null event pointer");
+    EXPECT_THAT([&] { counter.addEvent(none); },
+                ThrowsMessage<std::invalid_argument>("SlidingEventCounter: null event pointer"));
     EXPECT_EQ(counter.getEventCount(), 0U);
     count(counter, 5'000'000);
     EXPECT_THROW(counter.addEvent(none), std::invalid_argument);
@@ -313,8 +306,9 @@ TEST(SlidingEventCounter, StartsAgainWithTimestampsAfterAReset) {
 TEST(SlidingEventCounter, RefusesNullTimestampsUnlessThereAreNone) {
     SlidingEventCounter counter(100, 10);
     count(counter, 1000, 3);
-    EXPECT_EQ(messageOf([&] { counter.addTimestamps(nullptr, 1); }),
-              "SlidingEventCounter: null pointer to timestamps");
+    EXPECT_THAT(
+        [&] { counter.addTimestamps(nullptr, 1); },
+        ThrowsMessage<std::invalid_argument>("SlidingEventCounter: null pointer to timestamps"));
     EXPECT_NO_THROW(counter.addTimestamps(nullptr, 0));
     EXPECT_EQ(counter.getEventCount(), 3U);
 }

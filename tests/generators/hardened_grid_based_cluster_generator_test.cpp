@@ -15,16 +15,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-template <class Work>
-std::string messageOf(const Work& work) {
-    try {
-        work();
-    } catch (const std::invalid_argument& error) {
-        return error.what();
-    }
-    return "nothing was thrown";
-}
+using ::testing::ThrowsMessage;
 
 const std::string kOffTheSensor = "GridBasedClusterGenerator: event off the sensor";
 
@@ -41,8 +32,10 @@ TYPED_TEST(HardenedGridGenerators, RefuseEventsOffTheSensor) {
     auto generator = GridSettings().sensor(10, 8).build();
     for (const Event2D& off : kEventsOffTheSensor) {
         const auto event = makeEvent<TypeParam>(off.x, off.y, 1);
-        EXPECT_EQ(messageOf([&] { generator.processEvent(&event); }), kOffTheSensor);
-        EXPECT_EQ(messageOf([&] { generator.processEvents(&event, 1); }), kOffTheSensor);
+        EXPECT_THAT([&] { generator.processEvent(&event); },
+                    ThrowsMessage<std::invalid_argument>(kOffTheSensor));
+        EXPECT_THAT([&] { generator.processEvents(&event, 1); },
+                    ThrowsMessage<std::invalid_argument>(kOffTheSensor));
     }
     EXPECT_THAT(generate(generator), IsEmpty());
 }
@@ -61,8 +54,9 @@ TYPED_TEST(HardenedGridGenerators, TakeEventsAtTheEdgesOfTheSensor) {
 TEST(HardenedGridGenerator, RefusesNullEvents) {
     auto generator = GridSettings().build();
     const Event2D* const no_event = nullptr;
-    EXPECT_EQ(messageOf([&] { generator.processEvent(no_event); }),
-              "GridBasedClusterGenerator: null event pointer");
+    EXPECT_THAT(
+        [&] { generator.processEvent(no_event); },
+        ThrowsMessage<std::invalid_argument>("GridBasedClusterGenerator: null event pointer"));
     EXPECT_NO_THROW(generator.processEvents(no_event, 1));
 }
 
@@ -75,8 +69,8 @@ TEST(HardenedGridGenerator, CountsTheEventsOfABatchUpToTheOneItRefuses) {
             const std::vector<Event2D> events = {positiveEvent(0, 0), negativeEvent(1, 0),
                                                  positiveEvent(40, 0), positiveEvent(20, 20),
                                                  negativeEvent(21, 20)};
-            EXPECT_EQ(messageOf([&] { generator.processEvents(events.data(), events.size()); }),
-                      kOffTheSensor);
+            EXPECT_THAT([&] { generator.processEvents(events.data(), events.size()); },
+                        ThrowsMessage<std::invalid_argument>(kOffTheSensor));
             EXPECT_THAT(boxesOf(generate(generator)), ElementsAre(Box{0, 0, 8, 8}));
         }
     }
