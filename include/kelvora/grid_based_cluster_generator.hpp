@@ -128,8 +128,8 @@ public:
     /// only to enlarge `clusters`, and for more regions of active cells than in any call before.
     ///
     /// Takes time linear in the number of cells and pixels. Takes time linear in the number of cells
-    /// only, if all events since the previous call were passed to `processEvents`, there were at
-    /// most 4096 of them, and `getActiveMap` has never been called.
+    /// only, if all events since the previous call were passed to `processEvents`, there was at most
+    /// one per 256 pixels of the sensor, and `getActiveMap` has never been called.
     ///
     /// \param timestamp  Stored in each cluster; otherwise unused.
     /// \param clusters  Emptied first. Ordered by the first cell of each cluster, rows from top to

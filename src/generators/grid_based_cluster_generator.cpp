@@ -21,6 +21,10 @@ namespace {
 /// No decision yet on the rejected polarity.
 constexpr std::uint8_t kUndecided = 255;
 
+/// Noting the pixel of an event, and clearing its counts, takes about as long as clearing the counts
+/// of 140 pixels in a row. So noting pays off up to one event in about so many pixels.
+constexpr std::size_t kPixelsPerNotedEvent = 256;
+
 constexpr std::uint8_t kNone = 0;
 constexpr std::uint8_t kOne = 1;
 constexpr std::uint8_t kMost = 255;
@@ -129,6 +133,7 @@ GridBasedClusterGenerator::Impl::Impl(int sensor_width_, int sensor_height_, int
     active_cells = ActiveCells(cell_rows, cell_cols);
     column_to_cell = cellOfPixel(sensor_width, cell_width);
     row_to_cell = cellOfPixel(sensor_height, cell_height);
+    noted_pixels = NotedPixels(pixel_counts.size() / kPixelsPerNotedEvent);
 }
 
 /// Deliberately one value per event type for the whole process: see the note in the header.

@@ -18,16 +18,19 @@ public:
         std::uint16_t y;
     };
 
-    /// Most events whose pixels are noted.
-    static constexpr std::size_t kMostEvents = 4096;
+    /// Notes nothing.
+    NotedPixels() = default;
 
-    NotedPixels() { pixels.reserve(kMostEvents); }
+    /// \param most_events_  Most events whose pixels are noted.
+    explicit NotedPixels(std::size_t most_events_) : most_events(most_events_) {
+        pixels.reserve(most_events);
+    }
 
     /// Notes the pixels of a batch, unless there are too many or some are already missing. Events
     /// are not checked: their pixels may be off the sensor.
     template <class Event>
     void note(const Event* events, std::size_t count) {
-        are_all_noted = are_all_noted && count <= kMostEvents - pixels.size();
+        are_all_noted = are_all_noted && count <= most_events - pixels.size();
         if (are_all_noted) {
             const auto noted = static_cast<std::ptrdiff_t>(pixels.size());
             pixels.resize(pixels.size() + count);
@@ -53,6 +56,7 @@ public:
     auto end() const { return pixels.end(); }
 
 private:
+    std::size_t most_events = 0;
     std::vector<Pixel> pixels;
     bool are_all_noted = true;
 };

@@ -17,7 +17,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 
-constexpr std::size_t kMostEvents = NotedPixels::kMostEvents;
+constexpr std::size_t kMostEvents = 5;
 
 std::vector<std::pair<std::uint16_t, std::uint16_t>> listed(const NotedPixels& noted) {
     std::vector<std::pair<std::uint16_t, std::uint16_t>> pixels;
@@ -28,13 +28,13 @@ std::vector<std::pair<std::uint16_t, std::uint16_t>> listed(const NotedPixels& n
 }
 
 TEST(NotedPixels, AreAllNotedBeforeTheFirstEvent) {
-    const NotedPixels noted;
+    const NotedPixels noted(kMostEvents);
     EXPECT_TRUE(noted.areAllNoted());
     EXPECT_THAT(listed(noted), IsEmpty());
 }
 
 TEST(NotedPixels, ComeFromEventsOfAllBatches) {
-    NotedPixels noted;
+    NotedPixels noted(kMostEvents);
     const std::vector<Event2D> events = {positiveEvent(3, 4), negativeEvent(65535, 0)};
     const auto period = makeEvent<Event2DPeriod<double>>(0, 65535, 2);
     noted.note(events.data(), events.size());
@@ -46,12 +46,12 @@ TEST(NotedPixels, ComeFromEventsOfAllBatches) {
 
 TEST(NotedPixels, AreNotAllNotedIfThereAreTooManyEvents) {
     const std::vector<Event2D> events(kMostEvents + 1, positiveEvent(1, 2));
-    NotedPixels in_two_batches;
+    NotedPixels in_two_batches(kMostEvents);
     in_two_batches.note(events.data(), kMostEvents);
     EXPECT_TRUE(in_two_batches.areAllNoted());
     in_two_batches.note(events.data(), 1);
     EXPECT_FALSE(in_two_batches.areAllNoted());
-    NotedPixels at_once;
+    NotedPixels at_once(kMostEvents);
     at_once.note(events.data(), kMostEvents + 1);
     EXPECT_FALSE(at_once.areAllNoted());
     // A smaller batch does not bring the missing pixels back.
@@ -60,7 +60,7 @@ TEST(NotedPixels, AreNotAllNotedIfThereAreTooManyEvents) {
 }
 
 TEST(NotedPixels, AreNotAllNotedAfterGivingUp) {
-    NotedPixels noted;
+    NotedPixels noted(kMostEvents);
     const Event2D event = positiveEvent(1, 2);
     noted.note(&event, 1);
     noted.giveUp();
@@ -69,7 +69,7 @@ TEST(NotedPixels, AreNotAllNotedAfterGivingUp) {
 }
 
 TEST(NotedPixels, AreForgottenAfterAReset) {
-    NotedPixels noted;
+    NotedPixels noted(kMostEvents);
     const std::vector<Event2D> events(kMostEvents, positiveEvent(1, 2));
     noted.note(events.data(), events.size());
     noted.giveUp();
