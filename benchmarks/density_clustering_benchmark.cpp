@@ -107,6 +107,28 @@ void compareInRecording(benchmark::State& state, const std::string& name) {
     compare<DIM>(state, recordedEvents(name, static_cast<std::size_t>(state.range(0))));
 }
 
+/// All events in a block of `side` x `side` pixels, in a random order.
+template <int DIM>
+void compareInBlock(benchmark::State& state, int side) {
+    compare<DIM>(state, flickeringBlock(side, static_cast<std::size_t>(state.range(0))));
+}
+
+/// One job alone, with more points in a block than the model could cluster.
+template <int DIM>
+void clusterBlock(benchmark::State& state, int side) {
+    const auto points =
+        pointsOf<DIM>(flickeringBlock(side, static_cast<std::size_t>(state.range(0))));
+    DensityClustering<DIM, float> clustering(static_cast<double>(state.range(1)), kMinPts);
+    Run library;
+    for ([[maybe_unused]] auto iteration : state) {
+        library.time(1, [&](auto& clusters, auto& boxes, unsigned char n_jobs) {
+            clustering.generateClustersMultiThread(points, clusters, boxes, n_jobs);
+        });
+    }
+    state.counters["clusters"] = static_cast<double>(library.clusters.size());
+    state.counters["library_ms"] = median(library.milliseconds);
+}
+
 /// The exponent with which the time of two jobs grows from ten thousand to a million events.
 template <int DIM>
 void growth(benchmark::State& state, const SensorSize& sensor) {
@@ -167,6 +189,16 @@ void recording3d(Benchmark* benchmark) {
     cases(benchmark, {50'000, 200'000}, {5});
     benchmark->Iterations(3);
 }
+void block(Benchmark* benchmark) {
+    cases(benchmark, {5000}, {5});
+    benchmark->Iterations(3);
+}
+void largeBlock(Benchmark* benchmark) {
+    benchmark->ArgNames({"events", "eps"})
+        ->ArgsProduct({{40'000, 400'000}, {10}})
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(3);
+}
 void growth2d(Benchmark* benchmark) {
     benchmark->ArgName("eps")->Arg(3)->Arg(5)->Unit(benchmark::kMillisecond)->Iterations(1);
 }
@@ -180,6 +212,9 @@ constexpr auto scene_2d = compareInScene<2>;
 constexpr auto scene_3d = compareInScene<3>;
 constexpr auto recording_2d = compareInRecording<2>;
 constexpr auto recording_3d = compareInRecording<3>;
+constexpr auto block_2d = compareInBlock<2>;
+constexpr auto block_3d = compareInBlock<3>;
+constexpr auto large_block_2d = clusterBlock<2>;
 constexpr auto growth_2d = growth<2>;
 constexpr auto growth_3d = growth<3>;
 
@@ -195,6 +230,16 @@ BENCHMARK_CAPTURE(recording_2d, cars, "atis304_cars")->Apply(recording2d);
 BENCHMARK_CAPTURE(recording_3d, street, "gen41_street")->Apply(recording3d);
 BENCHMARK_CAPTURE(recording_3d, sparklers, "gen3_sparklers")->Apply(recording3d);
 BENCHMARK_CAPTURE(recording_3d, cars, "atis304_cars")->Apply(recording3d);
+// From 5000 neighbours of each point in one pixel to about 100 in 64 x 64 pixels.
+BENCHMARK_CAPTURE(block_2d, 1x1, 1)->Apply(block);
+BENCHMARK_CAPTURE(block_2d, 8x8, 8)->Apply(block);
+BENCHMARK_CAPTURE(block_2d, 32x32, 32)->Apply(block);
+BENCHMARK_CAPTURE(block_2d, 64x64, 64)->Apply(block);
+BENCHMARK_CAPTURE(block_3d, 1x1, 1)->Apply(block);
+BENCHMARK_CAPTURE(block_3d, 8x8, 8)->Apply(block);
+BENCHMARK_CAPTURE(large_block_2d, 1x1, 1)->Apply(largeBlock);
+BENCHMARK_CAPTURE(large_block_2d, 8x8, 8)->Apply(largeBlock);
+BENCHMARK_CAPTURE(large_block_2d, 16x16, 16)->Apply(largeBlock);
 BENCHMARK_CAPTURE(growth_2d, 640x480, kSmallSensor)->Apply(growth2d);
 BENCHMARK_CAPTURE(growth_2d, 1280x720, kLargeSensor)->Apply(growth2d);
 BENCHMARK_CAPTURE(growth_3d, 640x480, kSmallSensor)->Apply(growth3d);

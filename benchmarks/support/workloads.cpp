@@ -167,6 +167,19 @@ std::vector<Event2D> simulatedEvents(const SensorSize& sensor, std::size_t count
     return events;
 }
 
+std::vector<Event2D> flickeringBlock(int side, std::size_t count) {
+    constexpr double kCorner = 100;
+    Random random(kSeed);
+    std::vector<Event2D> events;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double x = uniform(random, kCorner, kCorner + side);
+        const double y = uniform(random, kCorner, kCorner + side);
+        events.emplace_back(static_cast<unsigned short>(x), static_cast<unsigned short>(y),
+                            static_cast<unsigned char>(1), 10 * i);
+    }
+    return events;
+}
+
 template <int DIM, typename T>
 std::vector<KDPoint<DIM, T>> pointsOf(const std::vector<Event2D>& events) {
     std::vector<KDPoint<DIM, T>> points;

@@ -39,6 +39,10 @@ constexpr SensorSize kLargeSensor = {1280, 720};
 /// every run.
 std::vector<Event2D> simulatedEvents(const SensorSize& sensor, std::size_t count);
 
+/// Events at random pixels of a block of `side` x `side` pixels, one every 10 us: a hot pixel, if
+/// `side` is 1, or a flickering light. The same in every run.
+std::vector<Event2D> flickeringBlock(int side, std::size_t count);
+
 /// Events as points: pixels and, in three dimensions, milliseconds.
 template <int DIM, typename T = float>
 std::vector<KDPoint<DIM, T>> pointsOf(const std::vector<Event2D>& events);
