@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <stdexcept>
+#include <system_error>
 
 #include "sessions/methods.hpp"
 #include "sessions/parameter_error.hpp"
@@ -37,6 +38,15 @@ std::vector<std::string> methodNames() {
         names.push_back(method.name);
     }
     return names;
+}
+
+/// The number that a text consists of, if the type can hold it.
+template <typename T>
+std::optional<T> numberFrom(const std::string& text) {
+    T number{};
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
 // clang-format off
@@ -234,14 +244,11 @@ Value Parameter::parse(const std::string& text) const {
             throw ParameterError{ParameterError::Kind::Text, this, error.what()};
         }
     }
-    const char* const end = text.data() + text.size();
-    std::int64_t whole = 0;
-    if (std::from_chars(text.data(), end, whole).ptr == end && !text.empty()) {
-        return whole;
+    if (const auto whole = numberFrom<std::int64_t>(text)) {
+        return *whole;
     }
-    double real = 0.0;
-    if (std::from_chars(text.data(), end, real).ptr == end && !text.empty()) {
-        return real;
+    if (const auto real = numberFrom<double>(text)) {
+        return *real;
     }
     return text;
 }

@@ -55,6 +55,13 @@ TEST_F(ParameterOptions, NameTheOptionInErrors) {
               "--to: must be later than --from");
 }
 
+TEST_F(ParameterOptions, RefuseNumbersThatAreTooLarge) {
+    EXPECT_EQ(errorOf("--min-cluster-size 99999999999999999999"),
+              "--min-cluster-size: must be a whole number from 0 to 2147483647, not '1e+20'");
+    EXPECT_EQ(errorOf("--max-cluster-size 1e999"),
+              "--max-cluster-size: must be a whole number from 0 to 2147483647, not '1e999'");
+}
+
 TEST_F(ParameterOptions, RefuseParametersOfTracksWithoutTracks) {
     EXPECT_EQ(errorOf("--max-missed 5"), "--max-missed: needs --track");
 }

@@ -36,5 +36,12 @@ TEST(Parameters, AreReadFromText) {
     EXPECT_THROW(findParameter("window_us")->parse("5"), ParameterError);
 }
 
+TEST(Parameters, KeepTheSizeOfNumbersThatAreTooLarge) {
+    const Parameter& parameter = *findParameter("min_cluster_size");
+    EXPECT_EQ(parameter.parse("99999999999999999999"), Value(1e20));
+    EXPECT_EQ(parameter.parse("-99999999999999999999"), Value(-1e20));
+    EXPECT_EQ(parameter.parse("1e999"), Value(std::string("1e999")));
+}
+
 }  // namespace
 }  // namespace kelvora::tool
