@@ -31,6 +31,14 @@ bool isInside(double number, const Range& range) {
            (range.is_open ? number > range.smallest : number >= range.smallest);
 }
 
+/// Whether an integer type has room for a number. NaN fits into none.
+template <typename T>
+bool fits(double number) {
+    // A power of two is exact. The largest number of the type would be rounded up to it.
+    const double end = std::ldexp(1.0, std::numeric_limits<T>::digits);
+    return number >= static_cast<double>(std::numeric_limits<T>::min()) && number < end;
+}
+
 /// The number that a value states, if the type of the setting can hold it.
 template <typename T>
 std::optional<T> numberFrom(const Value& value, const Range& range) {
@@ -40,10 +48,7 @@ std::optional<T> numberFrom(const Value& value, const Range& range) {
     } else if (const auto* real = std::get_if<double>(&value)) {
         number = *real;
     }
-    const bool is_whole = number == std::floor(number);
-    if (std::is_integral_v<T> &&
-        (!is_whole || !(number <= static_cast<double>(std::numeric_limits<T>::max())) ||
-         number < static_cast<double>(std::numeric_limits<T>::min()))) {
+    if (std::is_integral_v<T> && (number != std::floor(number) || !fits<T>(number))) {
         return std::nullopt;
     }
     if (!isInside(number, range) || !isInside(static_cast<double>(static_cast<T>(number)), range)) {

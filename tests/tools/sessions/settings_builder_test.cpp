@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -75,6 +76,17 @@ TEST(SettingsBuilder, RefusesValuesOutOfRange) {
     EXPECT_EQ(errorOf({{"method", std::string("dbscan")}}),
               "method: must be one of 'grid', 'density', 'centroid', not 'dbscan'; did you mean "
               "density?");
+}
+
+TEST(SettingsBuilder, AcceptsWholeNumbersUpToTheLargestOfTheirType) {
+    const double end = 0x1p64;
+    SettingsBuilder builder;
+    builder.set(*findParameter("capacity"), std::nextafter(end, 0.0));
+    EXPECT_EQ(builder.settings.point.capacity, 0xFFFF'FFFF'FFFF'F800U);
+    EXPECT_THROW(builder.set(*findParameter("capacity"), end), ParameterError);
+    builder.set(*findParameter("min_pts"), 2147483647.0);
+    EXPECT_EQ(builder.settings.density.min_pts, 0x7FFF'FFFF);
+    EXPECT_THROW(builder.set(*findParameter("min_pts"), 0x1p31), ParameterError);
 }
 
 TEST(SettingsBuilder, RefusesContradictions) {
