@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <pybind11/stl.h>
 
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -57,6 +58,25 @@ std::string textOf(const py::handle& value) {
     return py::repr(value);
 }
 
+/// The value of an integer of any type. Larger ones than settings hold become infinite.
+tool::Value toNumber(const py::handle& integer) {
+    const auto whole = py::reinterpret_steal<py::object>(PyNumber_Index(integer.ptr()));
+    if (!whole) {
+        throw py::error_already_set();
+    }
+    int overflow = 0;
+    const std::int64_t number = PyLong_AsLongLongAndOverflow(whole.ptr(), &overflow);
+    if (overflow == 0) {
+        return number;
+    }
+    const double real = PyLong_AsDouble(whole.ptr());
+    if (PyErr_Occurred() == nullptr) {
+        return real;
+    }
+    PyErr_Clear();
+    return overflow * std::numeric_limits<double>::infinity();
+}
+
 tool::Value toValue(const Parameter& parameter, const py::handle& value) {
     if (parameter.isFlag()) {
         return value.cast<bool>();
@@ -65,10 +85,7 @@ tool::Value toValue(const Parameter& parameter, const py::handle& value) {
         return value.cast<std::string>();
     }
     if (PyIndex_Check(value.ptr()) != 0) {
-        const auto whole = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
-        int overflow = 0;
-        const std::int64_t number = PyLong_AsLongLongAndOverflow(whole.ptr(), &overflow);
-        return overflow == 0 ? tool::Value(number) : tool::Value(PyLong_AsDouble(whole.ptr()));
+        return toNumber(value);
     }
     if (parameter.isDuration()) {
         throw py::type_error(

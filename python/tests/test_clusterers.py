@@ -383,3 +383,20 @@ def test_the_grid_reports_no_number_of_events():
     clusterer = kelvora.GridClusterer(WIDTH, HEIGHT)
     clusterer.process(square(50, 50))
     assert clusterer.generate(0)["events"].tolist() == [-1]
+
+
+@pytest.mark.parametrize("number", [10**30, -(10**30), 10**400, -(10**400)])
+def test_integers_of_any_size_are_refused_as_out_of_range(number):
+    with pytest.raises(ValueError, match="jobs must be a whole number from -1 to 255, not "):
+        kelvora.DensityClusterer(WIDTH, HEIGHT, jobs=number)
+    with pytest.raises(ValueError, match="time_length_us must be a whole number from 0 to "):
+        kelvora.DensityClusterer(WIDTH, HEIGHT, time_length_us=number)
+
+
+def test_an_error_of_an_integer_type_reaches_the_caller():
+    class Broken:
+        def __index__(self):
+            raise ZeroDivisionError
+
+    with pytest.raises(ZeroDivisionError):
+        kelvora.DensityClusterer(WIDTH, HEIGHT, jobs=Broken())
