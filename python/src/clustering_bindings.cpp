@@ -10,6 +10,7 @@
 #include <exception>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -58,18 +59,28 @@ struct Task {
     tool::Settings settings;
 };
 
+std::optional<Size> toSize(const py::object& sensor) {
+    try {
+        return sensor.cast<std::optional<Size>>();
+    } catch (const py::cast_error&) {
+        throw std::invalid_argument("sensor must be a pair of integers from 1 to 65536");
+    }
+}
+
 /// \param keywords  As for `cluster_recordings`: how to read the recording, and parameters.
 Task toTask(const std::filesystem::path& path, const py::dict& keywords) {
     const auto parameters = py::reinterpret_steal<py::dict>(PyDict_Copy(keywords.ptr()));
     const auto take = [&](const char* name) -> py::object {
         return parameters.attr("pop")(name, py::none());
     };
+    const auto takeText = [&](const char* name) -> std::optional<std::string> {
+        const py::object text = take(name);
+        return text.is_none() ? std::nullopt : std::optional(toString(name, text));
+    };
     Task task;
     task.path = path;
-    task.read = toReadOptions(take("sensor").cast<std::optional<Size>>(),
-                              take("input_format").cast<std::optional<std::string>>(),
-                              take("columns").cast<std::optional<std::string>>(),
-                              take("time_unit").cast<std::optional<std::string>>());
+    task.read = toReadOptions(toSize(take("sensor")), takeText("input_format"), takeText("columns"),
+                              takeText("time_unit"));
     tool::SettingsBuilder builder;
     setParameters(builder, parameters);
     checkParameters(builder);

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <pybind11/stl.h>
 
+#include <cstddef>
 #include <limits>
 #include <optional>
 #include <stdexcept>
@@ -58,6 +59,15 @@ std::string textOf(const py::handle& value) {
     return py::repr(value);
 }
 
+bool toFlag(const Parameter& parameter, const py::handle& value) {
+    const py::object numpy_bool = py::module_::import("numpy").attr("bool_");
+    if (!py::isinstance<py::bool_>(value) && !py::isinstance(value, numpy_bool)) {
+        throw py::type_error(
+            fmt::format("{} must be True or False, not {}", parameter.keyword, textOf(value)));
+    }
+    return value.cast<bool>();
+}
+
 /// The value of an integer of any type. Larger ones than settings hold become infinite.
 tool::Value toNumber(const py::handle& integer) {
     const auto whole = py::reinterpret_steal<py::object>(PyNumber_Index(integer.ptr()));
@@ -79,10 +89,10 @@ tool::Value toNumber(const py::handle& integer) {
 
 tool::Value toValue(const Parameter& parameter, const py::handle& value) {
     if (parameter.isFlag()) {
-        return value.cast<bool>();
+        return toFlag(parameter, value);
     }
     if (py::isinstance<py::str>(value)) {
-        return value.cast<std::string>();
+        return toString(parameter.keyword, value);
     }
     if (PyIndex_Check(value.ptr()) != 0) {
         return toNumber(value);
@@ -176,6 +186,18 @@ tool::Settings clustererSettings(const std::string& method, const py::dict& keyw
     setParameters(builder, keywords);
     checkParameters(builder);
     return builder.settings;
+}
+
+std::string toString(const std::string& keyword, const py::handle& value) {
+    if (!py::isinstance<py::str>(value)) {
+        throw py::type_error(fmt::format("{} must be a string, not {}", keyword, textOf(value)));
+    }
+    Py_ssize_t size = 0;
+    const char* const text = PyUnicode_AsUTF8AndSize(value.ptr(), &size);
+    if (text == nullptr) {
+        throw py::error_already_set();
+    }
+    return {text, static_cast<std::size_t>(size)};
 }
 
 void require(bool condition, const char* message) {

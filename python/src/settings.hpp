@@ -28,6 +28,12 @@ void checkParameters(const tool::SettingsBuilder& builder);
 /// The settings of a clusterer.
 tool::Settings clustererSettings(const std::string& method, const pybind11::dict& keywords);
 
+/// The text of a string.
+///
+/// \param keyword  Name of the argument, for messages.
+/// \throws pybind11::type_error  if it is not a string.
+std::string toString(const std::string& keyword, const pybind11::handle& value);
+
 /// \throws std::invalid_argument  if it is not a valid sensor size.
 recording::SensorSize toSensorSize(std::int64_t width, std::int64_t height);
 

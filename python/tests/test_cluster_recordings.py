@@ -236,6 +236,15 @@ def test_no_recordings_give_no_results():
         (TypeError, "sensor must be a pair of integers", {"sensor": 640}),
         (TypeError, "sensor must be a pair of integers", {"sensor": (640,)}),
         (TypeError, "sensor must be a pair of integers", {"sensor": "640x480"}),
+        (ValueError, "sensor must be a pair of integers from 1 to", {"sensor": (10**30, 480)}),
+        (TypeError, "columns must be a string, not 5", {"columns": 5}),
+        (TypeError, "input_format must be a string, not b'evt3'", {"input_format": b"evt3"}),
+        (TypeError, "time_unit must be a string, not 1.5", {"time_unit": 1.5}),
+        (UnicodeEncodeError, "surrogates", {"columns": "\ud800"}),
+        (UnicodeEncodeError, "surrogates", {"polarity": "\ud800"}),
+        (TypeError, "count_every_event must be True or False, not 2.5", {"count_every_event": 2.5}),
+        (TypeError, "tracking must be True or False, not 1", {"tracking": 1}),
+        (TypeError, "tracking must be True or False, not 'no'", {"tracking": "no"}),
     ],
 )
 def test_bad_options_are_refused_before_any_work(error, text, options):

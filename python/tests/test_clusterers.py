@@ -400,3 +400,11 @@ def test_an_error_of_an_integer_type_reaches_the_caller():
 
     with pytest.raises(ZeroDivisionError):
         kelvora.DensityClusterer(WIDTH, HEIGHT, jobs=Broken())
+
+
+def test_flags_are_bools_of_python_or_numpy():
+    for flag in (True, np.True_):
+        kelvora.GridClusterer(WIDTH, HEIGHT, count_every_event=flag)
+    for wrong in (1, 2.5, "True", np.int8(1), [True]):
+        with pytest.raises(TypeError, match="count_every_event must be True or False, not "):
+            kelvora.GridClusterer(WIDTH, HEIGHT, count_every_event=wrong)
