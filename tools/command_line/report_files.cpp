@@ -11,6 +11,11 @@ namespace kelvora::tool {
 
 namespace {
 
+/// Bytes that are not UTF-8, as in some names of files, become U+FFFD.
+std::string textOf(const nlohmann::ordered_json& json) {
+    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+}
+
 bool hasTable(const ReportOptions& options) {
     return options.json != "-";
 }
@@ -39,7 +44,7 @@ void ReportFiles::write(const std::string& table, const nlohmann::ordered_json& 
         print(table);
     }
     if (json_file) {
-        json_file->write(json.dump(2) + '\n');
+        json_file->write(textOf(json));
     }
 }
 

@@ -43,6 +43,13 @@ TEST_F(ReportFilesTest, PrintsJsonInsteadOfTheTable) {
     EXPECT_EQ(output("-"), "{\n  \"figure\": 1\n}\n");
 }
 
+TEST_F(ReportFilesTest, ReplacesBytesThatAreNotUtf8) {
+    ReportFiles files({path, {}});
+    files.write("", {{"recording", "a\xe9.bin"}});
+    files.close();
+    EXPECT_EQ(test::contentOf(path), "{\n  \"recording\": \"a\xef\xbf\xbd.bin\"\n}\n");
+}
+
 TEST_F(ReportFilesTest, KeepsAnIncompleteReportAsPartial) {
     output(path, false);
     EXPECT_FALSE(std::filesystem::exists(path));
