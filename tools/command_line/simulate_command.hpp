@@ -5,9 +5,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "command_line/quantities.hpp"
 #include "kelvora/recording/event_writer.hpp"
-#include "kelvora/recording/sensor_size.hpp"
 #include "simulation/scene_options.hpp"
 
 namespace kelvora::tool {
@@ -28,15 +26,13 @@ public:
 private:
     void declareOutput();
     void declareScene();
+    void checkOptions() const;
 
     CLI::App* command;
     std::filesystem::path output;
     std::filesystem::path truth;
     std::optional<std::string> format;
     recording::WriteOptions write;
-    recording::SensorSize sensor{640, 480};
-    Duration duration{2'000'000};
-    Duration truth_interval{10'000};
     simulation::SceneOptions scene;
 };
 

@@ -101,8 +101,8 @@ TEST_F(Program, WritesTheTruthOfASimulation) {
 
 TEST_F(Program, RefusesAnInvalidScene) {
     const Outcome outcome = run("simulate -o " + path("scene.raw") + " --lights 1000");
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.errors, HasSubstr("lights"));
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.errors, HasSubstr("--lights: must be from 0 to 100, not 1000"));
 }
 
 TEST_F(Program, FindsTheSameClustersInEveryFormat) {

@@ -32,7 +32,7 @@ FAILING = [
     ("bench missing.raw", 1),
     ("score --truth missing.csv --clusters clusters.csv", 1),
     ("simulate -o missing/a.raw", 1),
-    ("simulate -o a.raw --lights 1000", 1),
+    ("simulate -o a.raw --lights 1000", 2),
     ("cluster scene.raw -o scene.raw", 2),
     ("cluster", 2),
     ("clutser", 2),
