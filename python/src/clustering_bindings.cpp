@@ -23,6 +23,7 @@
 #include "kelvora/recording/recording_error.hpp"
 #include "read_options.hpp"
 #include "sessions/cluster_rows.hpp"
+#include "sessions/recording_session.hpp"
 #include "sessions/session.hpp"
 #include "sessions/window_reader.hpp"
 #include "settings.hpp"
@@ -131,8 +132,7 @@ Found findClusters(const Task& task) {
     found.dropped = reader.eventCleaner().droppedOffSensor();
     found.clamped = reader.eventCleaner().clampedTimes();
     found.skipped_words = reader.source().skippedWords();
-    const std::string remark = session.remark();
-    found.remark = remark.empty() ? reader.remark() : remark;
+    found.remark = tool::remarksOf(session, reader);
     return found;
 }
 

@@ -200,6 +200,15 @@ def test_unknown_sensor_size_is_reported_with_a_remedy(scenes):
     assert "sensor=(WIDTH, HEIGHT)" in str(found.error)
 
 
+def test_all_remarks_are_returned(scenes):
+    (found,) = kelvora.cluster_recordings(
+        scenes[:1], method="centroid", k=900_000, to_us=10_000_000
+    )
+    few_events, early_end = found.remark.split("; ")
+    assert few_events.startswith("windows without clusters")
+    assert early_end == "the recording ends within the requested time range"
+
+
 def test_no_recordings_give_no_results():
     assert kelvora.cluster_recordings([]) == []
 

@@ -14,6 +14,7 @@
 #include "command_line/progress_line.hpp"
 #include "command_line/standard_streams.hpp"
 #include "kelvora/recording/event_reader.hpp"
+#include "sessions/recording_session.hpp"
 #include "sessions/session.hpp"
 #include "sessions/window_reader.hpp"
 
@@ -31,10 +32,8 @@ std::string summaryOf(const Session& session, const WindowReader& reader) {
     if (reader.source().skippedWords() > 0) {
         text += fmt::format(", skipped {} unknown words", reader.source().skippedWords());
     }
-    for (const std::string& remark : {session.remark(), reader.remark()}) {
-        text += (remark.empty() ? "" : "; ") + remark;
-    }
-    return text + '\n';
+    const std::string remarks = remarksOf(session, reader);
+    return text + (remarks.empty() ? "" : "; ") + remarks + '\n';
 }
 
 }  // namespace
