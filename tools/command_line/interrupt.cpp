@@ -1,41 +1,53 @@
 // SPDX-License-Identifier: MIT
 #include "command_line/interrupt.hpp"
 
+#include <array>
 #include <atomic>
 #include <csignal>
-#include <initializer_list>
 
 namespace kelvora::tool {
 
 namespace {
 
+constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
+
 std::atomic<int> received{0};
 bool is_pipe_ignored = false;
-
-void noteSignal(int signal) {
-    received = signal;
-}
 
 bool isIgnored(int signal) {
     struct sigaction action {};
     return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-/// Interrupts waits for files, which would go on otherwise.
-void catchOnce(int signal) {
+/// Notes the first signal. From then on, every signal ends the program at once.
+void noteSignal(int signal) {
+    int none = 0;
+    received.compare_exchange_strong(none, signal);
+    for (const int next : kSignals) {
+        if (!isIgnored(next)) {
+            static_cast<void>(std::signal(next, SIG_DFL));
+        }
+    }
+}
+
+/// Calls the handler at a signal. Interrupts waits for files, which would go on otherwise.
+void catchSignal(int signal) {
     struct sigaction action {};
     action.sa_handler = noteSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    // The next signal waits until the handler has switched itself off.
+    for (const int next : kSignals) {
+        static_cast<void>(::sigaddset(&action.sa_mask, next));
+    }
     static_cast<void>(::sigaction(signal, &action, nullptr));
 }
 
 }  // namespace
 
 void catchSignals() {
-    catchOnce(SIGINT);
-    for (const int signal : {SIGTERM, SIGHUP}) {
-        if (!isIgnored(signal)) {
-            catchOnce(signal);
+    for (const int signal : kSignals) {
+        // Shells start background commands with SIGINT ignored, but users may send it on purpose.
+        if (signal == SIGINT || !isIgnored(signal)) {
+            catchSignal(signal);
         }
     }
     is_pipe_ignored = isIgnored(SIGPIPE);

@@ -6,7 +6,7 @@
 namespace kelvora::tool {
 
 /// From now on, the first Ctrl-C, SIGTERM or SIGHUP only sets a flag, so that the program can end in
-/// good order. A second one ends the program at once. A SIGHUP or SIGTERM that was ignored (nohup)
+/// good order. A second one, of any kind, ends the program at once. A SIGHUP or SIGTERM that was ignored (nohup)
 /// remains ignored.
 ///
 /// A pipe that nobody reads and a file beyond the limit of the shell become errors of the output.

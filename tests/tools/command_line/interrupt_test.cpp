@@ -3,12 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <string>
 
 namespace kelvora::tool {
 namespace {
+
+constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
 
 /// The result of a signal as exit status of a process. Each test has one, because signals last.
 int outcomeOf(int signal) {
@@ -33,7 +36,28 @@ TEST(InterruptDeathTest, NotesTheFirstSignal) {
 }
 
 TEST(InterruptDeathTest, EndsTheProgramAtTheSecondSignal) {
-    EXPECT_EXIT((outcomeOf(SIGTERM), std::raise(SIGTERM)), testing::KilledBySignal(SIGTERM), "");
+    for (const int first : kSignals) {
+        for (const int second : kSignals) {
+            EXPECT_EXIT((outcomeOf(first), std::raise(second)), testing::KilledBySignal(second),
+                        "");
+        }
+    }
+}
+
+TEST(InterruptDeathTest, EndsTheProgramAtASignalDuringTheHandlerOfTheFirst) {
+    // Both signals are pending when the process unblocks them.
+    const auto raiseBoth = [] {
+        catchSignals();
+        sigset_t both{};
+        sigemptyset(&both);
+        sigaddset(&both, SIGINT);
+        sigaddset(&both, SIGTERM);
+        sigprocmask(SIG_BLOCK, &both, nullptr);
+        static_cast<void>(std::raise(SIGINT));
+        static_cast<void>(std::raise(SIGTERM));
+        sigprocmask(SIG_UNBLOCK, &both, nullptr);
+    };
+    EXPECT_EXIT((raiseBoth(), std::_Exit(0)), testing::KilledBySignal(SIGTERM), "");
 }
 
 TEST(InterruptDeathTest, MakesErrorsOfPipesAndLimits) {
@@ -46,6 +70,9 @@ TEST(InterruptDeathTest, RespectsSignalsThatAreIgnored) {
     for (const int signal : {SIGHUP, SIGTERM}) {
         EXPECT_EXIT((std::signal(signal, SIG_IGN), std::_Exit(outcomeOf(signal))),
                     testing::ExitedWithCode(0), "");
+        EXPECT_EXIT((std::signal(signal, SIG_IGN), outcomeOf(SIGINT), std::raise(signal),
+                     std::_Exit(exitStatus())),
+                    testing::ExitedWithCode(130), "");
     }
     EXPECT_EXIT((std::signal(SIGPIPE, SIG_IGN), catchSignals(), endByBrokenPipe(), std::_Exit(7)),
                 testing::ExitedWithCode(7), "");
