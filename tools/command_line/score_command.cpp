@@ -194,12 +194,13 @@ int ScoreCommand::run() const {
     score_options.has_tracks = table.has_tracks;
     scoring::TrackingScore tracking(score_options);
     for (const scoring::Frame& frame : sequence.frames) {
+        throwIfInterrupted();
         add(frame, tracking);
     }
     const Score score = {tracking.figures(), options,         sequence.truth_interval_us,
                          table.tentative,    table.untracked, sequence.clusters_outside};
-    throwIfInterrupted();
     report.write(tableOf(score), toJson(score));
+    throwIfTerminated();
     report.close();
     return exitStatus();
 }

@@ -90,8 +90,8 @@ private:
 }  // namespace
 
 std::vector<TruthBox> readTruth(const std::filesystem::path& path,
-                                const std::function<void()>& on_signal) {
-    TableReader table(path, {"timestamp_us", "id", "x", "y", "width", "height"}, on_signal);
+                                const std::function<void()>& check) {
+    TableReader table(path, {"timestamp_us", "id", "x", "y", "width", "height"}, check);
     std::vector<TruthBox> rows;
     UniqueIds<std::int64_t> ids;
     while (table.next()) {
@@ -103,8 +103,8 @@ std::vector<TruthBox> readTruth(const std::filesystem::path& path,
 }
 
 ClusterTable readClusters(const std::filesystem::path& path, bool with_tentative,
-                          const std::function<void()>& on_signal) {
-    TableReader table(path, {"timestamp_us", "x", "y", "width", "height"}, on_signal);
+                          const std::function<void()>& check) {
+    TableReader table(path, {"timestamp_us", "x", "y", "width", "height"}, check);
     ClusterTable result;
     result.has_tracks = table.has("track_id");
     UniqueIds<std::uint64_t> tracks;

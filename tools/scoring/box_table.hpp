@@ -14,11 +14,11 @@ namespace kelvora::scoring {
 /// Without a column moving (0 or 1), all objects move; without visibility (0 to 1), all are
 /// visible. Other columns are ignored.
 ///
-/// \param on_signal  As for `recording::InputFile`.
+/// \param check  As for `TableReader`.
 /// \throws recording::RecordingError  if the file cannot be read, or has two rows for an object at
 ///     the same time.
 std::vector<TruthBox> readTruth(const std::filesystem::path& path,
-                                const std::function<void()>& on_signal = {});
+                                const std::function<void()>& check = {});
 
 /// The rows of a file of clusters.
 struct ClusterTable {
@@ -35,10 +35,10 @@ struct ClusterTable {
 /// that the tracker reports. Rows with the state `none` are omitted, regardless of their track_id.
 ///
 /// \param with_tentative  Whether rows with the state `tentative` count, too.
-/// \param on_signal  As for `recording::InputFile`.
+/// \param check  As for `TableReader`.
 /// \throws recording::RecordingError  if the file cannot be read, or has two rows for a track at
 ///     the same time.
 ClusterTable readClusters(const std::filesystem::path& path, bool with_tentative,
-                          const std::function<void()>& on_signal = {});
+                          const std::function<void()>& check = {});
 
 }  // namespace kelvora::scoring

@@ -50,8 +50,9 @@ std::string textOf(const nlohmann::json& value) {
 }  // namespace
 
 TableReader::TableReader(const std::filesystem::path& path,
-                         const std::vector<std::string>& required, std::function<void()> on_signal)
-    : file(path, std::move(on_signal)) {
+                         const std::vector<std::string>& required,
+                         const std::function<void()>& check)
+    : check_reading(check ? check : [] {}), file(path, check) {
     if (!nextLine()) {
         throw recording::RecordingError(recording::ErrorKind::Damaged, file.name(), "is empty", {},
                                         "give a CSV file with a header line, or JSON lines");
@@ -142,6 +143,7 @@ bool TableReader::fillBuffer() {
         refuse(fmt::format("has a line of more than {} bytes", kMaxLine),
                "give a CSV file with a header line, or JSON lines");
     }
+    check_reading();
     const std::size_t left = buffer.size();
     buffer.resize(left + kBufferSize);
     const std::size_t count = file.read(buffer.data() + left, kBufferSize);

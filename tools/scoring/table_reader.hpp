@@ -23,9 +23,10 @@ namespace kelvora::scoring {
 class TableReader {
 public:
     /// \param required  Columns that must exist.
-    /// \param on_signal  As for `recording::InputFile`.
+    /// \param check  Called before each piece of the file is read, and when a signal arrives during
+    ///     a wait for it. May throw to end reading.
     TableReader(const std::filesystem::path& path, const std::vector<std::string>& required,
-                std::function<void()> on_signal = {});
+                const std::function<void()>& check = {});
 
     /// Whether the table has this column.
     bool has(std::string_view column) const;
@@ -67,6 +68,7 @@ private:
     template <class Number>
     Number parse(std::string_view column, const char* expected) const;
 
+    std::function<void()> check_reading;
     recording::InputFile file;
     bool is_json = false;
     bool has_row = false;  ///< The first line was a row and not a header.

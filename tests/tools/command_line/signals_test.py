@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Signals end the program in good order."""
 
+import contextlib
 import os
 import pathlib
 import re
@@ -8,7 +9,7 @@ import signal
 import subprocess
 import unittest
 
-from file_cases import FileTest, add_test
+from file_cases import SCORE, FileTest, add_test
 from program_runner import Outcome, is_waiting, unread_bytes, wait_until
 
 SIGNALS = {
@@ -191,6 +192,34 @@ class ASignal(FileTest):
         status = pathlib.Path(f"/proc/{process.pid}/status").read_text(encoding="utf-8")
         mask = int(re.search(r"SigCgt:\s*([0-9a-f]+)", status)[1], 16)
         return bool(mask >> (number - 1) & 1)
+
+    def full_pipe(self, name: str) -> int:
+        """Make a named pipe that takes nothing more until its content is read."""
+        os.mkfifo(self.directory / name)
+        pipe = os.open(self.directory / name, os.O_RDWR | os.O_NONBLOCK)
+        self.addCleanup(os.close, pipe)
+        with contextlib.suppress(BlockingIOError):
+            while True:
+                os.write(pipe, bytes(4096))
+        return pipe
+
+    def test_ctrl_c_while_frames_are_compared(self) -> None:
+        """A score of some frames would look like a score of all."""
+        boxes = [f"10000,{number},0,0,9,9\n" for number in range(200)]
+        header = "timestamp_us,id,x,y,width,height\n"
+        self.write("truth.csv", (header + "".join(boxes) + "20000,0,0,0,9,9\n").encode())
+        self.write("clusters.csv", (header + "".join(boxes) + "15000,0,0,0,9,9\n").encode())
+        # The warning of the different intervals comes just before the first frame, which would end
+        # the program because it has too many pairs of boxes.
+        errors = self.full_pipe("errors")
+        process = self.start(f"{SCORE} --max-memory 1 --json a.csv", "2>errors")
+        wait_until(lambda: self.is_caught(process, signal.SIGINT) and is_waiting(process))
+        process.send_signal(signal.SIGINT)
+        os.read(errors, 1 << 20)
+        outcome = self.outcome(process)
+        self.assertEqual((outcome.status, outcome.output), (130, b""))
+        self.assertIn(b"interrupted by Ctrl-C", os.read(errors, 1 << 20))
+        self.assertFalse([name for name in self.contents() if "a.csv" in name])
 
     def test_hang_up_is_ignored_with_nohup(self) -> None:
         """The user has logged out on purpose."""

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -89,6 +90,27 @@ TEST(TableReader, ReadsATableThatIsLongerThanItsBuffer) {
     for (std::size_t i = 0; i < values.size(); ++i) {
         ASSERT_EQ(values[i], static_cast<std::int64_t>(i));
     }
+}
+
+TEST(TableReader, CanBeEndedBetweenThePiecesOfATable) {
+    std::string content = "b\n";
+    for (int i = 0; i < 100'000; ++i) {
+        content += "1\n";
+    }
+    const TableFile file(content);
+    bool is_over = false;
+    TableReader table(file.path(), {"b"}, [&is_over] {
+        if (is_over) {
+            throw std::domain_error("over");
+        }
+    });
+    is_over = true;
+    EXPECT_THROW(
+        {
+            while (table.next()) {
+            }
+        },
+        std::domain_error);
 }
 
 TEST(TableReader, RefusesAFileThatIsMissingOrEmpty) {
