@@ -13,7 +13,7 @@ from recordings import run_tool, simulate
 
 WINDOW = 10_000
 # Sanitizers take many times longer, and few windows reach all code.
-WINDOWS = 15 if "KELVORA_FEWER_ROUNDS" in os.environ else 60
+WINDOWS = 15 if "KELVORA_FEWER_ROUNDS" in os.environ else 30
 VARIANTS = [
     {"method": "grid"},
     {"method": "density", "dim": 2, "jobs": 1},

@@ -66,7 +66,7 @@ TYPED_TEST(CrowdedExpansions, FindTheSameAsTheModelInSmallSets) {
 }
 
 TYPED_TEST(CrowdedExpansions, FindTheSameAsTheModelInLargerSets) {
-    this->compareMany(rounds(20), 2000);
+    this->compareMany(rounds(20), 1000);
 }
 
 // From one pixel, all of whose points are neighbours, to a block much larger than the radius. Some
