@@ -34,7 +34,8 @@ void CrowdedExpansion<DIM, T>::run(const std::vector<Point>& points, T radius, s
     for (const std::uint32_t slot : slot_of) {
         // A point that is not core stays unvisited: it may become a border point
         // of a later cluster.
-        if (slot != Tree::kNoSlot && isUnvisited(slot) && findNeighbours(slot, walk, min_pts)) {
+        if (slot != Tree::kNoSlot && Tree::contains(unvisited, slot) &&
+            findNeighbours(slot, walk, min_pts)) {
             std::vector<std::size_t>& members = clusters.emplace_back();
             expand(slot, walk, min_pts, members);
             boxes.push_back(boxOf(points, members));
@@ -88,8 +89,7 @@ void CrowdedExpansion<DIM, T>::search(const Center& center, Walk& walk, bool unv
 /// Returns whether a point is core. If so, its neighbours are found.
 template <int DIM, typename T>
 bool CrowdedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, std::size_t min_pts) {
-    std::uint16_t& core_lanes = may_be_core[Tree::leafOf(slot)];
-    if ((core_lanes >> Tree::laneOf(slot) & 1U) == 0) {
+    if (!Tree::contains(may_be_core, slot)) {
         return false;
     }
     const Center center = tree.coordinatesAt(slot);
@@ -101,7 +101,7 @@ bool CrowdedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, st
         }
     }
     if (neighbour_count < min_pts) {
-        core_lanes = static_cast<std::uint16_t>(core_lanes & ~(1U << Tree::laneOf(slot)));
+        Tree::remove(may_be_core, slot);
         return false;
     }
     return true;
@@ -109,9 +109,8 @@ bool CrowdedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, st
 
 template <int DIM, typename T>
 void CrowdedExpansion<DIM, T>::visit(std::uint32_t slot, std::vector<std::size_t>& members) {
-    const std::size_t leaf = Tree::leafOf(slot);
-    unvisited[leaf] = static_cast<std::uint16_t>(unvisited[leaf] & ~(1U << Tree::laneOf(slot)));
-    parts.visit(leaf);
+    Tree::remove(unvisited, slot);
+    parts.visit(Tree::leafOf(slot));
     visited_at[slot] = visits++;
     members.push_back(tree.order[slot]);
 }
@@ -226,7 +225,7 @@ void CrowdedExpansion<DIM, T>::pushRest(std::uint32_t slot, bool is_seed, Walk& 
         });
     }
     for (auto neighbour = listed.begin(); neighbour != end; ++neighbour) {
-        if (isUnvisited(*neighbour)) {
+        if (Tree::contains(unvisited, *neighbour)) {
             stack.push(*neighbour);
         }
     }

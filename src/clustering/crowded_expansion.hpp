@@ -70,18 +70,13 @@ private:
     void listPart(std::uint32_t node);
     void listLanes(std::uint32_t leaf, unsigned lanes);
 
-    bool isUnvisited(std::uint32_t slot) const {
-        return (unvisited[Tree::leafOf(slot)] >> Tree::laneOf(slot) & 1U) != 0;
-    }
-
     const Tree& tree;
     TreeParts<DIM, T> parts;
     T within;  ///< Square of a little less than the radius: parts within are found whole.
 
-    std::vector<std::uint32_t> slot_of;    ///< Slot of each of the caller's points.
-    std::vector<std::uint16_t> unvisited;  ///< One bit for each point of a leaf.
-    /// One bit for each point of a leaf: cleared if the point is known not to be core.
-    std::vector<std::uint16_t> may_be_core;
+    std::vector<std::uint32_t> slot_of;  ///< Slot of each of the caller's points.
+    typename Tree::SlotSet unvisited;
+    typename Tree::SlotSet may_be_core;  ///< Without the points that are known not to be core.
     /// When each slot was visited, counted in visits; `kNever` before that.
     std::vector<std::uint32_t> visited_at;
     std::uint32_t visits = 0;

@@ -49,6 +49,17 @@ public:
     static std::size_t leafOf(std::uint32_t slot) { return slot >> kLaneBits; }
     static unsigned laneOf(std::uint32_t slot) { return slot & ((1U << kLaneBits) - 1); }
 
+    /// A set of points: one bit for each lane of each leaf.
+    using SlotSet = std::vector<std::uint16_t>;
+
+    static bool contains(const SlotSet& set, std::uint32_t slot) {
+        return (set[leafOf(slot)] >> laneOf(slot) & 1U) != 0;
+    }
+    static void remove(SlotSet& set, std::uint32_t slot) {
+        std::uint16_t& lanes = set[leafOf(slot)];
+        lanes = static_cast<std::uint16_t>(lanes & ~(1U << laneOf(slot)));
+    }
+
     /// Builds the tree of `points`. As in `KDTree`, the largest number replaces coordinates that
     /// are not finite; but such points are never found.
     void build(const std::vector<Point>& points);
@@ -81,14 +92,12 @@ public:
         return result;
     }
 
-    bool isFinite(std::uint32_t slot) const {
-        return (finite_lanes[leafOf(slot)] >> laneOf(slot) & 1U) != 0;
-    }
+    bool isFinite(std::uint32_t slot) const { return contains(finite_lanes, slot); }
 
     std::vector<Node> nodes;           ///< The root first; none without points.
     std::vector<T> lanes;              ///< NaN in lanes without a finite point.
     std::vector<std::uint32_t> order;  ///< Index of each slot's point in the caller's vector.
-    std::vector<std::uint16_t> finite_lanes;  ///< One bit for each finite point of a leaf.
+    SlotSet finite_lanes;              ///< The points that are finite.
     std::size_t points = 0;
     std::size_t depth = 0;  ///< Nodes on the longest path from root to leaf.
 

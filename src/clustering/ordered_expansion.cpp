@@ -15,9 +15,8 @@ void OrderedExpansion<DIM, T>::run(const std::vector<Point>& points, T radius, s
     for (const std::uint32_t slot : slot_of) {
         // A point that is not core stays unvisited: it may become a border point
         // of a later cluster.
-        const bool is_unvisited = slot != Tree::kNoSlot &&
-                                  (unvisited[Tree::leafOf(slot)] >> Tree::laneOf(slot) & 1U) != 0;
-        if (is_unvisited && findNeighbours(slot, walk, min_pts)) {
+        if (slot != Tree::kNoSlot && Tree::contains(unvisited, slot) &&
+            findNeighbours(slot, walk, min_pts)) {
             std::vector<std::size_t>& members = clusters.emplace_back();
             members.reserve(neighbour_count);
             expand(slot, walk, min_pts, members);
@@ -39,8 +38,7 @@ void OrderedExpansion<DIM, T>::reset() {
 /// Returns whether a point is core. If so, lists its neighbours.
 template <int DIM, typename T>
 bool OrderedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, std::size_t min_pts) {
-    std::uint16_t& core_lanes = may_be_core[Tree::leafOf(slot)];
-    if ((core_lanes >> Tree::laneOf(slot) & 1U) == 0) {
+    if (!Tree::contains(may_be_core, slot)) {
         return false;
     }
     leaf_count = 0;
@@ -52,7 +50,7 @@ bool OrderedExpansion<DIM, T>::findNeighbours(std::uint32_t slot, Walk& walk, st
         return true;
     });
     if (neighbour_count < min_pts) {
-        core_lanes = static_cast<std::uint16_t>(core_lanes & ~(1U << Tree::laneOf(slot)));
+        Tree::remove(may_be_core, slot);
         return false;
     }
     return true;
@@ -63,8 +61,7 @@ template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::expand(std::uint32_t seed, Walk& walk, std::size_t min_pts,
                                       std::vector<std::size_t>& members) {
     const auto visit = [&](std::uint32_t slot) {
-        std::uint16_t& lanes = unvisited[Tree::leafOf(slot)];
-        lanes = static_cast<std::uint16_t>(lanes & ~(1U << Tree::laneOf(slot)));
+        Tree::remove(unvisited, slot);
         members.push_back(tree.order[slot]);
     };
     visit(seed);

@@ -45,9 +45,8 @@ private:
     void collectFromBehind(std::size_t leaf, unsigned lanes);
     void pushFilled(std::size_t leaf, unsigned lanes);
 
-    std::vector<std::uint16_t> unvisited;  ///< One bit for each point of a leaf.
-    /// One bit for each point of a leaf: cleared if the point is known not to be core.
-    std::vector<std::uint16_t> may_be_core;
+    typename Tree::SlotSet unvisited;
+    typename Tree::SlotSet may_be_core;   ///< Without the points that are known not to be core.
     std::vector<std::uint32_t> slot_of;   ///< Slot of each of the caller's points.
     std::vector<LanesOfLeaf> neighbours;  ///< The first `leaf_count` are in use.
     std::size_t leaf_count = 0;
