@@ -257,9 +257,7 @@ void CrowdedExpansion<DIM, T>::listPart(std::uint32_t node) {
 
 template <int DIM, typename T>
 void CrowdedExpansion<DIM, T>::listLanes(std::uint32_t leaf, unsigned lanes) {
-    for (; lanes != 0; lanes &= lanes - 1) {
-        listed.push_back(Tree::slotAt(leaf, lowestBit(lanes)));
-    }
+    forEachLane(lanes, [&](unsigned lane) { listed.push_back(Tree::slotAt(leaf, lane)); });
 }
 
 template class CrowdedExpansion<2, float>;

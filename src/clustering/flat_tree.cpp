@@ -29,11 +29,10 @@ template <int DIM, typename T>
 void FlatTree<DIM, T>::listSlots(std::vector<std::uint32_t>& slot_of) const {
     slot_of.assign(points, kNoSlot);
     for (std::size_t leaf = 0; leaf < leaves(); ++leaf) {
-        for (unsigned lanes_left = finite_lanes[leaf]; lanes_left != 0;
-             lanes_left &= lanes_left - 1) {
-            const std::uint32_t slot = slotAt(leaf, lowestBit(lanes_left));
+        forEachLane(finite_lanes[leaf], [&](unsigned lane) {
+            const std::uint32_t slot = slotAt(leaf, lane);
             slot_of[order[slot]] = slot;
-        }
+        });
     }
 }
 

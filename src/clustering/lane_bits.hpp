@@ -26,6 +26,14 @@ inline unsigned highestBit(unsigned bits) {
     return 31U - static_cast<unsigned>(__builtin_clz(bits));
 }
 
+/// Calls `onLane(lane)` for each bit that is set, from the lowest to the highest.
+template <class OnLane>
+void forEachLane(unsigned lanes, OnLane onLane) {
+    for (; lanes != 0; lanes &= lanes - 1) {
+        onLane(lowestBit(lanes));
+    }
+}
+
 /// Clears the lowest `count` of the bits that are set.
 inline unsigned withoutLowest(unsigned bits, std::size_t count) {
     for (; count > 0; --count) {

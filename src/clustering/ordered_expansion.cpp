@@ -139,11 +139,10 @@ void OrderedExpansion<DIM, T>::collectFromBehind(std::size_t leaf, unsigned lane
 template <int DIM, typename T>
 void OrderedExpansion<DIM, T>::pushFilled(std::size_t leaf, unsigned lanes) {
     const unsigned unvisited_lanes = unvisited[leaf];
-    for (unsigned left = lanes; left != 0; left &= left - 1) {
-        const unsigned lane = lowestBit(left);
+    forEachLane(lanes, [&](unsigned lane) {
         const bool is_unvisited = (unvisited_lanes >> lane & 1U) != 0;
         seeds.push(is_unvisited ? Tree::slotAt(leaf, lane) : behind[--next_behind]);
-    }
+    });
 }
 
 template class OrderedExpansion<2, float>;

@@ -83,13 +83,13 @@ private:
         part.high.fill(std::numeric_limits<T>::lowest());
         part.points = countBits(tree.finite_lanes[leaf]);
         part.unvisited = part.points;
-        for (unsigned lanes = tree.finite_lanes[leaf]; lanes != 0; lanes &= lanes - 1) {
-            const auto point = tree.coordinatesAt(Tree::slotAt(leaf, lowestBit(lanes)));
+        forEachLane(tree.finite_lanes[leaf], [&](unsigned lane) {
+            const auto point = tree.coordinatesAt(Tree::slotAt(leaf, lane));
             for (std::size_t axis = 0; axis < DIM; ++axis) {
                 part.low[axis] = std::min(part.low[axis], point[axis]);
                 part.high[axis] = std::max(part.high[axis], point[axis]);
             }
-        }
+        });
         return part;
     }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "clustering/lane_bits.hpp"
 #include "clustering/set_report.hpp"
 
 namespace kelvora {
@@ -70,11 +71,8 @@ void TreeSearch<DIM, T>::joinNeighbours(std::size_t block) {
             return;
         }
         walk.neighboursOf(slot, [&](const LanesOfLeaf& near) {
-            for (unsigned lane = 0; near.lanes >> lane != 0; ++lane) {
-                if ((near.lanes >> lane & 1U) != 0) {
-                    sets.join(slot, Tree::slotAt(near.leaf, lane));
-                }
-            }
+            forEachLane(near.lanes,
+                        [&](unsigned lane) { sets.join(slot, Tree::slotAt(near.leaf, lane)); });
             return true;
         });
     });
