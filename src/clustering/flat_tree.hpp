@@ -41,6 +41,10 @@ public:
         T high;               ///< Start of the second child's.
         std::uint32_t other;  ///< The second child, or the leaf number. The first child is next.
         std::uint8_t axis;
+
+        /// Whether a walk around a point with this coordinate visits the first child first. The
+        /// arithmetic is nanoflann's: in a tie, its rounding decides.
+        bool isFirstNearer(T value) const { return (value - low) + (value - high) < 0; }
     };
 
     static std::uint32_t slotAt(std::size_t leaf, unsigned lane) {
@@ -76,10 +80,9 @@ public:
     std::pair<std::uint32_t, std::uint32_t> childrenFrom(const std::array<T, DIM>& center,
                                                          std::uint32_t number) const {
         const Node& node = nodes[number];
-        const T value = center[node.axis];
-        const bool is_first_nearer = (value - node.low) + (value - node.high) < 0;
         const std::uint32_t first = number + 1;
-        return is_first_nearer ? std::pair(first, node.other) : std::pair(node.other, first);
+        return node.isFirstNearer(center[node.axis]) ? std::pair(first, node.other)
+                                                     : std::pair(node.other, first);
     }
 
     const T* lanesOf(std::size_t leaf) const { return lanes.data() + leaf * DIM * kLanes; }

@@ -63,10 +63,8 @@ public:
             bool is_taken = takePart(number);
             while (!is_taken && node->axis != FlatTree<DIM, T>::kLeaf) {
                 const T value = center[node->axis];
-                const T beyond_low = value - node->low;
-                const T beyond_high = value - node->high;
-                const bool is_first_nearer = beyond_low + beyond_high < 0;
-                const T difference = is_first_nearer ? beyond_high : beyond_low;
+                const bool is_first_nearer = node->isFirstNearer(value);
+                const T difference = is_first_nearer ? value - node->high : value - node->low;
                 const T squared_side = difference * difference;
                 // In this order: both roundings matter.
                 const T farther = squared_distance + squared_side - squared_sides[node->axis];
