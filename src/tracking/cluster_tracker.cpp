@@ -111,17 +111,13 @@ std::vector<int> ClusterTracker::update(const std::vector<ClusterGeometry>& clus
     if (!clusters.empty() && clusters.front().timestamp < last_timestamp) {
         throw std::invalid_argument("ClusterTracker: timestamps must not decrease");
     }
-    std::vector<Target> targets_before = targets;
-    const std::uint64_t timestamp_before = last_timestamp;
-    const int id_before = next_id;
-    try {
-        return advance(clusters);
-    } catch (...) {
-        targets.swap(targets_before);
-        last_timestamp = timestamp_before;
-        next_id = id_before;
-        throw;
-    }
+    // A failure changes only the copy.
+    ClusterTracker next = *this;
+    std::vector<int> ids = next.advance(clusters);
+    targets.swap(next.targets);
+    last_timestamp = next.last_timestamp;
+    next_id = next.next_id;
+    return ids;
 }
 
 /// Updates the tracks. If this fails, they are invalid.
