@@ -3,8 +3,10 @@
 
 #include <unistd.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -34,6 +36,12 @@ public:
     std::filesystem::path file(std::string_view name, std::string_view content) const {
         std::ofstream(directory / name, std::ios::binary) << content;
         return directory / name;
+    }
+
+    /// Number of files and directories directly in it.
+    std::size_t fileCount() const {
+        const std::filesystem::directory_iterator files(directory);
+        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
     }
 
 private:

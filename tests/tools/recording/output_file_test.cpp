@@ -40,11 +40,6 @@ protected:
         return "";
     }
 
-    std::size_t fileCount() const {
-        const std::filesystem::directory_iterator files(directory.path());
-        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
-    }
-
     test::TemporaryDirectory directory;
     std::filesystem::path path = directory.file("a", "old");
     std::filesystem::path partial = directory.file("a.partial");
@@ -59,7 +54,7 @@ TEST_F(OutputFileTest, ReplacesAFileAtTheEnd) {
     EXPECT_EQ(test::contentOf(path), "old");
     file.close();
     EXPECT_EQ(test::contentOf(path), "new content");
-    EXPECT_EQ(fileCount(), 1U);
+    EXPECT_EQ(directory.fileCount(), 1U);
     EXPECT_NO_THROW(file.close());
 }
 
@@ -72,13 +67,13 @@ TEST_F(OutputFileTest, KeepsTheContentBeforeAFailureAsPartial) {
     EXPECT_EQ(test::contentOf(path), "old");
     EXPECT_EQ(test::contentOf(partial), "head content");
     EXPECT_EQ(partials, std::vector<std::string>{"a.partial"});
-    EXPECT_EQ(fileCount(), 2U);
+    EXPECT_EQ(directory.fileCount(), 2U);
 }
 
 TEST_F(OutputFileTest, KeepsNoHeaderAlone) {
     { OutputFile(path, options).writeHeader("head"); }
     EXPECT_EQ(test::contentOf(path), "old");
-    EXPECT_EQ(fileCount(), 1U);
+    EXPECT_EQ(directory.fileCount(), 1U);
     EXPECT_TRUE(partials.empty());
 }
 
@@ -100,7 +95,7 @@ TEST_F(OutputFileTest, ReplacesNothingUnlessAllowedTo) {
     EXPECT_EQ(errorOf(path), path.string() + ": exists already, choose another name");
     EXPECT_EQ(errorOf(directory.file("b")), "");
     EXPECT_EQ(test::contentOf(path), "old");
-    EXPECT_EQ(fileCount(), 2U);
+    EXPECT_EQ(directory.fileCount(), 2U);
 }
 
 TEST_F(OutputFileTest, ReplacesNoFileThatAppearsMeanwhileUnlessAllowedTo) {
@@ -143,7 +138,7 @@ TEST_F(OutputFileTest, RefusesDirectoriesAndPathsWhereNothingCanBeCreated) {
     EXPECT_THAT(errorOf(directory.file("b/")), HasSubstr(": cannot be created ("));
     EXPECT_THAT(errorOf(path / "b"), HasSubstr("(Not a directory)"));
     EXPECT_THAT(errorOf(""), HasSubstr("(No such file or directory)"));
-    EXPECT_EQ(fileCount(), 1U);
+    EXPECT_EQ(directory.fileCount(), 1U);
 }
 
 TEST_F(OutputFileTest, RefusesLinksWithoutEnd) {

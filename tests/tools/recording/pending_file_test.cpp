@@ -15,11 +15,6 @@ class PendingFileTest : public ::testing::Test {
 protected:
     PendingFileTest() { EXPECT_EQ(::write(pending.descriptor(), "new", 3), 3); }
 
-    std::size_t fileCount() const {
-        const std::filesystem::directory_iterator files(directory.path());
-        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
-    }
-
     test::TemporaryDirectory directory;
     std::filesystem::path path = directory.file("a.csv");
     std::filesystem::path unfinished =
@@ -42,7 +37,7 @@ TEST_F(PendingFileTest, GetsItsNameWhenItIsComplete) {
     directory.file("a.csv", "old");
     pending.complete(true);
     EXPECT_EQ(test::contentOf(path), "new");
-    EXPECT_EQ(fileCount(), 1U);
+    EXPECT_EQ(directory.fileCount(), 1U);
 }
 
 TEST_F(PendingFileTest, ReplacesNothingThatAppearedMeanwhile) {
@@ -66,12 +61,12 @@ TEST_F(PendingFileTest, IsKeptAsPartialWithoutReplacingAnything) {
     EXPECT_EQ(test::contentOf(directory.file("a.csv.partial.2")), "new");
     EXPECT_EQ(test::contentOf(directory.file("a.csv.partial")), "older");
     EXPECT_EQ(test::contentOf(path), "old");
-    EXPECT_EQ(fileCount(), 3U);
+    EXPECT_EQ(directory.fileCount(), 3U);
 }
 
 TEST_F(PendingFileTest, CanBeRemoved) {
     pending.remove();
-    EXPECT_EQ(fileCount(), 0U);
+    EXPECT_EQ(directory.fileCount(), 0U);
 }
 
 TEST_F(PendingFileTest, HasThePermissionsOfTheReplacedFile) {
