@@ -41,10 +41,18 @@ KELVORA_REPLACED void* calloc(std::size_t count, std::size_t size) noexcept {
 }
 
 KELVORA_REPLACED void free(void* memory) noexcept {
+    static std::atomic<void*> function;
+    static thread_local bool is_looking_up = false;
+    if (is_looking_up) {
+        return;  // `dlsym` frees the text of an earlier error. Without this, it would call itself.
+    }
+    is_looking_up = true;
+    const auto next = reinterpret_cast<decltype(&::free)>(lookUp(function, "free"));
+    is_looking_up = false;
     if (memory != nullptr) {
         --unfreed;
     }
-    KELVORA_NEXT(free)(memory);
+    next(memory);
 }
 
 KELVORA_REPLACED void* realloc(void* memory, std::size_t size) noexcept {
