@@ -42,17 +42,10 @@ public:
         return !found.clusters.empty();
     }
 
-    static void compareMany(int rounds, std::size_t most_points) {
-        for (const Scatter scatter : kScatters) {
-            int with_clusters = 0;
-            for (int round = 0; round < rounds; ++round) {
-                Random random(static_cast<std::uint64_t>(round) + 1000);
-                const DensityCase<Kind> set(random, scatter, most_points);
-                with_clusters += compare(set.points, set.eps, set.min_pts) ? 1 : 0;
-                ASSERT_FALSE(testing::Test::HasFailure()) << "round " << round << ": " << set;
-            }
-            EXPECT_GT(with_clusters, rounds / 20);
-        }
+    static void compareMany(int count, std::size_t most_points) {
+        forRandomCases<Kind>(count, most_points, count / 20 + 1, [](const auto& set) {
+            return compare(set.points, set.eps, set.min_pts);
+        });
     }
 };
 TYPED_TEST_SUITE(CrowdedExpansions, PointKinds, PointKindNames);

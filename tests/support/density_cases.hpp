@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <ostream>
 #include <random>
@@ -143,6 +146,24 @@ template <class Kind>
 std::ostream& operator<<(std::ostream& out, const DensityCase<Kind>& set) {
     return out << set.points.size() << " points, scatter " << static_cast<int>(set.scatter)
                << ", eps " << set.eps << ", min_pts " << set.min_pts;
+}
+
+/// Calls `compare(set)` for `count` random sets of each scatter, until a check fails.
+///
+/// \param compare  Returns whether the set has clusters.
+/// \param fewest  Sets of each scatter that must have clusters.
+template <class Kind, class Compare>
+void forRandomCases(int count, std::size_t most_points, int fewest, const Compare& compare) {
+    for (const Scatter scatter : kScatters) {
+        int with_clusters = 0;
+        for (int round = 0; round < count; ++round) {
+            Random random(static_cast<std::uint64_t>(round));
+            const DensityCase<Kind> set(random, scatter, most_points);
+            with_clusters += compare(set) ? 1 : 0;
+            ASSERT_FALSE(::testing::Test::HasFailure()) << "round " << round << ": " << set;
+        }
+        EXPECT_GE(with_clusters, fewest);
+    }
 }
 
 }  // namespace kelvora::test
