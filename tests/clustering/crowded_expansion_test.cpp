@@ -59,7 +59,7 @@ TYPED_TEST(CrowdedExpansions, FindTheSameAsTheModelInSmallSets) {
 }
 
 TYPED_TEST(CrowdedExpansions, FindTheSameAsTheModelInLargerSets) {
-    this->compareMany(rounds(20), 1000);
+    this->compareMany(rounds(20), 2000);
 }
 
 // From one pixel, all of whose points are neighbours, to a block much larger than the radius. Some
@@ -68,8 +68,8 @@ TYPED_TEST(CrowdedExpansions, FindTheSameAsTheModelInFlickeringBlocks) {
     for (const int side : {1, 2, 4, 8, 16, 40}) {
         for (const double eps : {1.0, 5.0, 10.0}) {
             Random random(static_cast<std::uint64_t>(side));
-            const auto points = randomGridPoints<TypeParam>(random, 1500, -3, side, 1);
-            for (const int min_pts : {1, 10, 400, 1500}) {
+            const auto points = randomGridPoints<TypeParam>(random, 600, -3, side, 1);
+            for (const int min_pts : {1, 10, 160, 600}) {
                 this->compare(points, eps, min_pts);
                 ASSERT_FALSE(testing::Test::HasFailure()) << side << ", " << eps << ", " << min_pts;
             }
