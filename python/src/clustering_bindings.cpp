@@ -13,7 +13,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "bindings.hpp"
@@ -99,24 +98,9 @@ TrackColumns toColumns(const tool::ClusterRow& row) {
     return columns;
 }
 
-recording::SensorSize requireSensor(const recording::EventReader& reader,
-                                    const std::filesystem::path& path) {
-    const auto sensor = reader.sensorSize();
-    if (!sensor) {
-        throw recording::RecordingError(recording::ErrorKind::NoSensorSize, path.string(),
-                                        "does not state the size of its sensor", {},
-                                        {"state it with {}", recording::Setting::SensorSize});
-    }
-    return *sensor;
-}
-
 Found findClusters(const Task& task) {
-    auto source = recording::openRecording(task.path, task.read);
-    const recording::SensorSize sensor = requireSensor(*source, task.path);
-    const tool::InputBounds bounds(task.path, task.settings);
-    bounds.checkSensor(sensor, source->fileSize());
-    tool::WindowReader reader(std::move(source), sensor, task.settings.windows, bounds);
-    tool::Session session(task.settings, sensor);
+    tool::WindowReader reader = tool::openWindows(task.path, task.read, task.settings);
+    tool::Session session = tool::makeSession(reader, task.settings);
     Found found;
     bool has_more = true;
     while (has_more) {

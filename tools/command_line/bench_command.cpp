@@ -14,11 +14,10 @@
 #include "command_line/parameter_options.hpp"
 #include "command_line/peak_memory.hpp"
 #include "command_line/progress_line.hpp"
-#include "kelvora/recording/event_reader.hpp"
 #include "kelvora/recording/recording_error.hpp"
 #include "recording/window_slicer.hpp"
-#include "sessions/input_bounds.hpp"
 #include "sessions/methods.hpp"
+#include "sessions/recording_session.hpp"
 #include "sessions/session.hpp"
 #include "sessions/window_reader.hpp"
 
@@ -189,10 +188,10 @@ BenchReport BenchCommand::measure(std::exception_ptr& defect) const {
     requireFile(recording.path);
     BenchReport report;
     {
-        const auto reader = recording::openRecording(recording.path, recording.read);
+        const WindowReader reader = openWindows(recording.path, recording.read, builder.settings);
         report.recording = recording.path.string();
-        report.format = reader->format();
-        report.sensor = requireSensorSize(*reader, recording);
+        report.format = reader.source().format();
+        report.sensor = reader.sensorSize();
         report.window = builder.settings.windows.window;
     }
     const auto start = Clock::now();
@@ -212,15 +211,11 @@ PassFigures BenchCommand::pass(const std::string& name, const Settings& settings
     PassFigures figures;
     figures.name = name;
     const bool is_peak_its_own = resetPeakMemory();
-    auto source = recording::openRecording(recording.path, recording.read);
-    const recording::SensorSize sensor = requireSensorSize(*source, recording);
-    const InputBounds bounds(recording.path, settings);
+    WindowReader reader = openWindows(recording.path, recording.read, settings);
     std::optional<Session> session;
     if (clusters) {
-        bounds.checkSensor(sensor, source->fileSize());
-        session.emplace(settings, sensor);
+        session.emplace(makeSession(reader, settings));
     }
-    WindowReader reader(std::move(source), sensor, settings.windows, bounds);
     PassTimer timer(session ? &*session : nullptr, figures);
     ProgressLine progress(recording.path.string() + ", " + name, true);
     bool has_more = true;

@@ -6,14 +6,12 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <string>
-#include <utility>
 
 #include "command_line/interrupt.hpp"
 #include "command_line/output_options.hpp"
 #include "command_line/parameter_options.hpp"
 #include "command_line/progress_line.hpp"
 #include "command_line/standard_streams.hpp"
-#include "kelvora/recording/event_reader.hpp"
 #include "sessions/recording_session.hpp"
 #include "sessions/session.hpp"
 #include "sessions/window_reader.hpp"
@@ -54,13 +52,9 @@ ClusterCommand::ClusterCommand(CLI::App& program)
 int ClusterCommand::run() const {
     checkFiles({{{"the recording", recording.path}}, filesOf(output), output.pictures.frames_dir});
     const Settings& settings = builder.settings;
-    auto source = recording::openRecording(recording.path, recording.read);
-    const recording::SensorSize sensor = requireSensorSize(*source, recording);
-    const InputBounds bounds(recording.path, settings);
-    bounds.checkSensor(sensor, source->fileSize());
-    WindowReader reader(std::move(source), sensor, settings.windows, bounds);
-    Session session(settings, sensor);
-    ResultFiles files(output, settings.track.is_wanted, sensor);
+    WindowReader reader = openWindows(recording.path, recording.read, settings);
+    Session session = makeSession(reader, settings);
+    ResultFiles files(output, settings.track.is_wanted, reader.sensorSize());
     ProgressLine progress(recording.path.string(), !is_quiet);
 
     bool has_more = true;

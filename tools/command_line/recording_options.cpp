@@ -7,7 +7,6 @@
 #include "command_line/interrupt.hpp"
 #include "command_line/quantities.hpp"
 #include "kelvora/recording/formats.hpp"
-#include "kelvora/recording/recording_error.hpp"
 
 namespace kelvora::tool {
 
@@ -50,17 +49,6 @@ void declareOptions(CLI::App& command, RecordingOptions& options) {
             "Unit of the times of a text recording [s if they have a decimal point, else us]")
         ->option_text("s|ms|us|ns")
         ->group(group);
-}
-
-recording::SensorSize requireSensorSize(const recording::EventReader& reader,
-                                        const RecordingOptions& options) {
-    const auto size = reader.sensorSize();
-    if (!size) {
-        throw recording::RecordingError(recording::ErrorKind::NoSensorSize, options.path.string(),
-                                        "does not state the size of its sensor", {},
-                                        {"state it with {}", recording::Setting::SensorSize});
-    }
-    return *size;
 }
 
 bool readUnlessInterrupted(WindowReader& reader) {

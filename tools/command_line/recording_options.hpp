@@ -3,11 +3,8 @@
 
 #include <CLI/App.hpp>
 #include <filesystem>
-#include <optional>
-#include <string>
 
 #include "kelvora/recording/event_reader.hpp"
-#include "kelvora/recording/sensor_size.hpp"
 #include "sessions/window_reader.hpp"
 
 namespace kelvora::tool {
@@ -20,11 +17,6 @@ struct RecordingOptions {
 
 /// Adds the recording argument and the options that describe it.
 void declareOptions(CLI::App& command, RecordingOptions& options);
-
-/// The sensor size of a recording that is about to be clustered.
-/// \throws recording::RecordingError  if neither the recording nor an option states it.
-recording::SensorSize requireSensorSize(const recording::EventReader& reader,
-                                        const RecordingOptions& options);
 
 /// Reads more of a recording. A signal that arrives during a wait for it ends the recording.
 ///

@@ -1,7 +1,29 @@
 // SPDX-License-Identifier: MIT
 #include "sessions/recording_session.hpp"
 
+#include <utility>
+
+#include "kelvora/recording/recording_error.hpp"
+#include "sessions/input_bounds.hpp"
+
 namespace kelvora::tool {
+
+WindowReader openWindows(const std::filesystem::path& path, const recording::ReadOptions& options,
+                         const Settings& settings) {
+    auto reader = recording::openRecording(path, options);
+    const auto sensor = reader->sensorSize();
+    if (!sensor) {
+        throw recording::RecordingError(recording::ErrorKind::NoSensorSize, path.string(),
+                                        "does not state the size of its sensor", {},
+                                        {"state it with {}", recording::Setting::SensorSize});
+    }
+    return {std::move(reader), *sensor, settings.windows, InputBounds(path, settings)};
+}
+
+Session makeSession(const WindowReader& reader, const Settings& settings) {
+    reader.checkSensor();
+    return {settings, reader.sensorSize()};
+}
 
 std::string remarksOf(const Session& session, const WindowReader& reader) {
     const std::string of_session = session.remark();

@@ -9,14 +9,19 @@
 namespace kelvora::tool {
 
 WindowReader::WindowReader(std::unique_ptr<recording::EventReader> reader_,
-                           recording::SensorSize sensor, const WindowSettings& options,
+                           recording::SensorSize sensor_, const WindowSettings& options,
                            InputBounds bounds_)
     : reader(std::move(reader_)),
+      sensor(sensor_),
       cleaner(sensor),
       range(options.from, options.to),
       polarity(options.polarity),
       slicer(options.window.microseconds),
       bounds(std::move(bounds_)) {}
+
+void WindowReader::checkSensor() const {
+    bounds.checkSensor(sensor, reader->fileSize());
+}
 
 bool WindowReader::read() {
     if (slicer.waiting() > mostEvents()) {

@@ -30,9 +30,15 @@ namespace kelvora::tool {
 /// A window with more events than `InputBounds` allows counts as a defect of the recording.
 class WindowReader {
 public:
-    /// \param sensor  Size of the recording's sensor.
-    WindowReader(std::unique_ptr<recording::EventReader> reader_, recording::SensorSize sensor,
+    /// \param sensor_  Size of the recording's sensor.
+    WindowReader(std::unique_ptr<recording::EventReader> reader_, recording::SensorSize sensor_,
                  const WindowSettings& options, InputBounds bounds_);
+
+    recording::SensorSize sensorSize() const { return sensor; }
+
+    /// Checks that the size of the sensor is within the bounds.
+    /// \throws recording::RecordingError  otherwise.
+    void checkSensor() const;
 
     /// Reads the next chunk of the recording. Call `next` until it returns false before.
     ///
@@ -60,6 +66,7 @@ private:
     void endAtFullWindow(std::uint64_t start_time);
 
     std::unique_ptr<recording::EventReader> reader;
+    recording::SensorSize sensor;
     recording::EventCleaner cleaner;
     TimeRange range;
     Polarity polarity;
