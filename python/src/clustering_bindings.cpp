@@ -99,7 +99,8 @@ TrackColumns toColumns(const tool::ClusterRow& row) {
 }
 
 Found findClusters(const Task& task) {
-    tool::WindowReader reader = tool::openWindows(task.path, task.read, task.settings);
+    tool::WindowReader reader =
+        tool::openWindows(task.path, task.read, task.settings, kKeywordWording);
     tool::Session session = tool::makeSession(reader, task.settings);
     Found found;
     bool has_more = true;

@@ -24,10 +24,6 @@ std::string_view keywordOf(recording::Setting setting) {
             return "columns";
         case Setting::TimeUnit:
             return "time_unit";
-        case Setting::MaxMemory:
-            return "max_memory";
-        case Setting::MaxWindowEvents:
-            return "max_window_events";
         case Setting::None:
             break;
     }

@@ -21,17 +21,17 @@ namespace kelvora::python {
 
 namespace py = pybind11;
 
-namespace {
-
 using tool::Parameter;
 using tool::ParameterError;
 
-const tool::Wording kWording = {
+const tool::Wording kKeywordWording = {
     [](const Parameter& parameter) { return std::string(parameter.keyword); },
     [](const Parameter& parameter, const std::string& value) {
         return value.empty() ? std::string(parameter.keyword)
                              : fmt::format("{} {}", parameter.keyword, value);
     }};
+
+namespace {
 
 [[noreturn]] void refuse(const ParameterError& error) {
     if (error.kind == ParameterError::Kind::NotUsed) {
@@ -39,7 +39,7 @@ const tool::Wording kWording = {
                                          error.parameter->keyword, error.value));
     }
     throw std::invalid_argument(
-        fmt::format("{} {}", error.parameter->keyword, tool::describe(error, kWording)));
+        fmt::format("{} {}", error.parameter->keyword, tool::describe(error, kKeywordWording)));
 }
 
 const Parameter& parameterOf(const std::string& keyword) {

@@ -7,12 +7,16 @@
 #include <string>
 
 #include "kelvora/recording/sensor_size.hpp"
+#include "sessions/parameter_error.hpp"
 #include "sessions/settings_builder.hpp"
 
 /// \file
 /// Conversion of keyword arguments to settings.
 
 namespace kelvora::python {
+
+/// Names parameters by their keywords.
+extern const tool::Wording kKeywordWording;
 
 /// Sets parameters from keyword arguments. Arguments that are None are skipped.
 ///

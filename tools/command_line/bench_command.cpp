@@ -188,7 +188,8 @@ BenchReport BenchCommand::measure(std::exception_ptr& defect) const {
     requireFile(recording.path);
     BenchReport report;
     {
-        const WindowReader reader = openWindows(recording.path, recording.read, builder.settings);
+        const WindowReader reader =
+            openWindows(recording.path, recording.read, builder.settings, kOptionWording);
         report.recording = recording.path.string();
         report.format = reader.source().format();
         report.sensor = reader.sensorSize();
@@ -211,7 +212,7 @@ PassFigures BenchCommand::pass(const std::string& name, const Settings& settings
     PassFigures figures;
     figures.name = name;
     const bool is_peak_its_own = resetPeakMemory();
-    WindowReader reader = openWindows(recording.path, recording.read, settings);
+    WindowReader reader = openWindows(recording.path, recording.read, settings, kOptionWording);
     std::optional<Session> session;
     if (clusters) {
         session.emplace(makeSession(reader, settings));

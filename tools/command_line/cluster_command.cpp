@@ -52,7 +52,7 @@ ClusterCommand::ClusterCommand(CLI::App& program)
 int ClusterCommand::run() const {
     checkFiles({{{"the recording", recording.path}}, filesOf(output), output.pictures.frames_dir});
     const Settings& settings = builder.settings;
-    WindowReader reader = openWindows(recording.path, recording.read, settings);
+    WindowReader reader = openWindows(recording.path, recording.read, settings, kOptionWording);
     Session session = makeSession(reader, settings);
     ResultFiles files(output, settings.track.is_wanted, reader.sensorSize());
     ProgressLine progress(recording.path.string(), !is_quiet);

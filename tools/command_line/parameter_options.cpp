@@ -11,16 +11,17 @@
 
 namespace kelvora::tool {
 
+const Wording kOptionWording = {
+    [](const Parameter& parameter) { return std::string(parameter.option); },
+    [](const Parameter& parameter, const std::string& value) {
+        return value.empty() ? std::string(parameter.option)
+                             : fmt::format("{} {}", parameter.option, value);
+    }};
+
 namespace {
 
-const Wording kWording = {[](const Parameter& parameter) { return std::string(parameter.option); },
-                          [](const Parameter& parameter, const std::string& value) {
-                              return value.empty() ? std::string(parameter.option)
-                                                   : fmt::format("{} {}", parameter.option, value);
-                          }};
-
 CLI::ValidationError toUsageError(const ParameterError& error) {
-    return CLI::ValidationError(error.parameter->option, describe(error, kWording));
+    return CLI::ValidationError(error.parameter->option, describe(error, kOptionWording));
 }
 
 /// Placeholder and default: "PIXELS [5]".

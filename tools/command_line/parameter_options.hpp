@@ -3,10 +3,14 @@
 
 #include <CLI/App.hpp>
 
+#include "sessions/parameter_error.hpp"
 #include "sessions/parameters.hpp"
 #include "sessions/settings_builder.hpp"
 
 namespace kelvora::tool {
+
+/// Names parameters by their options.
+extern const Wording kOptionWording;
 
 /// Adds an option for each parameter.
 ///

@@ -214,7 +214,7 @@ void ScoreCommand::add(const scoring::Frame& frame, scoring::TrackingScore& trac
             recording::ErrorKind::NotSuitable, clusters.string(),
             "has too many boxes that overlap with objects and each other",
             {recording::ErrorPlace::Unit::EventAt, frame.clusters.front().timestamp_us},
-            {"check the file, or allow more memory with {}", recording::Setting::MaxMemory});
+            "check the file, or allow more memory with --max-memory");
     }
 }
 

@@ -14,10 +14,6 @@ std::string_view optionOf(recording::Setting setting) {
             return "--columns";
         case Setting::TimeUnit:
             return "--time-unit";
-        case Setting::MaxMemory:
-            return "--max-memory";
-        case Setting::MaxWindowEvents:
-            return "--max-window-events";
         case Setting::None:
             break;
     }

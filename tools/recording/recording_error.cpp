@@ -18,10 +18,6 @@ std::string_view nameInCxx(Setting setting) {
             return "ReadOptions::text.columns";
         case Setting::TimeUnit:
             return "ReadOptions::text.time_unit";
-        case Setting::MaxMemory:
-            return "max_memory";
-        case Setting::MaxWindowEvents:
-            return "max_window_events";
         case Setting::None:
             break;
     }

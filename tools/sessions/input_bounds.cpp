@@ -34,8 +34,10 @@ std::uint64_t cellsAcross(int pixels, std::uint64_t cell) {
 
 }  // namespace
 
-InputBounds::InputBounds(std::filesystem::path path_, const Settings& settings)
+InputBounds::InputBounds(std::filesystem::path path_, const Settings& settings,
+                         const Wording& wording_)
     : path(std::move(path_)),
+      wording(wording_),
       windows(settings.windows),
       is_grid(methodOf(settings.method).uses(Group::Grid)),
       counts_per_cell(settings.windows.polarity == Polarity::Separate ? 2 : 1),
@@ -63,7 +65,7 @@ void InputBounds::checkSensor(recording::SensorSize sensor, std::uint64_t bytes)
             recording::ErrorKind::NotSuitable, path.string(),
             fmt::format("has a sensor of {} x {} pixels, whose grid takes {} MB of memory",
                         sensor.width, sensor.height, needed / kMegabyte + 1),
-            {}, {"check the size, or allow more memory with {}", recording::Setting::MaxMemory});
+            {}, "check the size, or allow more memory with " + nameOf("max_memory"));
     }
 }
 
@@ -78,7 +80,11 @@ void InputBounds::refuseWindow(std::uint64_t most_events, std::uint64_t start_ti
         recording::ErrorKind::NotSuitable, path.string(),
         fmt::format("has more than {} events in a window", most_events),
         {recording::ErrorPlace::Unit::EventAt, start_time},
-        {"shorten the windows, or allow more events with {}", recording::Setting::MaxWindowEvents});
+        "shorten the windows, or allow more events with " + nameOf("max_window_events"));
+}
+
+std::string InputBounds::nameOf(std::string_view keyword) const {
+    return wording.name(*findParameter(keyword));
 }
 
 }  // namespace kelvora::tool

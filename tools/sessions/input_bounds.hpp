@@ -3,8 +3,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
+#include <string_view>
 
 #include "kelvora/recording/sensor_size.hpp"
+#include "sessions/parameter_error.hpp"
 #include "sessions/settings.hpp"
 
 namespace kelvora::tool {
@@ -17,7 +20,8 @@ namespace kelvora::tool {
 class InputBounds {
 public:
     /// \param path_  Path of the recording, for messages.
-    InputBounds(std::filesystem::path path_, const Settings& settings);
+    /// \param wording_  How messages name parameters.
+    InputBounds(std::filesystem::path path_, const Settings& settings, const Wording& wording_);
 
     /// Refuses a sensor that needs too much memory.
     ///
@@ -38,8 +42,10 @@ public:
 
 private:
     std::uint64_t memory(std::uint64_t bytes) const;
+    std::string nameOf(std::string_view keyword) const;
 
     std::filesystem::path path;
+    Wording wording;
     WindowSettings windows;
     bool is_grid;
     std::uint64_t counts_per_cell;

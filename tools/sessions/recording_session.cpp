@@ -9,7 +9,7 @@
 namespace kelvora::tool {
 
 WindowReader openWindows(const std::filesystem::path& path, const recording::ReadOptions& options,
-                         const Settings& settings) {
+                         const Settings& settings, const Wording& wording) {
     auto reader = recording::openRecording(path, options);
     const auto sensor = reader->sensorSize();
     if (!sensor) {
@@ -17,7 +17,7 @@ WindowReader openWindows(const std::filesystem::path& path, const recording::Rea
                                         "does not state the size of its sensor", {},
                                         {"state it with {}", recording::Setting::SensorSize});
     }
-    return {std::move(reader), *sensor, settings.windows, InputBounds(path, settings)};
+    return {std::move(reader), *sensor, settings.windows, InputBounds(path, settings, wording)};
 }
 
 Session makeSession(const WindowReader& reader, const Settings& settings) {

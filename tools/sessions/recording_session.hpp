@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kelvora/recording/event_reader.hpp"
+#include "sessions/parameter_error.hpp"
 #include "sessions/session.hpp"
 #include "sessions/settings.hpp"
 #include "sessions/window_reader.hpp"
@@ -16,10 +17,11 @@ namespace kelvora::tool {
 
 /// Opens a recording to cluster its windows.
 ///
+/// \param wording  How messages name parameters.
 /// \throws recording::RecordingError  if it cannot be opened, or if neither the recording nor the
 ///     options state the size of the sensor.
 WindowReader openWindows(const std::filesystem::path& path, const recording::ReadOptions& options,
-                         const Settings& settings);
+                         const Settings& settings, const Wording& wording);
 
 /// A session for the windows of a reader.
 ///

@@ -13,8 +13,6 @@ TEST(OptionOf, NamesTheOptionOfEachSetting) {
     EXPECT_EQ(optionOf(Setting::SensorSize), "--sensor WIDTHxHEIGHT");
     EXPECT_EQ(optionOf(Setting::Columns), "--columns");
     EXPECT_EQ(optionOf(Setting::TimeUnit), "--time-unit");
-    EXPECT_EQ(optionOf(Setting::MaxMemory), "--max-memory");
-    EXPECT_EQ(optionOf(Setting::MaxWindowEvents), "--max-window-events");
     EXPECT_EQ(optionOf(Setting::None), "");
 }
 

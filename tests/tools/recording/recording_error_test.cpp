@@ -56,9 +56,6 @@ TEST(RecordingError, HasANameInCppForEachSetting) {
                  "a.raw: is odd, ReadOptions::text.columns");
     EXPECT_STREQ(errorWith({"{}", Setting::TimeUnit}).what(),
                  "a.raw: is odd, ReadOptions::text.time_unit");
-    EXPECT_STREQ(errorWith({"{}", Setting::MaxMemory}).what(), "a.raw: is odd, max_memory");
-    EXPECT_STREQ(errorWith({"{}", Setting::MaxWindowEvents}).what(),
-                 "a.raw: is odd, max_window_events");
 }
 
 TEST(RecordingError, LeavesARemedyWithoutSettingAsItIs) {

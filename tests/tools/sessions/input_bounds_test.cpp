@@ -7,6 +7,7 @@
 #include <string>
 
 #include "kelvora/recording/recording_error.hpp"
+#include "tools/sessions/keyword_wording.hpp"
 
 namespace kelvora::tool {
 namespace {
@@ -17,7 +18,7 @@ class InputBoundsTest : public testing::Test {
 protected:
     std::string refusalOf(recording::SensorSize sensor, std::uint64_t bytes = 0) const {
         try {
-            InputBounds("a.raw", settings).checkSensor(sensor, bytes);
+            InputBounds("a.raw", settings, kKeywordWording).checkSensor(sensor, bytes);
         } catch (const recording::RecordingError& error) {
             return error.what();
         }
@@ -25,7 +26,7 @@ protected:
     }
 
     std::uint64_t windowEvents(std::uint64_t bytes) const {
-        return InputBounds("a.raw", settings).windowEvents(bytes);
+        return InputBounds("a.raw", settings, kKeywordWording).windowEvents(bytes);
     }
 
     Settings settings;
@@ -103,10 +104,9 @@ TEST_F(InputBoundsTest, AllowAsManyEventsAsFitIntoTheGivenMemoryOrAreGiven) {
 
 TEST_F(InputBoundsTest, NameWhatAllowsFullerWindows) {
     try {
-        InputBounds("a.raw", settings).refuseWindow(1000, 20'000);
+        InputBounds("a.raw", settings, kKeywordWording).refuseWindow(1000, 20'000);
         FAIL() << "nothing was thrown";
     } catch (const recording::RecordingError& error) {
-        EXPECT_EQ(error.setting(), recording::Setting::MaxWindowEvents);
         EXPECT_STREQ(error.what(),
                      "a.raw: has more than 1000 events in a window, event at 20000 us, shorten "
                      "the windows, or allow more events with max_window_events");

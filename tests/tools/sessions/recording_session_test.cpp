@@ -7,6 +7,7 @@
 
 #include "kelvora/recording/recording_error.hpp"
 #include "support/temporary_directory.hpp"
+#include "tools/sessions/keyword_wording.hpp"
 
 namespace kelvora::tool {
 namespace {
@@ -14,7 +15,7 @@ namespace {
 class RecordingSession : public testing::Test {
 protected:
     WindowReader open(const std::string& content) const {
-        return openWindows(directory.file("events.txt", content), {}, settings);
+        return openWindows(directory.file("events.txt", content), {}, settings, kKeywordWording);
     }
 
     /// The remarks on a recording with a single event at 5 ms.

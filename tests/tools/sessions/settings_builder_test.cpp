@@ -11,15 +11,10 @@
 #include <vector>
 
 #include "sessions/parameter_error.hpp"
+#include "tools/sessions/keyword_wording.hpp"
 
 namespace kelvora::tool {
 namespace {
-
-const Wording kWording = {[](const Parameter& parameter) { return std::string(parameter.keyword); },
-                          [](const Parameter& parameter, const std::string& value) {
-                              return std::string(parameter.keyword) +
-                                     (value.empty() ? "" : " " + value);
-                          }};
 
 /// Sets parameters, checks them, and returns the error.
 std::string errorOf(const std::vector<std::pair<const char*, Value>>& values) {
@@ -30,7 +25,7 @@ std::string errorOf(const std::vector<std::pair<const char*, Value>>& values) {
         }
         builder.check();
     } catch (const ParameterError& error) {
-        return error.parameter->keyword + (": " + describe(error, kWording));
+        return error.parameter->keyword + (": " + describe(error, kKeywordWording));
     }
     return "no error";
 }

@@ -11,6 +11,7 @@
 
 #include "kelvora/recording/recording_error.hpp"
 #include "support/temporary_directory.hpp"
+#include "tools/sessions/keyword_wording.hpp"
 
 namespace kelvora::tool {
 namespace {
@@ -26,7 +27,7 @@ protected:
         return {recording::openRecording(directory.file("events.txt", text)),
                 {100, 100},
                 options,
-                InputBounds("events.txt", settings)};
+                InputBounds("events.txt", settings, kKeywordWording)};
     }
 
     static std::vector<Window> windowsOf(WindowReader& reader) {

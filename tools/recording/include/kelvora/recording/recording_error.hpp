@@ -51,10 +51,7 @@ enum class Setting {
     Format,      ///< `ReadOptions::format`.
     SensorSize,  ///< `ReadOptions::sensor_size`.
     Columns,     ///< `TextLayout::columns`.
-    TimeUnit,    ///< `TextLayout::time_unit`.
-    // Of programs that work on recordings; never in errors of this library.
-    MaxMemory,       ///< Memory that a recording may take.
-    MaxWindowEvents  ///< Number of events that a window may have.
+    TimeUnit     ///< `TextLayout::time_unit`.
 };
 
 /// How the user can fix a problem.
