@@ -64,12 +64,13 @@ const std::vector<Parameter> kTable = {
      "Events to cluster; 'separate' uses all, but requires both polarities in a cell",
      [](Settings& all) -> Field { return &all.windows.polarity; }},
     {Group::General, "max_window_events", "--max-window-events", "EVENTS", kAtLeastOne,
-     "Refuse a recording with more events in a window [as many as fit into --max-memory]",
-     [](Settings& all) -> Field { return &all.windows.max_window_events; }},
+     "Refuse a recording with more events in a window",
+     [](Settings& all) -> Field { return &all.windows.max_window_events; },
+     "as many as fit into --max-memory"},
     {Group::General, "max_memory", "--max-memory", "MB", kMegabytes,
-     "Memory for the counts of the grid and the events of a window [32, and 32 bytes per byte of "
-     "the recording]",
-     [](Settings& all) -> Field { return &all.windows.max_memory; }},
+     "Memory for the counts of the grid and the events of a window",
+     [](Settings& all) -> Field { return &all.windows.max_memory; },
+     "32, and 32 bytes per byte of the recording"},
     {Group::General, "method", "--method", "", kAny,
      "Clustering method",
      [](Settings& all) -> Field { return &all.method; }},
@@ -115,7 +116,7 @@ const std::vector<Parameter> kTable = {
     {Group::Points, "time_length_us", "--time-length", "TIME", kAny,
      "Window of the event counter, with unit; it discards old events only at gaps of at least a "
      "hundredth of it",
-     [](Settings& all) -> Field { return &all.point.time_length; }},
+     [](Settings& all) -> Field { return &all.point.time_length; }, "all"},
     {Group::Points, "precision", "--precision", "", kAny,
      "Floating-point type of the computation",
      [](Settings& all) -> Field { return &all.point.precision; }},
@@ -217,13 +218,7 @@ const char* titleOf(Group group) {
 
 std::string Parameter::defaultText() const {
     Settings settings;
-    if (std::string_view(keyword) == "from_us") {
-        return "0s";
-    }
-    if (std::string_view(keyword) == "time_length_us") {
-        return "all";
-    }
-    return std::visit(DefaultText(), field(settings));
+    return default_text != nullptr ? default_text : std::visit(DefaultText(), field(settings));
 }
 
 std::vector<std::string> Parameter::words() const {

@@ -47,6 +47,7 @@ struct Parameter {
     Range range;           ///< For numbers.
     const char* sentence;  ///< Description, without a full stop.
     Field (*field)(Settings&);
+    const char* default_text = nullptr;  ///< The default in words, if its value does not tell.
 
     /// The default for help texts; empty if there is none.
     std::string defaultText() const;

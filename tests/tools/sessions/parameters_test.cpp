@@ -22,6 +22,10 @@ TEST(Parameters, HaveDistinctNamesAndTheDefaultsOfSettings) {
     EXPECT_EQ(findParameter("cell_width")->defaultText(), "5");
     EXPECT_EQ(findParameter("window_us")->defaultText(), "10ms");
     EXPECT_EQ(findParameter("capacity")->defaultText(), "all");
+    EXPECT_EQ(findParameter("time_length_us")->defaultText(), "all");
+    EXPECT_EQ(findParameter("from_us")->defaultText(), "0s");
+    EXPECT_EQ(findParameter("max_window_events")->defaultText(),
+              "as many as fit into --max-memory");
     EXPECT_EQ(findParameter("k")->defaultText(), "");
     EXPECT_EQ(findParameter("polarity")->defaultText(), "all");
     EXPECT_EQ(findParameter("method")->defaultText(), "grid");
