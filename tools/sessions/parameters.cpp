@@ -25,8 +25,8 @@ constexpr Range kPixels{0, std::numeric_limits<int>::max(), false};
 constexpr Range kEvents{0, std::numeric_limits<unsigned short>::max(), false};
 constexpr Range kDim{2, 3, false};
 constexpr Range kJobs{-1, 255, false};
-// The clustering's constructor allocates a count per cluster.
 constexpr Range kMegabytes{1, 1e9, false};
+// The clustering's constructor allocates a count per cluster.
 constexpr Range kClusters{1, 1'000'000, false};
 
 const std::vector<std::string> kPolarities = {"all", "on", "off", "separate"};
