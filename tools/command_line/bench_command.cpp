@@ -28,6 +28,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 const std::vector<std::string> kDefaultMethods = {"grid", "density2d", "density3d", "centroid2d"};
+constexpr unsigned long long kDefaultClusters = 12;
 
 /// A method in a number of dimensions, if it has a choice.
 struct TimedMethod {
@@ -108,7 +109,7 @@ private:
 BenchCommand::BenchCommand(CLI::App& program)
     : command(program.add_subcommand("bench", "Measure the speed of the methods on a recording")),
       methods(kDefaultMethods) {
-    builder.settings.centroid.clusters = 12;
+    builder.settings.centroid.clusters = kDefaultClusters;
     declareOptions();
     command->parse_complete_callback([this] { checkOptions(); });
 }
@@ -121,7 +122,7 @@ void BenchCommand::declareOptions() {
                      "centroid2d, centroid3d")
         ->delimiter(',')
         ->check(CLI::IsMember(timedMethods()).description(""))
-        ->option_text("LIST [grid,density2d,density3d,centroid2d]");
+        ->option_text(fmt::format("LIST [{}]", fmt::join(kDefaultMethods, ",")));
     for (const char* const keyword :
          {"window_us", "from_us", "to_us", "max_window_events", "max_memory"}) {
         declareParameter(*command, builder, *findParameter(keyword));
@@ -134,7 +135,7 @@ void BenchCommand::declareOptions() {
     }
     command->get_option("--clusters")
         ->description("Number of clusters in a window")
-        ->option_text("NUMBER [12]");
+        ->option_text(fmt::format("NUMBER [{}]", kDefaultClusters));
 }
 
 void BenchCommand::checkOptions() const {

@@ -18,13 +18,13 @@
 #include "kelvora/recording/recording_error.hpp"
 #include "scoring/box_table.hpp"
 #include "scoring/frame.hpp"
+#include "sessions/parameters.hpp"
 
 namespace kelvora::tool {
 
 namespace {
 
 constexpr std::uint64_t kMegabyte = 1'000'000;
-constexpr std::uint64_t kMostMegabytes = 1'000'000'000;
 constexpr std::uint64_t kMemoryPerPair = 64;  // of the lists of pairs and two matrices, in bytes
 
 /// The results shown to the user.
@@ -156,6 +156,7 @@ ScoreCommand::ScoreCommand(CLI::App& program)
     command->add_flag("--include-still", options.include_still, "Include objects that do not move");
     command->add_flag("--tentative", with_tentative,
                       "Include tentative tracks, which are not confirmed yet");
+    const Range& memory = findParameter("max_memory")->range;
     command
         ->add_option_function<std::uint64_t>(
             "--max-memory",
@@ -163,8 +164,10 @@ ScoreCommand::ScoreCommand(CLI::App& program)
                 options.most_pairs = megabytes * kMegabyte / kMemoryPerPair;
             },
             "Memory for objects and clusters that overlap at the same time")
-        ->check(CLI::Range(std::uint64_t{1}, kMostMegabytes).description(""))
-        ->option_text("MB [32]");
+        ->check(CLI::Range(static_cast<std::uint64_t>(memory.smallest),
+                           static_cast<std::uint64_t>(memory.largest))
+                    .description(""))
+        ->option_text(fmt::format("MB [{}]", options.most_pairs * kMemoryPerPair / kMegabyte));
     declareOptions(*command, report_options);
     command->parse_complete_callback([this] {
         if (!(options.min_iou > 0.0)) {

@@ -153,9 +153,9 @@ void SimulateCommand::declareScene() {
         addNumber(*command, std::string("--") + noun, count, SceneOptions::kObjects,
                   textOf("NUMBER", usual), std::string("Number of ") + noun);
     };
-    addObjects("discs", scene.discs, 3);
-    addObjects("bars", scene.bars, 2);
-    addObjects("polygons", scene.polygons, 3);
+    addObjects("discs", scene.discs, SceneOptions::kUsualDiscs);
+    addObjects("bars", scene.bars, SceneOptions::kUsualBars);
+    addObjects("polygons", scene.polygons, SceneOptions::kUsualPolygons);
     const auto add = [this](const char* name, auto& value, auto limits, const char* unit,
                             const char* description) {
         addNumber(*command, name, value, limits, textOf(unit, value), description);

@@ -247,9 +247,9 @@ double SceneMaker::drawContrast(double speed) {
 
 Scene randomScene(const SceneOptions& options) {
     options.validate();
-    const int discs = countFor(options, options.discs, 3);
-    const int bars = countFor(options, options.bars, 2);
-    const int polygons = countFor(options, options.polygons, 3);
+    const int discs = countFor(options, options.discs, SceneOptions::kUsualDiscs);
+    const int bars = countFor(options, options.bars, SceneOptions::kUsualBars);
+    const int polygons = countFor(options, options.polygons, SceneOptions::kUsualPolygons);
     SceneMaker maker(options, discs + bars + polygons);
     for (int i = 0; i < options.lights; ++i) {
         maker.addLight();

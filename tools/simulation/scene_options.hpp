@@ -30,13 +30,18 @@ struct SceneOptions {
     static constexpr Limits<double> kThresholdSpreads{0, 0.2};
     static constexpr Limits<std::uint64_t> kTruthIntervals{100, 1'000'000};
 
+    // On a sensor of at least 120 pixels; smaller ones have room for fewer.
+    static constexpr int kUsualDiscs = 3;
+    static constexpr int kUsualBars = 2;
+    static constexpr int kUsualPolygons = 3;
+
     int width = 640;                           ///< Of the sensor, pixels.
     int height = 480;                          ///< Of the sensor, pixels.
     std::uint64_t duration_us = 2'000'000;     ///< Of the recording.
     std::uint64_t seed = 7;                    ///< Of the random numbers.
-    std::optional<int> discs;                  ///< Unset: 3, fewer below 120 pixels.
-    std::optional<int> bars;                   ///< Unset: 2, fewer below 120 pixels.
-    std::optional<int> polygons;               ///< Unset: 3, fewer below 120 pixels.
+    std::optional<int> discs;                  ///< Unset: the usual number.
+    std::optional<int> bars;                   ///< Unset: the usual number.
+    std::optional<int> polygons;               ///< Unset: the usual number.
     int lights = 1;                            ///< Flickering lights.
     double light_frequency_hz = 100;           ///< Periods of a light per second.
     double noise_rate_hz = 0.1;                ///< Noise events per pixel and second.
