@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "sessions/methods.hpp"
 #include "settings.hpp"
 
 namespace kelvora::python {
@@ -11,7 +12,7 @@ namespace {
 
 /// In three dimensions, times within a slice are 32-bit microseconds.
 std::uint64_t longestSlice(const tool::Settings& settings) {
-    return settings.method != "grid" && settings.point.dim == 3
+    return tool::methodOf(settings.method).uses(tool::Group::Points) && settings.point.dim == 3
                ? tool::kLongestWindowIn3d.microseconds
                : EventIntake::kNoLongestSlice;
 }

@@ -6,8 +6,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
-#include <map>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "command_line/file_check.hpp"
 #include "command_line/interrupt.hpp"
@@ -32,22 +33,42 @@ constexpr unsigned long long kDefaultClusters = 12;
 
 /// A method in a number of dimensions, if it has a choice.
 struct TimedMethod {
+    std::string name;  ///< On the command line.
     std::string method;
     int dim = 2;
 };
 
-/// The methods that can be timed, by their names on the command line.
-std::map<std::string, TimedMethod> timedMethods() {
-    std::map<std::string, TimedMethod> timed;
+std::vector<TimedMethod> makeTimedMethods() {
+    std::vector<TimedMethod> timed;
     for (const Method& method : tool::methods()) {
         if (method.uses(Group::Points)) {
-            timed[method.name + "2d"] = {method.name, 2};
-            timed[method.name + "3d"] = {method.name, 3};
+            timed.push_back({method.name + "2d", method.name, 2});
+            timed.push_back({method.name + "3d", method.name, 3});
         } else {
-            timed[method.name] = {method.name};
+            timed.push_back({method.name, method.name});
         }
     }
     return timed;
+}
+
+/// The methods that can be timed.
+const std::vector<TimedMethod>& timedMethods() {
+    static const std::vector<TimedMethod> all = makeTimedMethods();
+    return all;
+}
+
+std::vector<std::string> namesOfTimedMethods() {
+    std::vector<std::string> names;
+    for (const TimedMethod& timed : timedMethods()) {
+        names.push_back(timed.name);
+    }
+    return names;
+}
+
+/// \param name  A name from the table.
+const TimedMethod& timedMethod(const std::string& name) {
+    return *std::find_if(timedMethods().begin(), timedMethods().end(),
+                         [&name](const TimedMethod& timed) { return timed.name == name; });
 }
 
 bool isOfOneMethod(const Parameter& parameter) {
@@ -57,7 +78,7 @@ bool isOfOneMethod(const Parameter& parameter) {
 }
 
 bool isIn3d(const std::string& name) {
-    return timedMethods().at(name).dim == 3;
+    return timedMethod(name).dim == 3;
 }
 
 /// A pipe can be read only once.
@@ -118,10 +139,10 @@ void BenchCommand::declareOptions() {
     tool::declareOptions(*command, recording);
     command
         ->add_option("--methods", methods,
-                     "Methods to measure, separated by commas: grid, density2d, density3d, "
-                     "centroid2d, centroid3d")
+                     fmt::format("Methods to measure, separated by commas: {}",
+                                 fmt::join(namesOfTimedMethods(), ", ")))
         ->delimiter(',')
-        ->check(CLI::IsMember(timedMethods()).description(""))
+        ->check(CLI::IsMember(namesOfTimedMethods()).description(""))
         ->option_text(fmt::format("LIST [{}]", fmt::join(kDefaultMethods, ",")));
     for (const char* const keyword :
          {"window_us", "from_us", "to_us", "max_window_events", "max_memory"}) {
@@ -146,7 +167,7 @@ void BenchCommand::checkOptions() const {
     }
     for (const Parameter* const parameter : builder.givenParameters()) {
         const auto uses = [parameter](const std::string& name) {
-            return methodOf(timedMethods().at(name).method).uses(parameter->group);
+            return methodOf(timedMethod(name).method).uses(parameter->group);
         };
         if (isOfOneMethod(*parameter) && std::none_of(methods.begin(), methods.end(), uses)) {
             throw CLI::ValidationError(
@@ -163,7 +184,7 @@ void BenchCommand::checkOptions() const {
 }
 
 Settings BenchCommand::settingsOf(const std::string& name) const {
-    const TimedMethod timed = timedMethods().at(name);
+    const TimedMethod& timed = timedMethod(name);
     Settings settings = builder.settings;
     settings.method = timed.method;
     settings.point.dim = timed.dim;

@@ -1,15 +1,39 @@
 // SPDX-License-Identifier: MIT
 #include "command_line/output_options.hpp"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "command_line/write_options.hpp"
 #include "sessions/methods.hpp"
 
 namespace kelvora::tool {
+
+namespace {
+
+/// The option that chooses one of the methods with a property: "--method density or centroid".
+std::string methodsWith(bool Method::*property) {
+    std::vector<std::string> names;
+    for (const Method& method : methods()) {
+        if (method.*property) {
+            names.push_back(method.name);
+        }
+    }
+    return fmt::format("--method {}", fmt::join(names, " or "));
+}
+
+void checkPicture(const char* option, const std::filesystem::path& path) {
+    if (!path.empty() && path.extension() != ".png") {
+        throw CLI::ValidationError(option, "must end in .png");
+    }
+}
+
+}  // namespace
 
 void declareOptions(CLI::App& command, OutputSettings& options) {
     const char* const group = "Output";
@@ -17,7 +41,7 @@ void declareOptions(CLI::App& command, OutputSettings& options) {
                                                           {"jsonl", ClusterFormat::JsonLines},
                                                           {"mot", ClusterFormat::Mot}};
     const auto add = [&](const char* name, std::filesystem::path& path, const char* text,
-                         const char* description) {
+                         const std::string& description) {
         command.add_option(name, path, description)->option_text(text)->group(group);
     };
     add("-o,--output", options.clusters, "FILE [-]",
@@ -29,10 +53,11 @@ void declareOptions(CLI::App& command, OutputSettings& options) {
         ->option_text("csv|jsonl|mot [csv]")
         ->group(group);
     add("--points", options.points, "FILE",
-        "File for the events of all clusters, each with the index of its cluster (CSV); not with "
-        "--method grid");
+        "File for the events of all clusters, each with the index of its cluster (CSV); with " +
+            methodsWith(&Method::has_labels));
     add("--centroids", options.centroids, "FILE",
-        "File for the centroid and size of every cluster (CSV); with --method centroid");
+        "File for the centroid and size of every cluster (CSV); with " +
+            methodsWith(&Method::has_centroids));
     add("--tracks", options.tracks, "FILE",
         "File for the lifetime, path length and speed of every object (CSV); with --track");
     add("--frames", options.pictures.frames_dir, "DIR",
@@ -44,23 +69,13 @@ void declareOptions(CLI::App& command, OutputSettings& options) {
     declareOptions(command, options.write)->group(group);
 }
 
-namespace {
-
-void checkPicture(const char* option, const std::filesystem::path& path) {
-    if (!path.empty() && path.extension() != ".png") {
-        throw CLI::ValidationError(option, "must end in .png");
-    }
-}
-
-}  // namespace
-
 void checkOutput(const OutputSettings& output, const Settings& settings) {
     const Method& method = methodOf(settings.method);
     if (!method.has_labels && !output.points.empty()) {
-        throw CLI::ValidationError("--points", "needs --method density or centroid");
+        throw CLI::ValidationError("--points", "needs " + methodsWith(&Method::has_labels));
     }
     if (!method.has_centroids && !output.centroids.empty()) {
-        throw CLI::ValidationError("--centroids", "needs --method centroid");
+        throw CLI::ValidationError("--centroids", "needs " + methodsWith(&Method::has_centroids));
     }
     if (!settings.track.is_wanted && !output.tracks.empty()) {
         throw CLI::ValidationError("--tracks", "needs --track");

@@ -216,10 +216,14 @@ TEST_F(Program, RefusesCentroidOptionsThatContradict) {
     EXPECT_EQ(run("cluster x --method centroid --clusters 2 --max-iter 0").status, 2);
     EXPECT_EQ(run("cluster x --method centroid --clusters 2 --polarity separate").status, 2);
     EXPECT_EQ(run("cluster x --method density --centroids y").status, 2);
+    EXPECT_THAT(run("cluster x --method density --centroids y").errors,
+                HasSubstr("--centroids: needs --method centroid\n"));
 }
 
 TEST_F(Program, RefusesDensityOptionsThatContradict) {
     EXPECT_EQ(run("cluster x --points y").status, 2);
+    EXPECT_THAT(run("cluster x --points y").errors,
+                HasSubstr("--points: needs --method density or centroid\n"));
     EXPECT_EQ(run("cluster x --method density --dim 4").status, 2);
     EXPECT_EQ(run("cluster x --method density --eps 0").status, 2);
     EXPECT_EQ(run("cluster x --method density --polarity separate").status, 2);
