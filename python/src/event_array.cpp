@@ -171,11 +171,7 @@ private:
                 scalarOf(known.dtype()).value()};
     }
 
-    TimeUnit timeUnit() const {
-        static const std::map<std::string, TimeUnit> units = {{"s", TimeUnit::Seconds},
-                                                              {"ms", TimeUnit::Milliseconds},
-                                                              {"us", TimeUnit::Microseconds},
-                                                              {"ns", TimeUnit::Nanoseconds}};
+    recording::TimeUnit timeUnit() const {
         if (arguments.time_unit.is_none()) {
             const bool is_whole = found.owners[2].dtype().kind() != 'f';
             // NumPy converts an empty list to a floating-point array.
@@ -184,15 +180,15 @@ private:
                     "times are floating-point numbers: state their unit, time_unit='s', 'ms', "
                     "'us' or 'ns'");
             }
-            return TimeUnit::Microseconds;
+            return recording::TimeUnit::Microseconds;
         }
         const std::string name = py::str(arguments.time_unit);
-        const auto unit = units.find(name);
-        if (unit == units.end()) {
+        const auto unit = recording::timeUnitFromString(name);
+        if (!unit) {
             throw py::value_error(
                 fmt::format("time_unit must be 's', 'ms', 'us' or 'ns', not '{}'", name));
         }
-        return unit->second;
+        return *unit;
     }
 
     const EventArguments& arguments;

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+#include "kelvora/recording/text_layout.hpp"
+
 /// \file
 /// Memory layout of the values of events. Independent of Python.
 
@@ -23,8 +25,6 @@ enum class Scalar {
     Float64
 };
 
-enum class TimeUnit { Seconds, Milliseconds, Microseconds, Nanoseconds };
-
 /// One value of each event.
 struct Column {
     const char* data;
@@ -43,7 +43,7 @@ struct EventColumns {
     Column y;
     Column time;
     Column polarity;
-    TimeUnit time_unit;
+    recording::TimeUnit time_unit;
 };
 
 }  // namespace kelvora::python

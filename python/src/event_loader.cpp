@@ -13,6 +13,8 @@ namespace kelvora::python {
 
 namespace {
 
+using recording::TimeUnit;
+
 /// Represents all positions off the sensor.
 constexpr std::uint32_t kOffSensor = 65536;
 
