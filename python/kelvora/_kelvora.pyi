@@ -11,6 +11,12 @@ __version__: str
 #: Events as the library holds them: x, y, p and t, in 16 bytes.
 EVENT_DTYPE: np.dtype[np.void]
 
+#: Rows of clusters.
+ROW_DTYPE: np.dtype[np.void]
+
+#: The columns that tracking adds to rows.
+TRACK_DTYPE: np.dtype[np.void]
+
 _Dim = Literal[2, 3]
 _Method = Literal["grid", "density", "centroid"]
 _Polarity = Literal["all", "on", "off"]

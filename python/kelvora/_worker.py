@@ -11,7 +11,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from kelvora._errors import RecordingError
-from kelvora._kelvora import cluster_recording
+from kelvora._kelvora import ROW_DTYPE, TRACK_DTYPE, cluster_recording
 
 
 # No `__eq__`: comparing arrays does not give a single bool.
@@ -53,22 +53,9 @@ class ClusteredRecording:
     remark: str
 
 
-ROW_FIELDS = [
-    ("timestamp", "i8"),
-    ("x", "f4"),
-    ("y", "f4"),
-    ("width", "f4"),
-    ("height", "f4"),
-    ("start_time", "i8"),
-    ("duration", "i8"),
-    ("events", "i8"),
-]
-TRACK_FIELDS = [("track_id", "i8"), ("vx", "f4"), ("vy", "f4"), ("state", "U9")]
-
-
 def row_type(with_tracks: bool) -> np.dtype[np.void]:
     """Data type of the rows of a recording."""
-    return np.dtype(ROW_FIELDS + TRACK_FIELDS if with_tracks else ROW_FIELDS)
+    return np.dtype(ROW_DTYPE.descr + TRACK_DTYPE.descr) if with_tracks else ROW_DTYPE
 
 
 def joined(rows: NDArray[np.void], tracks: NDArray[np.void] | None) -> NDArray[np.void]:

@@ -80,8 +80,9 @@ std::vector<ClusterGeometry> toClusters(const py::object& rows_object) {
     return clusters;
 }
 
-void registerClusterRow() {
+py::dtype registerClusterRow() {
     PYBIND11_NUMPY_DTYPE(RowFields, timestamp, x, y, width, height, start_time, duration, events);
+    return py::dtype::of<RowFields>();
 }
 
 }  // namespace kelvora::python

@@ -23,6 +23,8 @@ pybind11::array toArray(const std::vector<tool::ClusterRow>& rows);
 std::vector<ClusterGeometry> toClusters(const pybind11::object& rows_object);
 
 /// Registers the fields of a row with pybind11. Call it once, before creating rows.
-void registerClusterRow();
+///
+/// \return The type of a row.
+pybind11::dtype registerClusterRow();
 
 }  // namespace kelvora::python

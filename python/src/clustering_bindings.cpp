@@ -26,6 +26,7 @@
 #include "sessions/session.hpp"
 #include "sessions/window_reader.hpp"
 #include "settings.hpp"
+#include "text_fields.hpp"
 
 namespace kelvora::python {
 
@@ -162,6 +163,7 @@ py::dict clusterRecording(const std::filesystem::path& path, const py::dict& key
 
 void bindClustering(py::module_& module) {
     PYBIND11_NUMPY_DTYPE(TrackColumns, track_id, vx, vy, state);
+    module.attr("TRACK_DTYPE") = withStrings(py::dtype::of<TrackColumns>());
     module.def(
         "check_clustering",
         [](const py::dict& keywords) { static_cast<void>(toTask({}, keywords)); },

@@ -15,7 +15,7 @@ PYBIND11_MODULE(_kelvora, module) {
 
     module.attr("__version__") = KELVORA_VERSION;
     module.attr("EVENT_DTYPE") = kelvora::python::eventDtype();
-    kelvora::python::registerClusterRow();
+    module.attr("ROW_DTYPE") = kelvora::python::registerClusterRow();
     kelvora::python::bindGridClusterer(module);
     kelvora::python::bindDensityClusterer(module);
     kelvora::python::bindCentroidClusterer(module);

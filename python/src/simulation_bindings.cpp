@@ -18,6 +18,7 @@
 #include "simulation/event_simulator.hpp"
 #include "simulation/ground_truth.hpp"
 #include "simulation/scene_options.hpp"
+#include "text_fields.hpp"
 
 namespace kelvora::python {
 
@@ -118,18 +119,11 @@ TruthRow toRow(const simulation::GroundTruth& truth) {
     return row;
 }
 
-/// Converts text to NumPy strings, which compare with `str`.
 py::object toTable(const std::vector<simulation::GroundTruth>& truth) {
     py::array_t<TruthRow> array(static_cast<py::ssize_t>(truth.size()));
     std::transform(truth.begin(), truth.end(), array.mutable_data(),
                    [](const simulation::GroundTruth& row) { return toRow(row); });
-    py::list fields;
-    for (const py::handle& name : array.dtype().attr("names")) {
-        const py::object type = array.dtype().attr("__getitem__")(name);
-        const bool is_text = type.attr("kind").cast<std::string>() == "S";
-        fields.append(py::make_tuple(name, is_text ? py::object(py::str("U7")) : type));
-    }
-    return array.attr("astype")(fields);
+    return array.attr("astype")(withStrings(array.dtype()));
 }
 
 /// Simulates the whole recording: the events and the true positions.
