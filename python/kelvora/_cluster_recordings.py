@@ -7,14 +7,12 @@ import os
 from typing import TYPE_CHECKING, Any, Iterable, Literal
 
 from kelvora._kelvora import check_clustering
-from kelvora._recordings import Format, TimeUnit, integer, sensor_size
+from kelvora._recordings import Format, TimeUnit, file_name, integer, sensor_size
 from kelvora._worker import ClusteredRecording, cluster, failed
 from kelvora._worker_pool import WorkerPool
 
 if TYPE_CHECKING:
     from kelvora._kelvora import _Method
-
-_DURATIONS = ("window_us", "from_us", "to_us", "time_length_us")
 
 
 def cluster_recordings(
@@ -124,9 +122,7 @@ def cluster_recordings(
     )
     if isinstance(paths, (str, bytes)):
         raise TypeError("paths must be several paths: give [path] for a single one")
-    names = [os.fsdecode(path) for path in paths]
-    if any("\0" in name for name in names):
-        raise ValueError("paths must not contain null characters")
+    names = [file_name(path) for path in paths]
     if client is not None:
         if workers is not None:
             raise TypeError("workers must not be given with a client, which has its own")
@@ -147,8 +143,6 @@ def _options(**keywords: object) -> dict[str, Any]:
 
 
 def _plain(name: str, value: Any) -> Any:
-    if name in _DURATIONS:
-        return integer(name, value)
     if name == "sensor":
         return sensor_size(value)
     return value.item() if hasattr(value, "item") else value

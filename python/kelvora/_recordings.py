@@ -82,10 +82,8 @@ def read(
     >>> reader.format, reader.dropped
     ('text', 1)
     """
-    if "\0" in os.fsdecode(path):
-        raise ValueError("path must not contain a null character")
     return open_recording(
-        path,
+        file_name(path),
         sensor=None if sensor is None else sensor_size(sensor),
         input_format=input_format,
         columns=columns,
@@ -152,16 +150,22 @@ def write(
     ...     print(error.problem)
     exists already
     """
-    if "\0" in os.fsdecode(path):
-        raise ValueError("path must not hold a null character")
     write_recording(
-        path,
+        file_name(path),
         events,
         sensor=None if sensor is None else sensor_size(sensor),
         output_format=output_format,
         time_unit=time_unit,
         overwrite=overwrite,
     )
+
+
+def file_name(path: str | bytes | os.PathLike[str] | os.PathLike[bytes]) -> str:
+    """The path as a string, if a file can have it."""
+    name = os.fsdecode(path)
+    if "\0" in name:
+        raise ValueError(f"a path must not contain a null character, as in {name!r}")
+    return name
 
 
 def sensor_size(sensor: Any) -> tuple[int, int]:
