@@ -93,13 +93,22 @@ void Pictures::add(const recording::Window& window, const WindowClusters& found)
     if (!options.isWanted()) {
         return;
     }
-    const std::uint64_t origin = first_start.value_or(window.start_time);
-    first_start = origin;
+    first_start = first_start.value_or(window.start_time);
+    extendTrails(found);
+    const bool is_busiest = plot3d && window.size() > busiest.events.size();
+    if (frames || is_busiest || (sheet && sheet->wantsNext())) {
+        draw(window, found, is_busiest);
+    } else if (sheet) {
+        sheet->add({nullptr, 0}, {}, {});
+    }
+}
+
+void Pictures::draw(const recording::Window& window, const WindowClusters& found, bool is_busiest) {
     const std::vector<int> labels = colourLabels(found);
     const drawing::EventSpan events(window.first, window.size(),
                                     labels.empty() ? nullptr : labels.data());
     const std::string caption = drawing::windowCaption(
-        window.start_time - origin, window.end_time - origin, found.clusters.size());
+        window.start_time - *first_start, window.end_time - *first_start, found.clusters.size());
     const drawing::Overlay overlay = makeOverlay(found);
     if (frames) {
         drawing::writePng(options.frames_dir / frameName(++frame_number),
@@ -108,19 +117,14 @@ void Pictures::add(const recording::Window& window, const WindowClusters& found)
     if (sheet) {
         sheet->add(events, overlay, caption);
     }
-    if (plot3d) {
-        keepIfBusiest(window, labels, caption);
+    if (is_busiest) {
+        busiest = {
+            window.start_time, window.end_time, {window.begin(), window.end()}, labels, caption};
     }
 }
 
-/// Draws clusters of confirmed tracks as tracks, and removes the trails of ended tracks.
-drawing::Overlay Pictures::makeOverlay(const WindowClusters& found) {
-    drawing::Overlay overlay;
-    for (const ClusterCentroid& centroid : found.centroids) {
-        overlay.centroids.emplace_back(static_cast<float>(centroid.x),
-                                       static_cast<float>(centroid.y));
-    }
-    std::vector<bool> is_marked(found.clusters.size());
+/// Adds the positions of tracked objects, and removes the trails of ended tracks.
+void Pictures::extendTrails(const WindowClusters& found) {
     std::map<int, std::vector<cv::Point2f>> live_trails;
     for (const ClusterTracker::Track& track : found.tracks) {
         std::vector<cv::Point2f>& trail = live_trails[track.id] = std::move(trails[track.id]);
@@ -128,31 +132,32 @@ drawing::Overlay Pictures::makeOverlay(const WindowClusters& found) {
         if (trail.size() > kLongestTrail) {
             trail.erase(trail.begin());
         }
+    }
+    trails = std::move(live_trails);
+}
+
+/// Draws clusters of confirmed tracks as tracks.
+drawing::Overlay Pictures::makeOverlay(const WindowClusters& found) const {
+    drawing::Overlay overlay;
+    for (const ClusterCentroid& centroid : found.centroids) {
+        overlay.centroids.emplace_back(static_cast<float>(centroid.x),
+                                       static_cast<float>(centroid.y));
+    }
+    std::vector<bool> is_marked(found.clusters.size());
+    for (const ClusterTracker::Track& track : found.tracks) {
         if (isFollowed(track)) {
-            overlay.tracks.push_back({track.id, track.box, trail});
+            overlay.tracks.push_back({track.id, track.box, trails.at(track.id)});
         }
         if (isFollowed(track) && track.cluster >= 0) {
             is_marked[static_cast<std::size_t>(track.cluster)] = true;
         }
     }
-    trails = std::move(live_trails);
     for (std::size_t i = 0; i < found.clusters.size(); ++i) {
         if (!is_marked[i]) {
             overlay.clusters.push_back(found.clusters[i]);
         }
     }
     return overlay;
-}
-
-void Pictures::keepIfBusiest(const recording::Window& window, const std::vector<int>& labels,
-                             const std::string& caption) {
-    if (window.size() > busiest.events.size()) {
-        busiest.start_time = window.start_time;
-        busiest.end_time = window.end_time;
-        busiest.events.assign(window.begin(), window.end());
-        busiest.labels = labels;
-        busiest.caption = caption;
-    }
 }
 
 void Pictures::finish() {

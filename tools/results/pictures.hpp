@@ -58,9 +58,9 @@ private:
         std::string caption;
     };
 
-    drawing::Overlay makeOverlay(const WindowClusters& found);
-    void keepIfBusiest(const recording::Window& window, const std::vector<int>& labels,
-                       const std::string& caption);
+    void draw(const recording::Window& window, const WindowClusters& found, bool is_busiest);
+    void extendTrails(const WindowClusters& found);
+    drawing::Overlay makeOverlay(const WindowClusters& found) const;
 
     PictureOptions options;
     recording::WriteOptions write;
