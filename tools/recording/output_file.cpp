@@ -132,23 +132,23 @@ void OutputFile::write(Bytes bytes) {
     is_damaged = false;
 }
 
-void OutputFile::close() {
+void OutputFile::close(NameSync sync) {
     if (is_damaged) {
         keep();
         return;
     }
     is_damaged = true;  // until everything has been done
     if (pending) {
-        complete();
+        complete(sync);
     } else if (descriptor != kClosed && ::close(std::exchange(descriptor, kClosed)) != 0) {
         failToWrite(file_name, errno);
     }
     is_damaged = false;
 }
 
-void OutputFile::complete() {
+void OutputFile::complete(NameSync sync) {
     try {
-        pending->complete(options.overwrite);
+        pending->complete(options.overwrite, sync);
     } catch (const std::system_error& error) {
         if (error.code().value() == EEXIST) {
             refuseExisting(file_name);

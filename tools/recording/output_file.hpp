@@ -37,7 +37,7 @@ public:
 
     /// Completes the file. After a failure, keeps it as incomplete instead. Does nothing if the file
     /// is already closed.
-    void close();
+    void close(NameSync sync = NameSync::Now);
 
     /// The path as given by the user, for messages.
     const std::string& name() const { return file_name; }
@@ -45,7 +45,7 @@ public:
 private:
     void open(const std::filesystem::path& target);
     void openExisting(const std::filesystem::path& target);
-    void complete();
+    void complete(NameSync sync);
     void keep() noexcept;
     void handleSignal() const;
 

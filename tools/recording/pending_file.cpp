@@ -63,8 +63,9 @@ bool renameToNewName(const fs::path& from, const fs::path& to) {
     return ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
 }
 
-/// Makes a new name last. A failure does not matter to a file that is complete.
-void syncDirectory(const fs::path& directory) {
+}  // namespace
+
+void syncNames(const fs::path& directory) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): there is no other interface
     const int opened = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (opened >= 0) {
@@ -72,8 +73,6 @@ void syncDirectory(const fs::path& directory) {
         ::close(opened);
     }
 }
-
-}  // namespace
 
 PendingFile::PendingFile(fs::path target_, const std::optional<struct stat>& replaced)
     : target(std::move(target_)), file(createUnfinished(target, unfinished)) {
@@ -88,12 +87,14 @@ PendingFile::~PendingFile() {
     ::close(file);
 }
 
-void PendingFile::complete(bool overwrite) {
+void PendingFile::complete(bool overwrite, NameSync sync) {
     // File systems that cannot sync say EINVAL.
     require(::fsync(file) == 0 || errno == EINVAL);
     require(overwrite ? ::rename(unfinished.c_str(), target.c_str()) == 0
                       : renameToNewName(unfinished, target));
-    syncDirectory(target.parent_path());
+    if (sync == NameSync::Now) {
+        syncNames(target.parent_path());
+    }
 }
 
 fs::path PendingFile::keep() {

@@ -8,6 +8,16 @@
 
 namespace kelvora::recording {
 
+/// When the name of a complete file reaches the disk.
+enum class NameSync {
+    Now,
+    Later  ///< With `syncNames`, for all files of a directory at once.
+};
+
+/// Writes the names of a directory's files to the disk. A failure does not matter to files that are
+/// complete.
+void syncNames(const std::filesystem::path& directory);
+
 /// A file that is being written beside its final name, as `.NAME.unfinished-PID`. Until it is
 /// complete, a file of the final name stays as it is. After a kill, the unfinished file remains.
 ///
@@ -30,7 +40,7 @@ public:
     /// Writes everything to the disk, and gives the file its final name.
     ///
     /// \param overwrite  Whether to replace a file of that name. If not, that is an error.
-    void complete(bool overwrite);
+    void complete(bool overwrite, NameSync sync = NameSync::Now);
 
     /// Names the file `NAME.partial`, or `NAME.partial.2` and so on if there is one already.
     ///

@@ -111,8 +111,7 @@ void Pictures::draw(const recording::Window& window, const WindowClusters& found
         window.start_time - *first_start, window.end_time - *first_start, found.clusters.size());
     const drawing::Overlay overlay = makeOverlay(found);
     if (frames) {
-        drawing::writePng(options.frames_dir / frameName(++frame_number),
-                          frames->render(events, overlay, caption), write);
+        writeFrame(frames->render(events, overlay, caption));
     }
     if (sheet) {
         sheet->add(events, overlay, caption);
@@ -121,6 +120,12 @@ void Pictures::draw(const recording::Window& window, const WindowClusters& found
         busiest = {
             window.start_time, window.end_time, {window.begin(), window.end()}, labels, caption};
     }
+}
+
+void Pictures::writeFrame(const cv::Mat& picture) {
+    recording::OutputFile file(options.frames_dir / frameName(++frame_number), write);
+    file.write(drawing::encodePng(picture));
+    file.close(recording::NameSync::Later);
 }
 
 /// Adds the positions of tracked objects, and removes the trails of ended tracks.
@@ -181,6 +186,9 @@ void Pictures::finish() {
 }
 
 void Pictures::close() {
+    if (frames) {
+        recording::syncNames(options.frames_dir);
+    }
     if (overview) {
         overview->close();
     }

@@ -45,7 +45,8 @@ public:
     /// Writes the overview of all windows so far, and the plot of the window with the most events.
     void finish();
 
-    /// Completes the files of both. Without windows, there are none.
+    /// Completes the files of both. Without windows, there are none. Frames are complete already, but
+    /// only now are their names certain to be on the disk.
     void close();
 
 private:
@@ -59,6 +60,7 @@ private:
     };
 
     void draw(const recording::Window& window, const WindowClusters& found, bool is_busiest);
+    void writeFrame(const cv::Mat& picture);
     void extendTrails(const WindowClusters& found);
     drawing::Overlay makeOverlay(const WindowClusters& found) const;
 
