@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "drawing/caption.hpp"
-#include "drawing/png_file.hpp"
+#include "drawing/png_encoder.hpp"
 #include "drawing/space_time_plot.hpp"
 #include "kelvora/recording/recording_error.hpp"
 #include "sessions/cluster_rows.hpp"
