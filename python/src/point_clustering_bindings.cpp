@@ -42,8 +42,9 @@ eps : float
 min_pts : int
     Number of points that make a neighbourhood dense, including the point itself.
 jobs : int
-    Number of threads; -1: one per processor. With two or more, a core point needs `min_pts` neighbours besides
-    itself, and a border point joins the clusters of all its core points into one.
+    Number of threads; -1: one per processor. With two or more, a core point needs `min_pts`
+    neighbours besides itself, and a border point joins the clusters of all its core points into
+    one.
 
 Returns
 -------
