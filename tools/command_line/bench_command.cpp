@@ -128,7 +128,7 @@ private:
 }  // namespace
 
 BenchCommand::BenchCommand(CLI::App& program)
-    : command(program.add_subcommand("bench", "Measure the speed of the methods on a recording")),
+    : Command(program, "bench", "Measure the speed of the methods on a recording"),
       methods(kDefaultMethods) {
     builder.settings.centroid.clusters = kDefaultClusters;
     declareOptions();

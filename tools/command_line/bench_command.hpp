@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "command_line/bench_report.hpp"
+#include "command_line/command.hpp"
 #include "command_line/recording_options.hpp"
 #include "command_line/report_files.hpp"
 #include "sessions/session.hpp"
@@ -19,18 +20,15 @@ namespace kelvora::tool {
 ///
 /// A first pass only reads the recording, then each method gets a separate pass. Only one window is
 /// in memory at a time, and methods do not share caches or the peak memory.
-class BenchCommand {
+class BenchCommand : public Command {
 public:
     /// Adds the command and its options to the program.
     explicit BenchCommand(CLI::App& program);
 
-    /// Whether the user asked for this command.
-    bool isChosen() const { return command->parsed(); }
-
     /// \returns the exit status of the program.
     /// \throws recording::RecordingError  for a bad recording, after everything readable has been
     ///     timed.
-    int run() const;
+    int run() const override;
 
 private:
     void declareOptions();
@@ -40,7 +38,6 @@ private:
                      std::exception_ptr& defect) const;
     Settings settingsOf(const std::string& name) const;
 
-    CLI::App* command;
     RecordingOptions recording;
     std::vector<std::string> methods;
     SettingsBuilder builder;

@@ -37,8 +37,7 @@ std::string summaryOf(const Session& session, const WindowReader& reader) {
 }  // namespace
 
 ClusterCommand::ClusterCommand(CLI::App& program)
-    : command(
-          program.add_subcommand("cluster", "Find the clusters of a recording, window by window")) {
+    : Command(program, "cluster", "Find the clusters of a recording, window by window") {
     declareOptions(*command, recording);
     declareParameters(*command, builder);
     declareOptions(*command, output);

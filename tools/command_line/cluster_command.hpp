@@ -3,6 +3,7 @@
 
 #include <CLI/App.hpp>
 
+#include "command_line/command.hpp"
 #include "command_line/recording_options.hpp"
 #include "results/result_files.hpp"
 #include "sessions/settings_builder.hpp"
@@ -10,21 +11,17 @@
 namespace kelvora::tool {
 
 /// `kelvora cluster`: finds the clusters of a recording, window by window.
-class ClusterCommand {
+class ClusterCommand : public Command {
 public:
     /// Adds the command and its options to the program.
     explicit ClusterCommand(CLI::App& program);
 
-    /// Whether the user asked for this command.
-    bool isChosen() const { return command->parsed(); }
-
     /// \returns the exit status of the program.
     /// \throws std::runtime_error  for bad input or output, after all valid results have been
     ///     written.
-    int run() const;
+    int run() const override;
 
 private:
-    CLI::App* command;
     RecordingOptions recording;
     SettingsBuilder builder;
     OutputSettings output;

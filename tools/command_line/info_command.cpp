@@ -83,8 +83,7 @@ std::string jsonOf(const recording::EventReader& reader,
 
 }  // namespace
 
-InfoCommand::InfoCommand(CLI::App& program)
-    : command(program.add_subcommand("info", "Summarise a recording")) {
+InfoCommand::InfoCommand(CLI::App& program) : Command(program, "info", "Summarise a recording") {
     declareOptions(*command, recording);
     command->add_flag("--json", as_json, "Print JSON instead of a table");
 }

@@ -3,26 +3,23 @@
 
 #include <CLI/App.hpp>
 
+#include "command_line/command.hpp"
 #include "command_line/recording_options.hpp"
 
 namespace kelvora::tool {
 
 /// `kelvora info`: summarises a recording.
-class InfoCommand {
+class InfoCommand : public Command {
 public:
     /// Adds the command and its options to the program.
     explicit InfoCommand(CLI::App& program);
 
-    /// Whether the user asked for this command.
-    bool isChosen() const { return command->parsed(); }
-
     /// \returns the exit status of the program.
     /// \throws recording::RecordingError  for a bad recording, after printing a summary of the
     ///     readable part.
-    int run() const;
+    int run() const override;
 
 private:
-    CLI::App* command;
     RecordingOptions recording;
     bool as_json = false;
 };

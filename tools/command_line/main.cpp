@@ -3,6 +3,8 @@
 #include <png.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <exception>
 #include <nanoflann.hpp>
@@ -15,6 +17,7 @@
 
 #include "command_line/bench_command.hpp"
 #include "command_line/cluster_command.hpp"
+#include "command_line/command.hpp"
 #include "command_line/info_command.hpp"
 #include "command_line/interrupt.hpp"
 #include "command_line/score_command.hpp"
@@ -83,26 +86,21 @@ int run(int argc, char** argv) {
     CLI::App program("Finds clusters of activity in the recordings of event cameras.", "kelvora");
     program.set_version_flag("--version", versionText());
     program.require_subcommand(1);
-    const tool::InfoCommand info(program);
-    const tool::ClusterCommand cluster(program);
+    tool::InfoCommand info(program);
+    tool::ClusterCommand cluster(program);
     tool::SimulateCommand simulate(program);
-    const tool::ScoreCommand score(program);
-    const tool::BenchCommand bench(program);
+    tool::ScoreCommand score(program);
+    tool::BenchCommand bench(program);
+    const std::array<const tool::Command*, 5> commands = {&info, &cluster, &simulate, &score,
+                                                          &bench};
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return answer(program, error, {argv + 1, argv + argc});
     }
-    if (info.isChosen()) {
-        return info.run();
-    }
-    if (score.isChosen()) {
-        return score.run();
-    }
-    if (bench.isChosen()) {
-        return bench.run();
-    }
-    return cluster.isChosen() ? cluster.run() : simulate.run();
+    const auto* const chosen = std::find_if(
+        commands.begin(), commands.end(), [](const tool::Command* one) { return one->isChosen(); });
+    return (*chosen)->run();
 }
 
 /// Reports the exception that is being handled.

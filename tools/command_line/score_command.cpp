@@ -132,8 +132,8 @@ void warnOfIntervals(const scoring::FrameSequence& sequence) {
 }  // namespace
 
 ScoreCommand::ScoreCommand(CLI::App& program)
-    : command(program.add_subcommand(
-          "score", "Compare clusters with the truth: precision, recall, CLEAR MOT measures")) {
+    : Command(program, "score",
+              "Compare clusters with the truth: precision, recall, CLEAR MOT measures") {
     command
         ->add_option("--truth", truth,
                      "True boxes of the objects, as written by 'kelvora simulate --truth'")

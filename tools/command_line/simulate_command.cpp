@@ -121,8 +121,7 @@ private:
 }  // namespace
 
 SimulateCommand::SimulateCommand(CLI::App& program)
-    : command(program.add_subcommand("simulate",
-                                     "Simulate a recording of a scene with known objects")) {
+    : Command(program, "simulate", "Simulate a recording of a scene with known objects") {
     declareOutput();
     declareScene();
     command->parse_complete_callback([this] { checkOptions(); });
@@ -183,7 +182,7 @@ void SimulateCommand::checkOptions() const {
     }
 }
 
-int SimulateCommand::run() {
+int SimulateCommand::run() const {
     checkFiles({{}, {{"--output", output}, {"--truth", truth}}, {}});
     simulation::EventSimulator simulator(scene);
     const auto writer = recording::createRecording(

@@ -5,30 +5,27 @@
 #include <filesystem>
 #include <optional>
 
+#include "command_line/command.hpp"
 #include "kelvora/recording/event_writer.hpp"
 #include "simulation/scene_options.hpp"
 
 namespace kelvora::tool {
 
 /// `kelvora simulate`: makes a recording of a scene with known objects.
-class SimulateCommand {
+class SimulateCommand : public Command {
 public:
     /// Adds the command and its options to the program.
     explicit SimulateCommand(CLI::App& program);
 
-    /// Whether the user asked for this command.
-    bool isChosen() const { return command->parsed(); }
-
     /// \returns the exit status of the program.
     /// \throws std::runtime_error  if a file cannot be written.
-    int run();
+    int run() const override;
 
 private:
     void declareOutput();
     void declareScene();
     void checkOptions() const;
 
-    CLI::App* command;
     std::filesystem::path output;
     std::filesystem::path truth;
     std::optional<std::string> format;
